@@ -1,0 +1,112 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <new>
+#include <type_traits>
+#include <utility>
+
+namespace Calder {
+
+/// An array whose length is fixed when it is made.
+///
+/// Its destructor frees the storage and does NOT run the destructors of the elements: a reference
+/// that an element holds stays held for ever. The process constructs with any number of arguments
+/// keep them in one of these and rely on nothing else. Everybody else whose elements hold something
+/// wants OwningArray below.
+///
+/// A length whose storage could not be addressed throws std::bad_alloc before anything is
+/// allocated; when building an element throws, the elements built so far are destroyed, the storage
+/// is freed and the exception goes on.
+template <typename T> class FixedArray {
+    static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+
+  public:
+    using value_type = T;
+
+    FixedArray() noexcept = default;
+
+    /// `length` value-initialised elements: null pointers, zeros, empty containers.
+    explicit FixedArray(std::size_t length) : m_elements(allocate(length)) {
+        build(length, [](std::size_t) { return T(); });
+    }
+
+    FixedArray(std::initializer_list<T> elements) : m_elements(allocate(elements.size())) {
+        build(elements.size(), [&](std::size_t i) -> T const& { return elements.begin()[i]; });
+    }
+
+    FixedArray(FixedArray const& other) : m_elements(allocate(other.m_length)) {
+        build(other.m_length, [&](std::size_t i) -> T const& { return other[i]; });
+    }
+
+    /// A copy of `other` with `replacement` in the place of the element at `index`.
+    FixedArray(FixedArray const& other, std::size_t index, T const& replacement)
+        : m_elements(allocate(other.m_length)) {
+        build(other.m_length,
+              [&](std::size_t i) -> T const& { return i == index ? replacement : other[i]; });
+    }
+
+    FixedArray(FixedArray&& other) noexcept
+        : m_length(std::exchange(other.m_length, 0)),
+          m_elements(std::exchange(other.m_elements, nullptr)) {}
+
+    FixedArray& operator=(FixedArray const&) = delete;
+    FixedArray& operator=(FixedArray&&) = delete;
+
+    ~FixedArray() { deallocate(); }
+
+    std::size_t size() const noexcept { return m_length; }
+    bool empty() const noexcept { return m_length == 0; }
+
+    T& operator[](std::size_t index) noexcept { return m_elements[index]; }
+    T const& operator[](std::size_t index) const noexcept { return m_elements[index]; }
+
+    T* begin() noexcept { return m_elements; }
+    T* end() noexcept { return m_elements + m_length; }
+    T const* begin() const noexcept { return m_elements; }
+    T const* end() const noexcept { return m_elements + m_length; }
+
+  private:
+    static T* allocate(std::size_t length) {
+        if (length > SIZE_MAX / sizeof(T)) {
+            throw std::bad_alloc();
+        }
+        return length == 0 ? nullptr : static_cast<T*>(::operator new(length * sizeof(T)));
+    }
+
+    void deallocate() noexcept { ::operator delete(m_elements); }
+
+    template <typename Source> void build(std::size_t length, Source const& element) {
+        try {
+            for (; m_length < length; ++m_length) {
+                ::new (static_cast<void*>(m_elements + m_length)) T(element(m_length));
+            }
+        } catch (...) {
+            std::destroy_n(m_elements, m_length);
+            deallocate();
+            throw;
+        }
+    }
+
+    std::size_t m_length = 0;
+    T* m_elements = nullptr;
+};
+
+/// A FixedArray that does release what its elements hold, on every way out of its scope.
+template <typename T> class OwningArray : public FixedArray<T> {
+  public:
+    using FixedArray<T>::FixedArray;
+
+    OwningArray() noexcept = default;
+    OwningArray(OwningArray const&) = default;
+    OwningArray(OwningArray&&) noexcept = default;
+    explicit OwningArray(FixedArray<T> const& other) : FixedArray<T>(other) {}
+    OwningArray& operator=(OwningArray const&) = delete;
+    OwningArray& operator=(OwningArray&&) = delete;
+
+    ~OwningArray() { std::destroy(this->begin(), this->end()); }
+};
+
+} // namespace Calder

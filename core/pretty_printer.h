@@ -1,0 +1,187 @@
+#pragma once
+
+#include "core/export.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <locale>
+#include <ostream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace Calder::PrettyPrinter {
+
+/// The stream that terms print themselves into: it holds back the current line, breaks it between
+/// pieces at a width, cuts long pieces, and stops when a character budget is spent.
+///
+/// Text is collected in `pending_text` until `end_piece` or a newline makes a piece of it; the
+/// pieces of a line are written when the line ends. So nothing appears before a newline or the
+/// destructor, and a line is broken only where a piece ends. All lengths are in bytes.
+///
+/// `Session` is whatever the printed things need to name themselves. The members are public because
+/// the things that print read and set them.
+template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinter {
+    static_assert(std::is_same_v<Char, char>, "texts are UTF-8 in char");
+
+  public:
+    using Text = std::basic_string<Char>;
+
+    static constexpr unsigned no_piece_budget = 0xFFFFFFFF;
+    static constexpr unsigned no_line_width = std::numeric_limits<unsigned>::max();
+
+    /// A printer without a limit of any kind, writing to `stream`, which must outlive it.
+    PrettyPrinter(std::basic_ostream<Char>& stream, Session printed_session)
+        : output(stream), session(printed_session) {}
+
+    PrettyPrinter(PrettyPrinter const&) = delete;
+    PrettyPrinter& operator=(PrettyPrinter const&) = delete;
+
+    /// Writes what is pending, without a final newline. An exception of the stream ends the
+    /// program.
+    ~PrettyPrinter() {
+        if (!is_spent()) {
+            end_piece();
+            write_pieces();
+        }
+    }
+
+    PrettyPrinter& operator<<(Text const& text) {
+        if (is_spent()) {
+            return *this;
+        }
+        write_indent();
+        std::size_t start = 0;
+        for (std::size_t newline; (newline = text.find('\n', start)) != Text::npos;
+             start = newline + 1) {
+            pending_text.append(text, start, newline - start);
+            end_line();
+        }
+        pending_text.append(text, start);
+        return *this;
+    }
+
+    /// A null pointer throws std::logic_error.
+    PrettyPrinter& operator<<(Char const* text) {
+        if (text == nullptr) {
+            throw std::logic_error("basic_string::_M_construct null not valid");
+        }
+        return *this << Text(text);
+    }
+
+    /// Closes the piece that is being collected: the line may be broken here.
+    void end_piece() {
+        if (!pending_text.empty() && piece_budget != 0) {
+            if (piece_budget != no_piece_budget) {
+                if (pending_text.size() > piece_budget) {
+                    pending_text.resize(piece_budget - 1);
+                    pending_text += "…";
+                }
+                piece_budget -= static_cast<unsigned>(
+                    pending_text.size() < piece_budget ? pending_text.size() : piece_budget);
+            }
+            pieces.push_back(std::move(pending_text));
+        }
+        pending_text.clear();
+    }
+
+    /// `number` in decimal, its digits grouped as the user's environment asks; without grouping
+    /// when the environment names a locale that this machine does not have.
+    template <typename Number> Text format_number(Number const& number) const {
+        std::basic_ostringstream<Char> stream;
+        try {
+            stream.imbue(std::locale(""));
+        } catch (std::runtime_error const&) {
+            stream.imbue(std::locale::classic());
+        }
+        stream << number;
+        return stream.str();
+    }
+
+    std::basic_ostream<Char>& output;
+    /// Continuations and parameters are printed as "…".
+    bool abbreviate = false;
+    /// Characters that may still be written: 0 when the budget is spent, below 0 without limit.
+    std::int32_t remaining_characters = -1;
+    Session session;
+    Text pending_text;
+    std::vector<Text> pieces;
+    /// Blanks at the start of every line that is written.
+    unsigned indent = 0;
+    bool indent_written = false;
+    /// A line is broken before a piece that would end beyond this column.
+    unsigned line_width = no_line_width;
+    /// Output operations do nothing.
+    bool silenced = false;
+    /// Nothing has been written since the last newline, or nothing at all yet.
+    bool at_line_start = true;
+    /// Bytes that pieces may still have in all; no_piece_budget means no limit.
+    unsigned piece_budget = no_piece_budget;
+
+  private:
+    bool is_spent() const { return silenced || remaining_characters == 0; }
+
+    void write_indent() {
+        if (!indent_written) {
+            indent_written = true;
+            output << Text(indent, ' ');
+        }
+    }
+
+    /// Ends the line that `pending_text` and `pieces` hold. An empty line is dropped.
+    void end_line() {
+        if (is_spent() || (at_line_start && pending_text.empty() && pieces.empty())) {
+            pending_text.clear();
+            return;
+        }
+        write_indent();
+        end_piece();
+        write_pieces();
+        output << '\n' << std::flush;
+        indent_written = false;
+        at_line_start = true;
+        pieces.clear();
+    }
+
+    void write_pieces() {
+        std::size_t column = indent;
+        for (Text const& piece : pieces) {
+            if (column > indent && column + piece.size() > line_width) {
+                output << '\n' << std::flush << Text(indent, ' ');
+                at_line_start = true;
+                column = indent;
+            }
+            output << piece;
+            at_line_start = false;
+            column += piece.size();
+            if (remaining_characters > 0 && spend(piece.size())) {
+                return;
+            }
+        }
+    }
+
+    /// Lowers the budget by `length`; says whether that spent it.
+    bool spend(std::size_t length) {
+        std::int64_t const left = remaining_characters - static_cast<std::int64_t>(length);
+        remaining_characters = left < 1 ? 0 : static_cast<std::int32_t>(left);
+        return remaining_characters == 0;
+    }
+};
+
+/// What can print itself into such a stream.
+template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrintable {
+  public:
+    virtual ~PrettyPrintable() = default;
+    virtual void pretty_print(PrettyPrinter<Session, Char>& printer) const = 0;
+
+  protected:
+    PrettyPrintable() = default;
+    PrettyPrintable(PrettyPrintable const&) = default;
+    PrettyPrintable& operator=(PrettyPrintable const&) = default;
+};
+
+} // namespace Calder::PrettyPrinter

@@ -1,0 +1,35 @@
+#include "process_compiler/argument_array.h"
+
+#include "core/hash_combine.h"
+
+#include <algorithm>
+
+namespace Calder::ProcessCompiler {
+
+std::uint64_t hash_arguments(ProcessArray const& arguments) {
+    std::uint64_t hash = hash_combine(0xc1, arguments.size());
+    for (ProcessPointer const& argument : arguments) {
+        hash = hash_combine(hash, hash_of(argument));
+    }
+    return hash;
+}
+
+bool arguments_equal(ProcessArray const& left, ProcessArray const& right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](ProcessPointer const& mine, ProcessPointer const& theirs) {
+                          return mine == theirs || *mine == *theirs;
+                      });
+}
+
+OwningArray<ProcessPointer> clone_arguments(ProcessArray const& arguments) {
+    OwningArray<ProcessPointer> clones(arguments.size());
+    std::transform(arguments.begin(), arguments.end(), clones.begin(),
+                   [](ProcessPointer const& argument) { return argument->clone(true); });
+    return clones;
+}
+
+void replace_arguments(ProcessArray& own, ProcessArray const& given) {
+    std::copy_n(given.begin(), own.size(), own.begin());
+}
+
+} // namespace Calder::ProcessCompiler

@@ -1,0 +1,32 @@
+#include "process_compiler/high_level_machine.h"
+
+namespace Calder::HighLevelMachine {
+
+UnCompiledRule& append_rule(UnCompiledFormat& format, unsigned event, unsigned target_format,
+                            std::vector<ComponentEvent> component_events) {
+    UnCompiledRule& rule = format.rules.emplace_back();
+    rule.event = event;
+    rule.target_format = target_format;
+    rule.component_events = std::move(component_events);
+    return rule;
+}
+
+void make_identity_format(std::deque<UnCompiledFormat>& formats, unsigned index,
+                          BitSet const& alphabet, unsigned component) {
+    UnCompiledFormat& format = formats.at(index);
+    format.active_components.assign(1, component);
+    format.rules.clear();
+    for (unsigned const event : alphabet) {
+        append_rule(format, event, index, {std::pair(component, event)});
+    }
+}
+
+void make_stop_format(std::deque<UnCompiledFormat>& formats, unsigned index) {
+    if (index == formats.size()) {
+        formats.emplace_back();
+        return;
+    }
+    formats.at(index) = UnCompiledFormat();
+}
+
+} // namespace Calder::HighLevelMachine

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "core/bit_set.h"
+#include "process_compiler/export.h"
+
+#include <concepts>
+#include <deque>
+#include <utility>
+#include <vector>
+
+/// The second description that a construct gives of itself: a machine of a few formats, each saying
+/// which arguments run and by which rules the machine moves from format to format.
+namespace Calder::HighLevelMachine {
+
+/// One participant of a rule: the argument `component` performs `event`. Event number 0 means that
+/// the argument is named without taking part.
+struct ComponentEvent {
+    /// From (argument index, event number); an index may be a literal or a computed number.
+    template <std::integral Index> ComponentEvent(std::pair<Index, unsigned> participant)
+        : component(static_cast<unsigned>(participant.first)), event(participant.second) {}
+
+    bool operator==(ComponentEvent const&) const = default;
+
+    unsigned component;
+    unsigned event;
+};
+
+/// One way to leave a format or to stay in it.
+struct UnCompiledRule {
+    bool operator==(UnCompiledRule const&) const = default;
+
+    /// What the whole machine performs.
+    unsigned event = 0;
+    /// The format that the machine is in afterwards.
+    unsigned target_format = 0;
+    /// The arguments that take part, each with its own event.
+    std::vector<ComponentEvent> component_events;
+    /// A second list of components; empty in every rule of the present constructs.
+    std::vector<unsigned> extra_components;
+};
+
+/// One state kind of the machine; format 0 is where it starts.
+struct UnCompiledFormat {
+    bool operator==(UnCompiledFormat const&) const = default;
+
+    std::deque<UnCompiledRule> rules;
+    /// The arguments that run while the machine is in this format.
+    std::vector<unsigned> active_components;
+};
+
+/// Appends to `format` the rule: the machine performs `event` and moves to `target_format` while
+/// the given arguments take part. Returns the rule, to which more participants may be added.
+CALDER_PROCESS_COMPILER_EXPORT UnCompiledRule&
+append_rule(UnCompiledFormat& format, unsigned event, unsigned target_format,
+            std::vector<ComponentEvent> component_events = {});
+
+/// Makes `formats[index]` the format in which argument `component` runs alone and every event of
+/// `alphabet` passes through unchanged: one rule an event, ascending, staying in the format.
+/// Throws std::out_of_range when there is no such format.
+CALDER_PROCESS_COMPILER_EXPORT void make_identity_format(std::deque<UnCompiledFormat>& formats,
+                                                         unsigned index, BitSet const& alphabet,
+                                                         unsigned component);
+
+/// Makes `formats[index]` the format of STOP: nothing runs, no rule. An index equal to the number
+/// of formats appends the format; a larger one throws std::out_of_range.
+CALDER_PROCESS_COMPILER_EXPORT void make_stop_format(std::deque<UnCompiledFormat>& formats,
+                                                     unsigned index);
+
+} // namespace Calder::HighLevelMachine

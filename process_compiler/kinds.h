@@ -1,0 +1,9 @@
+#pragma once
+
+namespace Calder::ProcessCompiler {
+
+/// The kinds of the host's own terms; constructs stay below.
+constexpr unsigned operator_process_kind = 20;
+constexpr unsigned named_process_kind = 21;
+
+} // namespace Calder::ProcessCompiler

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "process_compiler/process.h"
+
+namespace Calder::ProcessCompiler {
+
+class OperatorProcess;
+
+/// The other half of the contract: a construct that has only parameters (an event set, a renaming,
+/// links, alphabets). The host applies it to arguments by an OperatorProcess and passes these to
+/// every call that needs them; one operator object serves all terms that come of a term.
+///
+/// Operators are immutable and shared between threads. As in Process, the virtual functions stand
+/// in the order of their slots, and those that share a name with one there mean the same.
+class CALDER_PROCESS_COMPILER_EXPORT Operator : public AtomicReferenceCounted,
+                                                public PrettyPrintable {
+  public:
+    ~Operator() override;
+
+    Operator(Operator const&) = delete;
+    Operator& operator=(Operator const&) = delete;
+
+    virtual bool operator==(Operator const& other) const = 0;
+    virtual bool operator!=(Operator const& other) const = 0;
+    virtual std::uint64_t hash_code() const = 0;
+    /// Which class this is; the numbers are apart from those of Process::kind.
+    virtual unsigned operator_kind() const = 0;
+
+    /// The transitions of the operator applied to `arguments`, none of which is null. Successors
+    /// are applications of this same operator, or arguments, or STOP.
+    virtual bool visit_transitions(NamedProcessSource const& source,
+                                   TransitionVisitor const& visitor,
+                                   ProcessArray const& arguments) const = 0;
+    /// The default reports nothing.
+    virtual void visit_high_level_transitions(std::vector<BitSet> const& alphabets,
+                                              HighLevelVisitor const& visitor,
+                                              ProcessArray const& arguments) const;
+    virtual std::unique_ptr<Formats>
+    high_level_formats(std::vector<BitSet> const& alphabets) const = 0;
+
+    virtual RecursionType recursion_type() const = 0;
+    virtual bool allows_recursion(unsigned index) const = 0;
+    virtual ArgumentState process_state(unsigned index) const = 0;
+    virtual bool discarded_by(unsigned index) const = 0;
+    virtual TurnedOnBy turned_on_by(unsigned index) const = 0;
+    virtual CompilationLevel preferred_compilation_level(bool high_wished) const = 0;
+    virtual bool is_commutative() const = 0;
+
+    /// The operator on its own, with the blanks that stand around it between two operands.
+    void pretty_print(Printer& printer) const override = 0;
+    /// The operator and its parameters in words.
+    virtual void pretty_print_description(Printer& printer) const = 0;
+    /// The whole application: this operator with the arguments of `process`.
+    virtual void pretty_print_operator_process(Printer& printer,
+                                               OperatorProcess const& process) const = 0;
+    virtual std::pair<unsigned, unsigned> pretty_print_information() const = 0;
+    virtual bool pretty_print_is_same_operator(Operator const& other) const = 0;
+
+  protected:
+    Operator();
+
+    /// This very operator, for the applications that are its successors.
+    boost::intrusive_ptr<Operator> self() const;
+
+    CachedHash m_hash;
+};
+
+using OperatorPointer = boost::intrusive_ptr<Operator>;
+
+} // namespace Calder::ProcessCompiler

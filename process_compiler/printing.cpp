@@ -1,0 +1,86 @@
+#include "process_compiler/printing.h"
+
+#include "process_compiler/session.h"
+
+namespace Calder::ProcessCompiler {
+
+namespace {
+
+constexpr unsigned description_indent = 4;
+
+void print_operand(Printer& printer, Process const& construct, Process const& operand,
+                   unsigned bare_associativity) {
+    auto const [precedence, associativity] = construct.pretty_print_information();
+    bool const bare = operand.pretty_print_is_same_operator(construct)
+                          ? associativity == bare_associativity
+                          : precedence > operand.pretty_print_information().first;
+    if (bare) {
+        print_within_budget(printer, operand);
+        return;
+    }
+    printer << "(";
+    print_within_budget(printer, operand);
+    printer << ")";
+}
+
+} // namespace
+
+void print_within_budget(Printer& printer, PrettyPrintable const& printed) {
+    if (printer.remaining_characters != 0) {
+        printed.pretty_print(printer);
+    }
+}
+
+void print_event(Printer& printer, unsigned event) {
+    if (EventPointer const object = printer.session->event_object(event)) {
+        print_within_budget(printer, *object);
+    }
+}
+
+void print_event_set(Printer& printer, BitSet const& events) {
+    if (printer.remaining_characters != 0) {
+        printer.session->event_set_object(events)->pretty_print(printer);
+    }
+}
+
+void print_event_set_description(Printer& printer, std::string const& title, BitSet const& events) {
+    printer << title << "\n";
+    printer.indent += description_indent;
+    print_event_set(printer, events);
+    printer.indent -= description_indent;
+}
+
+void print_left_operand(Printer& printer, Process const& construct, Process const& operand) {
+    print_operand(printer, construct, operand, left_associative);
+}
+
+void print_right_operand(Printer& printer, Process const& construct, Process const& operand) {
+    print_operand(printer, construct, operand, right_associative);
+}
+
+void print_operator_between(Printer& printer, Process const& construct) {
+    printer.end_piece();
+    construct.pretty_print_operator(printer);
+    printer.end_piece();
+}
+
+} // namespace Calder::ProcessCompiler
+
+namespace Calder::PrettyPrinter {
+
+void nary_operator(ProcessCompiler::Printer& printer, std::string const& text_when_empty,
+                   ProcessCompiler::CompilableProcess const& term) {
+    unsigned const count = term.argument_count();
+    if (count == 0) {
+        printer << text_when_empty;
+        return;
+    }
+    for (unsigned index = 0; index < count; ++index) {
+        if (index > 0) {
+            print_operator_between(printer, term);
+        }
+        print_left_operand(printer, term, *term.argument(index));
+    }
+}
+
+} // namespace Calder::PrettyPrinter
