@@ -1,0 +1,83 @@
+#include "core/fixed_array.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace Calder {
+namespace {
+
+/// Counts the living, and throws when the one is copied whose turn it is.
+struct Counted {
+    static inline int alive = 0;
+    static inline int copies_until_throw = -1;
+
+    Counted() { ++alive; }
+    Counted(Counted const&) {
+        if (copies_until_throw-- == 0) {
+            throw std::runtime_error("no more copies");
+        }
+        ++alive;
+    }
+    Counted& operator=(Counted const&) = delete;
+    ~Counted() { --alive; }
+};
+
+class FixedArrayTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        Counted::alive = 0;
+        Counted::copies_until_throw = -1;
+    }
+};
+
+TEST_F(FixedArrayTest, frees_its_storage_and_never_destroys_its_elements) {
+    { FixedArray<Counted> const array(3); }
+    EXPECT_EQ(Counted::alive, 3);
+}
+
+TEST_F(FixedArrayTest, an_owning_array_destroys_its_elements) {
+    { OwningArray<Counted> const array(3); }
+    EXPECT_EQ(Counted::alive, 0);
+    try {
+        OwningArray<Counted> const array(3);
+        throw std::runtime_error("on the way out");
+    } catch (std::runtime_error const&) {
+        EXPECT_EQ(Counted::alive, 0);
+    }
+}
+
+TEST_F(FixedArrayTest, a_copy_that_throws_leaves_nothing_behind) {
+    OwningArray<Counted> const original(5);
+    for (int copies = 0; copies < 5; ++copies) {
+        Counted::copies_until_throw = copies;
+        EXPECT_THROW(FixedArray<Counted>{original}, std::runtime_error);
+        EXPECT_EQ(Counted::alive, 5) << "after " << copies << " copies";
+    }
+}
+
+TEST_F(FixedArrayTest, moving_hands_the_elements_over) {
+    OwningArray<Counted> first(4);
+    OwningArray<Counted> const second(std::move(first));
+    EXPECT_EQ(first.size(), 0U); // NOLINT(bugprone-use-after-move): empty is what it promises
+    EXPECT_EQ(second.size(), 4U);
+    EXPECT_EQ(Counted::alive, 4);
+}
+
+TEST_F(FixedArrayTest, one_element_can_be_replaced_in_a_copy) {
+    FixedArray<int> const array{10, 20, 30};
+    for (std::size_t index = 0; index < array.size(); ++index) {
+        FixedArray<int> const changed(array, index, 7);
+        for (std::size_t i = 0; i < array.size(); ++i) {
+            EXPECT_EQ(changed[i], i == index ? 7 : array[i]);
+        }
+    }
+}
+
+TEST_F(FixedArrayTest, a_length_beyond_all_memory_is_refused_before_allocating) {
+    EXPECT_THROW(FixedArray<void*>(std::size_t{1} << 61), std::bad_alloc);
+    EXPECT_THROW(FixedArray<void*>(SIZE_MAX), std::bad_alloc);
+}
+
+} // namespace
+} // namespace Calder
