@@ -1,0 +1,62 @@
+#include "tools/progress_line.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace Calder::Tools {
+
+namespace {
+
+constexpr std::chrono::milliseconds terminal_interval(200);
+constexpr std::chrono::milliseconds log_interval(2000);
+constexpr double bytes_per_mib = 1024.0 * 1024.0;
+
+double per_second(std::uint64_t now, std::uint64_t before, std::chrono::duration<double> time) {
+    return static_cast<double>(now - before) / time.count();
+}
+
+} // namespace
+
+ProgressLine::ProgressLine(bool shown)
+    : m_shown(shown), m_on_terminal(isatty(STDERR_FILENO) == 1),
+      m_next(Clock::now() + (m_on_terminal ? terminal_interval * 2 : log_interval)),
+      m_last(Clock::now()) {}
+
+ProgressLine::~ProgressLine() {
+    if (m_line_is_open) {
+        fmt::print(stderr, "\r\x1b[K");
+    }
+}
+
+void ProgressLine::update(StateSpace::Progress const& progress) {
+    if (!m_shown) {
+        return;
+    }
+    Clock::time_point const now = Clock::now();
+    if (now >= m_next) {
+        show(progress, now);
+    }
+}
+
+void ProgressLine::show(StateSpace::Progress const& progress, Clock::time_point now) {
+    std::string const line = fmt::format(
+        "{} states ({:.0f}/s), {} transitions ({:.0f}/s), frontier {}, depth {}, {:.0f} MiB",
+        progress.states, per_second(progress.states, m_last_states, now - m_last),
+        progress.transitions, per_second(progress.transitions, m_last_transitions, now - m_last),
+        progress.frontier, progress.depth, static_cast<double>(progress.memory) / bytes_per_mib);
+    if (m_on_terminal) {
+        fmt::print(stderr, "\r{}\x1b[K", line);
+    } else {
+        fmt::print(stderr, "{}\n", line);
+    }
+    std::fflush(stderr);
+    m_line_is_open = m_on_terminal;
+    m_last = now;
+    m_last_states = progress.states;
+    m_last_transitions = progress.transitions;
+    m_next = now + (m_on_terminal ? terminal_interval : log_interval);
+}
+
+} // namespace Calder::Tools
