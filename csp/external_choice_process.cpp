@@ -1,13 +1,10 @@
 #include "csp/external_choice_process.h"
 
-#include "core/hash_combine.h"
-#include "core/kept_references.h"
 #include "csp/colours.h"
 #include "process_compiler/argument_array.h"
 #include "process_compiler/printing.h"
 
 #include <cstdlib>
-#include <numeric>
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -16,37 +13,18 @@ namespace {
 constexpr unsigned external_choice_kind = 10;
 constexpr std::uint64_t hash_seed = 0x493;
 
-/// The other term as a choice; only asked of a term of that kind.
-ExternalChoiceProcess const& as_external_choice(Process const& other) {
-    return static_cast<ExternalChoiceProcess const&>(other);
-}
-
 } // namespace
 
-ExternalChoiceProcess::ExternalChoiceProcess(unsigned count) : arguments_(count) {}
+ExternalChoiceProcess::ExternalChoiceProcess(unsigned count) : NaryProcess(count) {}
 
 ExternalChoiceProcess::ExternalChoiceProcess(ProcessArray const& arguments)
-    : arguments_(arguments) {}
+    : NaryProcess(arguments) {}
 
 ExternalChoiceProcess::ExternalChoiceProcess(ProcessArray const& arguments, unsigned index,
                                              ProcessPointer const& replacement)
-    : arguments_(arguments, index, replacement) {}
+    : NaryProcess(arguments, index, replacement) {}
 
-ExternalChoiceProcess::~ExternalChoiceProcess() {
-    record_kept_references(arguments_);
-}
-
-unsigned ExternalChoiceProcess::argument_count() const {
-    return static_cast<unsigned>(arguments_.size());
-}
-
-ProcessPointer const& ExternalChoiceProcess::argument(unsigned index) const {
-    return arguments_[index];
-}
-
-void ExternalChoiceProcess::set_arguments(ProcessArray const& arguments) {
-    replace_arguments(arguments_, arguments);
-}
+ExternalChoiceProcess::~ExternalChoiceProcess() = default;
 
 bool ExternalChoiceProcess::visit_transitions(NamedProcessSource const& source,
                                               TransitionVisitor const& visitor) const {
@@ -76,8 +54,7 @@ ExternalChoiceProcess::high_level_formats(std::vector<BitSet> const& alphabets) 
     auto const count = static_cast<unsigned>(alphabets.size());
     auto formats = std::make_unique<Formats>(count + 1);
     HighLevelMachine::UnCompiledFormat& open = formats->at(0);
-    open.active_components.resize(count);
-    std::iota(open.active_components.begin(), open.active_components.end(), 0U);
+    activate_first_components(open, count);
     for (unsigned index = 0; index < count; ++index) {
         for (unsigned const event : alphabets[index]) {
             append_rule(open, event, event == tau ? 0 : index + 1, {std::pair(index, event)});
@@ -88,17 +65,7 @@ ExternalChoiceProcess::high_level_formats(std::vector<BitSet> const& alphabets) 
 }
 
 std::uint64_t ExternalChoiceProcess::hash_code() const {
-    return m_hash.get([this] { return hash_combine(hash_seed, hash_arguments(arguments_)); });
-}
-
-bool ExternalChoiceProcess::operator==(Process const& other) const {
-    return other.kind() == external_choice_kind &&
-           arguments_equal(arguments_, as_external_choice(other).arguments_);
-}
-
-bool ExternalChoiceProcess::operator!=(Process const& other) const {
-    return other.kind() != external_choice_kind ||
-           !arguments_equal(arguments_, as_external_choice(other).arguments_);
+    return hash_from(hash_seed);
 }
 
 ProcessPointer ExternalChoiceProcess::clone(bool deep) const {
@@ -136,10 +103,6 @@ CompilationLevel ExternalChoiceProcess::preferred_compilation_level(bool high_wi
     return as_wished(high_wished);
 }
 
-bool ExternalChoiceProcess::is_commutative() const {
-    return true;
-}
-
 void ExternalChoiceProcess::pretty_print(Printer& printer) const {
     nary_operator(printer, "STOP", *this);
 }
@@ -154,10 +117,6 @@ void ExternalChoiceProcess::pretty_print_operator_description(Printer& printer) 
 
 std::pair<unsigned, unsigned> ExternalChoiceProcess::pretty_print_information() const {
     return {6, left_associative};
-}
-
-bool ExternalChoiceProcess::pretty_print_is_same_operator(Process const& other) const {
-    return other.kind() == external_choice_kind;
 }
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -4,8 +4,6 @@
 #include "csp/colours.h"
 #include "process_compiler/printing.h"
 
-#include <cstdlib>
-
 namespace Calder::ProcessCompiler::CSP {
 
 namespace {
@@ -21,28 +19,12 @@ PrefixProcess const& as_prefix(Process const& other) {
 } // namespace
 
 PrefixProcess::PrefixProcess(Session& session, EventPointer const& event)
-    : event_(session.event_number(*event)) {}
+    : PrefixedProcess(nullptr), event_(session.event_number(*event)) {}
 
 PrefixProcess::PrefixProcess(unsigned const& event, ProcessPointer const& destination)
-    : event_(event), destination_(destination) {}
+    : PrefixedProcess(destination), event_(event) {}
 
 PrefixProcess::~PrefixProcess() = default;
-
-unsigned PrefixProcess::argument_count() const {
-    return 1;
-}
-
-ProcessPointer const& PrefixProcess::argument(unsigned) const {
-    return destination_;
-}
-
-void PrefixProcess::set_arguments(ProcessArray const& arguments) {
-    destination_ = arguments[0];
-}
-
-bool PrefixProcess::needs_memoisation() const {
-    return false;
-}
 
 bool PrefixProcess::visit_transitions(NamedProcessSource const&,
                                       TransitionVisitor const& visitor) const {
@@ -57,9 +39,8 @@ void PrefixProcess::visit_high_level_transitions(std::vector<BitSet> const&,
 
 std::unique_ptr<Formats>
 PrefixProcess::high_level_formats(std::vector<BitSet> const& alphabets) const {
-    auto formats = std::make_unique<Formats>(2);
+    auto formats = formats_before_continuation(alphabets);
     append_rule(formats->at(0), event_, 1);
-    make_identity_format(*formats, 1, alphabets[0], 0);
     return formats;
 }
 
@@ -86,30 +67,6 @@ unsigned PrefixProcess::kind() const {
     return prefix_kind;
 }
 
-RecursionType PrefixProcess::recursion_type() const {
-    return RecursionType::starts_none;
-}
-
-bool PrefixProcess::allows_recursion(unsigned) const {
-    return true;
-}
-
-ArgumentState PrefixProcess::process_state(unsigned) const {
-    return ArgumentState::off;
-}
-
-bool PrefixProcess::discarded_by(unsigned) const {
-    std::abort();
-}
-
-TurnedOnBy PrefixProcess::turned_on_by(unsigned) const {
-    return TurnedOnBy::visible_event;
-}
-
-CompilationLevel PrefixProcess::preferred_compilation_level(bool) const {
-    return CompilationLevel::low;
-}
-
 bool PrefixProcess::is_commutative() const {
     return false;
 }
@@ -124,21 +81,9 @@ void PrefixProcess::pretty_print(Printer& printer) const {
     print_right_operand(printer, *this, *destination_);
 }
 
-void PrefixProcess::pretty_print_operator(Printer& printer) const {
-    printer << "->";
-}
-
 void PrefixProcess::pretty_print_operator_description(Printer& printer) const {
     printer << "Prefix ";
     print_event(printer, event_);
-}
-
-std::pair<unsigned, unsigned> PrefixProcess::pretty_print_information() const {
-    return {2, right_associative};
-}
-
-bool PrefixProcess::pretty_print_is_same_operator(Process const& other) const {
-    return other.kind() == prefix_kind;
 }
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -1,5 +1,7 @@
 #include "process_compiler/high_level_machine.h"
 
+#include <numeric>
+
 namespace Calder::HighLevelMachine {
 
 UnCompiledRule& append_rule(UnCompiledFormat& format, unsigned event, unsigned target_format,
@@ -9,6 +11,11 @@ UnCompiledRule& append_rule(UnCompiledFormat& format, unsigned event, unsigned t
     rule.target_format = target_format;
     rule.component_events = std::move(component_events);
     return rule;
+}
+
+void activate_first_components(UnCompiledFormat& format, unsigned count) {
+    format.active_components.resize(count);
+    std::iota(format.active_components.begin(), format.active_components.end(), 0U);
 }
 
 void make_identity_format(std::deque<UnCompiledFormat>& formats, unsigned index,

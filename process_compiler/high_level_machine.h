@@ -54,6 +54,10 @@ CALDER_PROCESS_COMPILER_EXPORT UnCompiledRule&
 append_rule(UnCompiledFormat& format, unsigned event, unsigned target_format,
             std::vector<ComponentEvent> component_events = {});
 
+/// Lets arguments 0 to `count` - 1 run in `format`.
+CALDER_PROCESS_COMPILER_EXPORT void activate_first_components(UnCompiledFormat& format,
+                                                              unsigned count);
+
 /// Makes `formats[index]` the format in which argument `component` runs alone and every event of
 /// `alphabet` passes through unchanged: one rule an event, ascending, staying in the format.
 /// Throws std::out_of_range when there is no such format.

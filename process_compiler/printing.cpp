@@ -64,6 +64,12 @@ void print_operator_between(Printer& printer, Process const& construct) {
     printer.end_piece();
 }
 
+void print_infix(Printer& printer, Process const& construct) {
+    print_left_operand(printer, construct, *construct.argument(0));
+    print_operator_between(printer, construct);
+    print_right_operand(printer, construct, *construct.argument(1));
+}
+
 } // namespace Calder::ProcessCompiler
 
 namespace Calder::PrettyPrinter {

@@ -40,6 +40,9 @@ CALDER_PROCESS_COMPILER_EXPORT void print_right_operand(Printer& printer, Proces
 CALDER_PROCESS_COMPILER_EXPORT void print_operator_between(Printer& printer,
                                                            Process const& construct);
 
+/// A construct with two operands: the first, the operator, the second.
+CALDER_PROCESS_COMPILER_EXPORT void print_infix(Printer& printer, Process const& construct);
+
 } // namespace Calder::ProcessCompiler
 
 namespace Calder::PrettyPrinter {
