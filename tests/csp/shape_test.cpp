@@ -1,3 +1,11 @@
+#include "csp/chaos_process.h"
+#include "csp/event_set_prefix_process.h"
+#include "csp/interleave_process.h"
+#include "csp/internal_choice_process.h"
+#include "csp/interrupt_process.h"
+#include "csp/run_process.h"
+#include "csp/sequential_composition_process.h"
+#include "csp/sliding_choice_process.h"
 #include "tests/csp/construct_test.h"
 
 #include <functional>
@@ -33,37 +41,42 @@ struct Shape {
 
 class ShapeTest : public ConstructTest {
   protected:
-    static unsigned as_is(bool wish) { return wish ? 1 : 0; }
-    static unsigned explicit_always(bool) { return 0; }
+    static unsigned as_wished(bool wish) { return wish ? 1 : 0; }
+    static unsigned low(bool) { return 0; }
+    static unsigned high(bool) { return 1; }
+    static constexpr auto first = [](unsigned index) { return index == 0 ? 1U : 0U; };
+    static constexpr auto second = [](unsigned index) { return index == 1; };
+    static constexpr auto all_but_first = [](unsigned index) { return index != 0; };
 
+    // clang-format off
     std::vector<Shape> shapes() const {
+        BitSet const set{a};
+        OwningArray<ProcessPointer> const two{stop, stop};
+        auto const yes = always(true), no = always(false);
+        auto const zero = always(0U), one = always(1U), silent = always(2U);
         return {
-            {"prefix",
-             prefix(a, stop),
-             14,
-             2,
-             always(true),
-             always(0U),
-             aborts,
-             always(1U),
-             explicit_always,
-             false,
-             1,
-             {2, 1}},
-            {"external choice",
-             choice({stop, stop}),
-             10,
-             1,
-             always(true),
-             always(1U),
-             always(true),
-             aborts,
-             as_is,
-             true,
-             2,
-             {6, 0}},
+            {"prefix", prefix(a, stop), 14, 2, yes, zero, aborts, one, low, false, 1, {2, 1}},
+            {"event-set prefix", new EventSetPrefixProcess(set, stop),
+                19, 2, yes, zero, aborts, one, low, aborts, 1, {2, 1}},
+            {"external choice", choice({stop, stop}),
+                10, 1, yes, one, yes, aborts, as_wished, true, 2, {6, 0}},
+            {"internal choice", new InternalChoiceProcess(two),
+                11, 2, yes, zero, aborts, silent, as_wished, true, 2, {7, 0}},
+            {"interrupt", new InterruptProcess(stop, stop),
+                12, 1, second, one, all_but_first, aborts, high, false, 2, {5, 0}},
+            {"interleave", new InterleaveProcess(two),
+                13, 3, no, one, no, aborts, high, true, 2, {9, 0}},
+            {"sequential composition", new SequentialCompositionProcess(stop, stop),
+                15, 3, second, first, no, silent, as_wished, false, 2, {3, 1}},
+            {"sliding choice", new SlidingChoiceProcess(stop, stop),
+                16, 1, yes, first, yes, silent, as_wished, false, 2, {4, 0}},
+            {"chaos", new ChaosProcess(set),
+                17, 2, aborts, aborts, aborts, aborts, low, aborts, 0, {0, 2}},
+            {"run", new RunProcess(set),
+                18, 2, aborts, aborts, aborts, aborts, low, false, 0, {0, 2}},
         };
     }
+    // clang-format on
 };
 
 template <typename Expected, typename Ask>
@@ -90,6 +103,8 @@ TEST_F(ShapeTest, constant_answers) {
         }
         if (shape.is_commutative) {
             EXPECT_EQ(term.is_commutative(), *shape.is_commutative);
+        } else {
+            EXPECT_EXIT(term.is_commutative(), testing::KilledBySignal(SIGABRT), "");
         }
         EXPECT_EQ(term.argument_count(), shape.argument_count);
         EXPECT_EQ(term.pretty_print_information(), shape.print_information);

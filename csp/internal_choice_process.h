@@ -1,0 +1,44 @@
+#pragma once
+
+#include "csp/nary_process.h"
+
+namespace Calder::ProcessCompiler::CSP {
+
+/// Internal choice of any number of arguments: becomes one of them by a silent step, whatever the
+/// environment would like. The choice of nothing does nothing.
+///
+///     ------------------------------------
+///     P1 |~| .. |~| Pn  --tau-->  Pi
+class CALDER_CSP_EXPORT InternalChoiceProcess : public NaryProcess {
+  public:
+    explicit InternalChoiceProcess(unsigned count);
+    explicit InternalChoiceProcess(ProcessArray const& arguments);
+    ~InternalChoiceProcess() override;
+
+    bool needs_memoisation() const override;
+    bool visit_transitions(NamedProcessSource const& source,
+                           TransitionVisitor const& visitor) const override;
+
+    void visit_high_level_transitions(std::vector<BitSet> const& alphabets,
+                                      HighLevelVisitor const& visitor) const override;
+    std::unique_ptr<Formats>
+    high_level_formats(std::vector<BitSet> const& alphabets) const override;
+
+    std::uint64_t hash_code() const override;
+    ProcessPointer clone(bool deep) const override;
+
+    unsigned kind() const override;
+    RecursionType recursion_type() const override;
+    bool allows_recursion(unsigned index) const override;
+    ArgumentState process_state(unsigned index) const override;
+    bool discarded_by(unsigned index) const override;
+    TurnedOnBy turned_on_by(unsigned index) const override;
+    CompilationLevel preferred_compilation_level(bool high_wished) const override;
+
+    void pretty_print(Printer& printer) const override;
+    void pretty_print_operator(Printer& printer) const override;
+    void pretty_print_operator_description(Printer& printer) const override;
+    std::pair<unsigned, unsigned> pretty_print_information() const override;
+};
+
+} // namespace Calder::ProcessCompiler::CSP

@@ -1,0 +1,100 @@
+#include "tests/oracle/library_term.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <deque>
+#include <iostream>
+#include <optional>
+
+namespace Calder::Oracle {
+namespace {
+
+using namespace ProcessCompiler;
+
+/// States beyond this are not compared: recursion may grow without end.
+constexpr std::size_t states_compared = 60;
+
+/// Compares the library with the rules in every state that is reached, transition by transition in
+/// their order; successors by the library's own equality. Tells the first difference.
+std::optional<std::string> difference_in(Model const& model) {
+    NamedProcessSource source;
+    library_model(model, source);
+    std::set<std::string> seen{text_of(*model.term)};
+    std::deque<TermPointer> waiting{model.term};
+    while (!waiting.empty()) {
+        TermPointer const state = waiting.front();
+        waiting.pop_front();
+        std::vector<Move> const expected = moves_of(*state, model.definitions);
+        std::size_t reported = 0;
+        std::string difference;
+        library_term(*state, source)
+            ->visit_transitions(source, [&](unsigned event, ProcessPointer const& successor) {
+                if (reported == expected.size()) {
+                    difference = "a transition too many, on event " + std::to_string(event);
+                } else if (event != expected[reported].event) {
+                    difference = "transition " + std::to_string(reported) + " is on event " +
+                                 std::to_string(event);
+                } else if (ProcessPointer const wanted =
+                               library_term(*expected[reported].successor, source);
+                           *successor != *wanted || successor->hash_code() != wanted->hash_code()) {
+                    difference =
+                        "transition " + std::to_string(reported) + " leads to another term";
+                }
+                ++reported;
+                return difference.empty();
+            });
+        if (difference.empty() && reported < expected.size()) {
+            difference = "transition " + std::to_string(reported) + " is missing";
+        }
+        if (!difference.empty()) {
+            return "in state " + text_of(*state) + ": " + difference;
+        }
+        for (Move const& move : expected) {
+            if (seen.size() < states_compared && seen.insert(text_of(*move.successor)).second) {
+                waiting.push_back(move.successor);
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+/// The smallest model with a difference that greedy steps from `model` lead to.
+Model shrunk(Model model) {
+    for (bool smaller_found = true; smaller_found;) {
+        smaller_found = false;
+        for (Model const& candidate : smaller_models(model)) {
+            if (text_of(candidate).size() < text_of(model).size() && difference_in(candidate)) {
+                model = candidate;
+                smaller_found = true;
+                break;
+            }
+        }
+    }
+    return model;
+}
+
+/// A number from the environment, so that a run can be widened or replayed.
+std::uint64_t from_environment(char const* name, std::uint64_t otherwise) {
+    char const* const text = std::getenv(name);
+    return text == nullptr ? otherwise : std::strtoull(text, nullptr, 10);
+}
+
+/// CALDER_SEED replays: the model that failed is the first one of that seed. CALDER_MODELS says how
+/// many models are tried.
+TEST(Oracle, the_library_follows_the_firing_rules) {
+    std::uint64_t const first = from_environment("CALDER_SEED", 1);
+    std::uint64_t const models = from_environment("CALDER_MODELS", 20'000);
+    std::cout << "seeds " << first << " to " << first + models - 1 << '\n';
+    for (std::uint64_t seed = first; seed < first + models; ++seed) {
+        Model const model = random_model(seed, 2 + static_cast<unsigned>(seed % 12));
+        if (difference_in(model)) {
+            Model const least = shrunk(model);
+            FAIL() << "CALDER_SEED=" << seed << ", shrunk to\n    " << text_of(least) << '\n'
+                   << *difference_in(least);
+        }
+    }
+}
+
+} // namespace
+} // namespace Calder::Oracle

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+/// A second, deliberately simple account of the constructs, to hold the library against: terms as
+/// plain data, and their firing rules written down without any thought of speed.
+namespace Calder::Oracle {
+
+enum class Kind {
+    named,
+    prefix,
+    event_set_prefix,
+    external_choice,
+    internal_choice,
+    sliding_choice,
+    sequential_composition,
+    interrupt,
+    interleave,
+    run,
+    chaos,
+};
+
+struct Term;
+using TermPointer = std::shared_ptr<Term const>;
+using Events = std::set<unsigned>;
+
+struct Term {
+    Kind kind;
+    Events events{}; // a prefix has one
+    std::vector<TermPointer> arguments{};
+    std::string name{};
+};
+
+/// What the names of a term stand for.
+using Definitions = std::map<std::string, TermPointer>;
+
+/// A term and its names: what one comparison is about.
+struct Model {
+    TermPointer term;
+    Definitions definitions;
+};
+
+TermPointer stop();
+TermPointer make(Kind kind, std::vector<TermPointer> arguments, Events events = {});
+/// `term` with the argument at `index` replaced.
+TermPointer with_argument(Term const& term, std::size_t index, TermPointer const& replacement);
+
+/// A term in prefix form, such as `sequential_composition(prefix{3}(external_choice()), P)`: for
+/// comparison and for messages.
+std::string text_of(Term const& term);
+std::string text_of(Model const& model);
+
+struct Move {
+    unsigned event;
+    TermPointer successor;
+};
+
+/// All transitions, in the order of the rules.
+std::vector<Move> moves_of(Term const& term, Definitions const& definitions);
+
+/// A random model of about `size` constructs, with some recursion, all of it guarded by visible
+/// events; the same for the same seed.
+Model random_model(std::uint64_t seed, unsigned size);
+
+/// A random term without names.
+TermPointer random_term(std::mt19937_64& random, unsigned size);
+
+/// Models that are a little smaller than `model`, the smallest first.
+std::vector<Model> smaller_models(Model const& model);
+
+} // namespace Calder::Oracle

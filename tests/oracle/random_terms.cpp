@@ -1,0 +1,102 @@
+#include "tests/oracle/plain_term.h"
+
+namespace Calder::Oracle {
+
+namespace {
+
+constexpr unsigned first_event = 3;
+constexpr unsigned last_event = 5;
+
+/// Draws terms; every decision comes from one generator, so a seed says everything.
+class TermMaker {
+  public:
+    explicit TermMaker(std::mt19937_64& random, unsigned number_of_names)
+        : m_random(random), m_names(number_of_names) {}
+
+    TermPointer term(unsigned size) {
+        if (size <= 1) {
+            return leaf();
+        }
+        switch (below(9)) {
+        case 0: return make(Kind::event_set_prefix, {term(size - 1)}, events());
+        case 1: return nary(Kind::external_choice, size);
+        case 2: return nary(Kind::internal_choice, size);
+        case 3: return nary(Kind::interleave, size);
+        case 4: return binary(Kind::sliding_choice, size);
+        case 5: return binary(Kind::sequential_composition, size);
+        case 6: return binary(Kind::interrupt, size);
+        default: return prefix(term(size - 1));
+        }
+    }
+
+    TermPointer prefix(TermPointer const& next) { return make(Kind::prefix, {next}, {event()}); }
+
+  private:
+    unsigned below(unsigned bound) {
+        return std::uniform_int_distribution<unsigned>(0, bound - 1)(m_random);
+    }
+
+    unsigned event() { return first_event + below(last_event - first_event + 1); }
+
+    Events events() {
+        Events chosen;
+        for (unsigned event = first_event; event <= last_event; ++event) {
+            if (below(2) == 0) {
+                chosen.insert(event);
+            }
+        }
+        return chosen;
+    }
+
+    TermPointer leaf() {
+        switch (below(6)) {
+        case 0: return stop();
+        case 1:
+        case 2: return make(Kind::interleave, {});
+        case 3: return make(Kind::run, {}, events());
+        case 4: return make(Kind::chaos, {}, events());
+        default: return m_names == 0 ? prefix(stop()) : prefix(name());
+        }
+    }
+
+    /// Only ever behind a prefix, so that all recursion is guarded.
+    TermPointer name() {
+        return std::make_shared<Term>(
+            Term{Kind::named, {}, {}, "N" + std::to_string(below(m_names))});
+    }
+
+    TermPointer nary(Kind kind, unsigned size) {
+        std::vector<TermPointer> arguments(below(4));
+        for (TermPointer& argument : arguments) {
+            argument = term((size - 1) / static_cast<unsigned>(arguments.size()));
+        }
+        return make(kind, arguments);
+    }
+
+    TermPointer binary(Kind kind, unsigned size) {
+        unsigned const first = below(size - 1);
+        return make(kind, {term(first), term(size - 1 - first)});
+    }
+
+    std::mt19937_64& m_random;
+    unsigned m_names;
+};
+
+} // namespace
+
+Model random_model(std::uint64_t seed, unsigned size) {
+    std::mt19937_64 random(seed);
+    constexpr unsigned names = 2;
+    TermMaker maker(random, names);
+    Model model{maker.term(size), {}};
+    for (unsigned name = 0; name < names; ++name) {
+        model.definitions["N" + std::to_string(name)] = maker.prefix(maker.term(size / 2));
+    }
+    return model;
+}
+
+TermPointer random_term(std::mt19937_64& random, unsigned size) {
+    return TermMaker(random, 0).term(size);
+}
+
+} // namespace Calder::Oracle
