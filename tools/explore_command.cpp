@@ -1,5 +1,6 @@
 #include "tools/explore_command.h"
 
+#include "state_space/available_memory.h"
 #include "state_space/deadlock.h"
 #include "state_space/exploration.h"
 #include "state_space/memory.h"
@@ -19,6 +20,15 @@ namespace {
 
 constexpr std::uint64_t bytes_per_mib = 1024 * 1024;
 
+/// Without a limit of the user's, most of what there is: rather a search that says how far it came
+/// than one that the system kills.
+std::uint64_t memory_limit(ExploreOptions const& options) {
+    if (options.max_memory_mib) {
+        return *options.max_memory_mib * bytes_per_mib;
+    }
+    return StateSpace::resident_bytes() + StateSpace::available_bytes() / 10 * 9;
+}
+
 StateSpace::Exploration explore(Script::Script const& script,
                                 Script::Script::Definition const& definition,
                                 ExploreOptions const& options) {
@@ -26,7 +36,7 @@ StateSpace::Exploration explore(Script::Script const& script,
     ProgressLine line(!options.quiet && (options.progress || isatty(STDERR_FILENO) == 1));
     StateSpace::ExplorationOptions bounds;
     bounds.max_states = options.max_states.value_or(bounds.max_states);
-    bounds.max_memory = options.max_memory_mib.value_or(0) * bytes_per_mib;
+    bounds.max_memory = memory_limit(options);
     bounds.progress = [&](StateSpace::Progress const& progress) {
         line.update(progress);
         return !watch.interrupted();
@@ -79,8 +89,7 @@ int explore_process(ExploreOptions const& options) {
     tell("transitions", fmt::format("{}", exploration.lts.transition_count()));
     tell("complete",
          complete ? "yes" : fmt::format("no: {}", StateSpace::describe(exploration.outcome)));
-    bool const holds =
-        !options.deadlock || tell_deadlock(exploration, complete, script->session());
+    bool const holds = !options.deadlock || tell_deadlock(exploration, complete, script->session());
     tell("time", fmt::format("{:.2f} s", time.count()));
     tell("peak memory",
          fmt::format("{:.1f} MiB", static_cast<double>(StateSpace::peak_resident_bytes()) /

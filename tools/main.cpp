@@ -25,7 +25,9 @@ void add_explore(CLI::App& app, ExploreOptions& options, int& result) {
     command->add_option("--max-states", options.max_states, "Stop at this many states")
         ->type_name("N")
         ->check(CLI::PositiveNumber);
-    command->add_option("--max-memory", options.max_memory_mib, "Stop at this much memory, in MiB")
+    command
+        ->add_option("--max-memory", options.max_memory_mib,
+                     "Stop at this much memory, in MiB; by default at most of what is free")
         ->type_name("N")
         ->check(CLI::PositiveNumber);
     command
@@ -35,8 +37,9 @@ void add_explore(CLI::App& app, ExploreOptions& options, int& result) {
     command->add_option("--tau", options.tau_label, "How an .aut file writes the silent event")
         ->check(CLI::IsMember({"tau", "i"}))
         ->capture_default_str();
-    command->add_flag("--deadlock", options.deadlock,
-                      "Look for a deadlock and tell a shortest way to it; exit with 1 if there is one");
+    command->add_flag(
+        "--deadlock", options.deadlock,
+        "Look for a deadlock and tell a shortest way to it; exit with 1 if there is one");
     command->add_flag("--progress", options.progress,
                       "Show how it gets on, also where standard error is no terminal");
     command->add_flag("--quiet", options.quiet, "Write only results and errors");

@@ -68,8 +68,17 @@ std::vector<Move> moves_of(Term const& term, Definitions const& definitions);
 /// events; the same for the same seed.
 Model random_model(std::uint64_t seed, unsigned size);
 
-/// A random term without names.
-TermPointer random_term(std::mt19937_64& random, unsigned size);
+struct RandomTermOptions {
+    /// Recursion goes through the names N0, N1, … of this number, always behind a prefix.
+    unsigned names = 0;
+    /// Sets of events may hold tick; otherwise all terminations lead to STOP.
+    bool tick_in_sets = false;
+    /// Only what a script can say: a chain of operators has at least two operands.
+    bool as_written = false;
+};
+
+TermPointer random_term(std::mt19937_64& random, unsigned size,
+                        RandomTermOptions const& options = {});
 
 /// Models that are a little smaller than `model`, the smallest first.
 std::vector<Model> smaller_models(Model const& model);

@@ -4,14 +4,15 @@ namespace Calder::Oracle {
 
 namespace {
 
+constexpr unsigned tick = 2;
 constexpr unsigned first_event = 3;
 constexpr unsigned last_event = 5;
 
 /// Draws terms; every decision comes from one generator, so a seed says everything.
 class TermMaker {
   public:
-    explicit TermMaker(std::mt19937_64& random, unsigned number_of_names)
-        : m_random(random), m_names(number_of_names) {}
+    TermMaker(std::mt19937_64& random, RandomTermOptions const& options)
+        : m_random(random), m_options(options) {}
 
     TermPointer term(unsigned size) {
         if (size <= 1) {
@@ -38,8 +39,12 @@ class TermMaker {
 
     unsigned event() { return first_event + below(last_event - first_event + 1); }
 
+    /// Sometimes with tick: then a termination leads to something else than STOP.
     Events events() {
         Events chosen;
+        if (m_options.tick_in_sets && below(4) == 0) {
+            chosen.insert(tick);
+        }
         for (unsigned event = first_event; event <= last_event; ++event) {
             if (below(2) == 0) {
                 chosen.insert(event);
@@ -55,18 +60,19 @@ class TermMaker {
         case 2: return make(Kind::interleave, {});
         case 3: return make(Kind::run, {}, events());
         case 4: return make(Kind::chaos, {}, events());
-        default: return m_names == 0 ? prefix(stop()) : prefix(name());
+        default: return m_options.names == 0 ? prefix(stop()) : prefix(name());
         }
     }
 
     /// Only ever behind a prefix, so that all recursion is guarded.
     TermPointer name() {
         return std::make_shared<Term>(
-            Term{Kind::named, {}, {}, "N" + std::to_string(below(m_names))});
+            Term{Kind::named, {}, {}, "N" + std::to_string(below(m_options.names))});
     }
 
     TermPointer nary(Kind kind, unsigned size) {
-        std::vector<TermPointer> arguments(below(4));
+        unsigned const count = m_options.as_written ? 2 + below(2) : below(4);
+        std::vector<TermPointer> arguments(count);
         for (TermPointer& argument : arguments) {
             argument = term((size - 1) / static_cast<unsigned>(arguments.size()));
         }
@@ -79,7 +85,7 @@ class TermMaker {
     }
 
     std::mt19937_64& m_random;
-    unsigned m_names;
+    RandomTermOptions m_options;
 };
 
 } // namespace
@@ -87,7 +93,7 @@ class TermMaker {
 Model random_model(std::uint64_t seed, unsigned size) {
     std::mt19937_64 random(seed);
     constexpr unsigned names = 2;
-    TermMaker maker(random, names);
+    TermMaker maker(random, {names, true, false});
     Model model{maker.term(size), {}};
     for (unsigned name = 0; name < names; ++name) {
         model.definitions["N" + std::to_string(name)] = maker.prefix(maker.term(size / 2));
@@ -95,8 +101,8 @@ Model random_model(std::uint64_t seed, unsigned size) {
     return model;
 }
 
-TermPointer random_term(std::mt19937_64& random, unsigned size) {
-    return TermMaker(random, 0).term(size);
+TermPointer random_term(std::mt19937_64& random, unsigned size, RandomTermOptions const& options) {
+    return TermMaker(random, options).term(size);
 }
 
 } // namespace Calder::Oracle

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "process_compiler/named_process_source.h"
+#include "state_space/exploration.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+
+namespace Calder::Benchmarks {
+
+/// How often memory was asked for since the program began.
+std::uint64_t allocations();
+
+/// Explores `start` again and again and counts: states and transitions of one exploration,
+/// transitions a second, and how often memory was asked for a transition.
+void measure_exploration(benchmark::State& state, ProcessCompiler::ProcessPointer const& start,
+                         ProcessCompiler::NamedProcessSource const& source);
+
+/// The same for nothing but asking `term` for its transitions, over and over: what is measured is
+/// the construct alone.
+void measure_visit(benchmark::State& state, ProcessCompiler::ProcessPointer const& term,
+                   ProcessCompiler::NamedProcessSource const& source);
+
+} // namespace Calder::Benchmarks

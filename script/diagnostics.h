@@ -1,0 +1,52 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Calder::Script {
+
+/// A place in a script. All three are at least 1 and count characters (code points, or bytes that
+/// belong to none), not bytes. What is missing at the end of a script is placed right behind its
+/// last token.
+struct Location {
+    unsigned line;
+    unsigned column;
+    unsigned length;
+
+    bool operator==(Location const&) const = default;
+};
+
+/// What is wrong with a script, in words for the person who wrote it.
+struct Diagnostic {
+    Location location;
+    std::string message;
+
+    bool operator==(Diagnostic const&) const = default;
+};
+
+using Diagnostics = std::vector<Diagnostic>;
+
+/// The diagnostic as three lines for a terminal, with `text` the whole script:
+///
+///     table.csp:3:12: error: the event 'eet' is not declared; did you mean 'eat'?
+///     PHIL = eat -> eet -> PHIL
+///                   ^~~
+///
+/// Tabs are kept in both lines, so that the caret stands in its place however wide they are; what
+/// cannot be shown stands as U+FFFD. Of a long line only the part around the caret is shown. Each
+/// call goes through the text up to the place.
+std::string render(Diagnostic const& diagnostic, std::string_view file_name, std::string_view text);
+
+/// The renderings of all, one after the other: diagnostics in order of place cost one pass over the
+/// text in all.
+std::string render_all(Diagnostics const& diagnostics, std::string_view file_name,
+                       std::string_view text);
+
+/// Part of a script as it stands in a message: between single quotes, and cut when it is long.
+std::string in_quotes(std::string_view text);
+
+/// By place, and each once.
+void sort_and_remove_repetitions(Diagnostics& diagnostics);
+
+} // namespace Calder::Script

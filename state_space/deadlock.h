@@ -1,0 +1,25 @@
+#pragma once
+
+#include "state_space/labelled_transition_system.h"
+
+#include <optional>
+
+namespace Calder::StateSpace {
+
+/// A state in which nothing can happen although the process has not terminated.
+struct Deadlock {
+    StateNumber state = 0;
+    /// The events that lead from the start to it, tau included: as few as possible for any
+    /// deadlock, and the last one is not tick.
+    std::vector<unsigned> trace{};
+};
+
+/// The deadlock with the shortest trace; of several the one found first in the order of the rows.
+///
+/// A deadlock is an explored state without transitions that is the start, or that some transition
+/// other than a tick leads to: what only a tick leads to has terminated. The system must be
+/// numbered breadth-first, as an exploration does it. One pass over the rows, up to the deadlock; 8
+/// bytes a state.
+std::optional<Deadlock> find_deadlock(LabelledTransitionSystem const& lts);
+
+} // namespace Calder::StateSpace

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace Calder::StateSpace {
+
+using StateNumber = std::uint32_t;
+
+/// The one number that no state has, so there are at most this many states.
+constexpr StateNumber no_state = 0xFFFFFFFF;
+
+struct Transition {
+    bool operator==(Transition const&) const = default;
+
+    unsigned event;
+    StateNumber target;
+};
+
+/// An explicit labelled transition system: states 0, 1, …, where 0 is the start, and for each
+/// explored state the set of its transitions, in the order of their first reports.
+///
+/// Kept in compressed rows: 8 bytes a transition and 8 bytes a state. An LtsBuilder makes it; after
+/// that it does not change.
+class LabelledTransitionSystem {
+  public:
+    StateNumber state_count() const noexcept { return m_state_count; }
+    std::uint64_t transition_count() const noexcept { return m_transitions.size(); }
+
+    /// How many states have their transitions here; they are the first ones. Less than
+    /// `state_count` when an exploration ended early.
+    StateNumber explored_count() const noexcept {
+        return static_cast<StateNumber>(m_row_ends.size());
+    }
+
+    /// None for a state that was not explored. Constant time.
+    std::span<Transition const> transitions(StateNumber state) const noexcept {
+        if (state >= explored_count()) {
+            return {};
+        }
+        std::uint64_t const begin = state == 0 ? 0 : m_row_ends[state - 1];
+        return std::span(m_transitions).subspan(begin, m_row_ends[state] - begin);
+    }
+
+    /// What the arrays have allocated.
+    std::uint64_t memory_bytes() const noexcept;
+
+  private:
+    friend class LtsBuilder;
+
+    StateNumber m_state_count = 0;
+    std::vector<Transition> m_transitions; // row after row
+    std::vector<std::uint64_t> m_row_ends; // by state: where its row ends and the next one begins
+};
+
+} // namespace Calder::StateSpace

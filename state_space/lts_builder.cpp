@@ -1,0 +1,65 @@
+#include "state_space/lts_builder.h"
+
+#include "state_space/memory.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Calder::StateSpace {
+
+namespace {
+
+/// Up to this width a row is searched from its begin: two cache lines.
+constexpr std::size_t narrow_row = 16;
+
+} // namespace
+
+void LtsBuilder::add(unsigned event, StateNumber target) {
+    Transition const transition{event, target};
+    if (!is_in_row(transition)) {
+        m_lts.m_transitions.push_back(transition);
+    }
+}
+
+void LtsBuilder::end_row() {
+    m_lts.m_row_ends.push_back(m_lts.m_transitions.size());
+    m_row_begin = m_lts.m_transitions.size();
+}
+
+void LtsBuilder::drop_row() {
+    m_lts.m_transitions.resize(m_row_begin);
+}
+
+LabelledTransitionSystem LtsBuilder::finish(StateNumber state_count) {
+    drop_row();
+    m_lts.m_state_count = state_count;
+    m_row_begin = 0;
+    return std::exchange(m_lts, {});
+}
+
+std::uint64_t LtsBuilder::memory_bytes() const noexcept {
+    return m_lts.memory_bytes() + m_wide_row.memory_bytes();
+}
+
+std::uint64_t LtsBuilder::growth_bytes(std::uint64_t additions) const noexcept {
+    return StateSpace::growth_bytes(m_lts.m_transitions, additions) +
+           StateSpace::growth_bytes(m_lts.m_row_ends, additions) +
+           m_wide_row.growth_bytes(additions);
+}
+
+/// Also notes the transition of a wide row as being there.
+bool LtsBuilder::is_in_row(Transition transition) {
+    std::vector<Transition> const& all = m_lts.m_transitions;
+    auto const row = all.begin() + static_cast<std::ptrdiff_t>(m_row_begin);
+    std::size_t const width = all.size() - m_row_begin;
+    if (width < narrow_row) {
+        return std::find(row, all.end(), transition) != all.end();
+    }
+    if (width == narrow_row) {
+        m_wide_row.clear();
+        std::for_each(row, all.end(), [this](Transition each) { m_wide_row.insert(each); });
+    }
+    return !m_wide_row.insert(transition);
+}
+
+} // namespace Calder::StateSpace

@@ -1,0 +1,79 @@
+#include "state_space/state_table.h"
+
+#include "state_space/memory.h"
+#include "state_space/mix.h"
+
+#include <utility>
+
+namespace Calder::StateSpace {
+
+using ProcessCompiler::ProcessPointer;
+
+namespace {
+
+constexpr unsigned first_slot_bits = 8;
+constexpr unsigned tag_bits = 32;
+
+bool are_equal(ProcessPointer const& known, ProcessPointer const& term, std::uint64_t hash) {
+    return known == term || (known->hash_code() == hash && *known == *term);
+}
+
+} // namespace
+
+StateNumber StateTable::find_or_add(ProcessPointer const& term, StateNumber max_states) {
+    if (must_grow_for(m_terms.size() + 1)) {
+        grow();
+    }
+    std::uint64_t const hash = term->hash_code();
+    auto const tag = static_cast<std::uint32_t>(mix(hash) >> tag_bits);
+    std::size_t slot = first_slot(tag);
+    for (; m_slots[slot].state != no_state; slot = (slot + 1) & (m_slots.size() - 1)) {
+        if (m_slots[slot].tag == tag && are_equal(m_terms[m_slots[slot].state], term, hash)) {
+            return m_slots[slot].state;
+        }
+    }
+    if (size() >= max_states) {
+        return no_state;
+    }
+    m_terms.push_back(term);
+    m_slots[slot] = Slot{tag, size() - 1};
+    return size() - 1;
+}
+
+std::uint64_t StateTable::memory_bytes() const noexcept {
+    return allocated_bytes(m_slots) + allocated_bytes(m_terms);
+}
+
+std::uint64_t StateTable::growth_bytes(std::uint64_t additions) const noexcept {
+    return StateSpace::growth_bytes(m_terms, additions) +
+           (must_grow_for(m_terms.size() + additions) ? allocated_bytes(m_slots) * 2 : 0);
+}
+
+/// Two thirds of the slots at most are taken: five probes on average for a new term, within one
+/// cache line or two.
+bool StateTable::must_grow_for(std::uint64_t states) const noexcept {
+    return states * 3 > std::uint64_t{m_slots.size()} * 2;
+}
+
+std::size_t StateTable::first_slot(std::uint32_t tag) const noexcept {
+    return m_slot_bits <= tag_bits ? tag >> (tag_bits - m_slot_bits)
+                                   : std::size_t{tag} << (m_slot_bits - tag_bits);
+}
+
+void StateTable::grow() {
+    unsigned const bits = m_slots.empty() ? first_slot_bits : m_slot_bits + 1;
+    std::vector<Slot> const old =
+        std::exchange(m_slots, std::vector<Slot>(std::size_t{1} << bits, Slot{0, no_state}));
+    m_slot_bits = bits;
+    for (Slot const& taken : old) {
+        if (taken.state != no_state) {
+            std::size_t slot = first_slot(taken.tag);
+            while (m_slots[slot].state != no_state) {
+                slot = (slot + 1) & (m_slots.size() - 1);
+            }
+            m_slots[slot] = taken;
+        }
+    }
+}
+
+} // namespace Calder::StateSpace

@@ -1,0 +1,183 @@
+#include "state_space/exploration.h"
+#include "state_space/memory.h"
+#include "tests/state_space/graph_terms.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <sys/mman.h>
+
+namespace Calder::StateSpace {
+namespace {
+
+using Testing::Graph;
+using Testing::NodeTerm;
+using Testing::Row;
+using Testing::Rows;
+using Testing::rows_of;
+
+Exploration explore_graph(Graph const& graph, ExplorationOptions const& options = {}) {
+    Testing::NamedProcessSource const source;
+    return explore(new NodeTerm(graph, 0), source, options);
+}
+
+/// Every number that the system names is one of its states.
+void expect_consistent(LabelledTransitionSystem const& lts) {
+    EXPECT_LE(lts.explored_count(), lts.state_count());
+    std::uint64_t transitions = 0;
+    for (StateNumber state = 0; state < lts.state_count(); ++state) {
+        for (Transition const& transition : lts.transitions(state)) {
+            EXPECT_LT(transition.target, lts.state_count());
+            ++transitions;
+        }
+    }
+    EXPECT_EQ(lts.transition_count(), transitions);
+}
+
+/// A start that leads to 1, …, `width`, which lead back.
+Graph star(unsigned width) {
+    Graph graph{{{}}};
+    for (unsigned node = 1; node <= width; ++node) {
+        graph.rows[0].emplace_back(3, node);
+        graph.rows.push_back({{4, 0}});
+    }
+    return graph;
+}
+
+TEST(EarlyEnd, the_state_limit_is_exact) {
+    // 0 leads to 1 and 2, 1 to 3, 2 to 4 after going back to 0.
+    Graph const graph{{{{3, 1}, {4, 2}}, {{3, 3}}, {{3, 0}, {4, 4}}, {}, {{3, 3}}}};
+    struct {
+        StateNumber max_states;
+        Outcome outcome;
+        StateNumber states, explored;
+        std::uint64_t transitions;
+    } const rows[] = {
+        {0, Outcome::state_limit, 0, 0, 0}, {1, Outcome::state_limit, 1, 0, 0},
+        {2, Outcome::state_limit, 2, 0, 0}, {3, Outcome::state_limit, 3, 1, 2},
+        {4, Outcome::state_limit, 4, 2, 3}, {5, Outcome::complete, 5, 5, 6},
+        {6, Outcome::complete, 5, 5, 6},    {no_state, Outcome::complete, 5, 5, 6},
+    };
+    for (auto const& row : rows) {
+        ExplorationOptions options;
+        options.max_states = row.max_states;
+        Exploration const found = explore_graph(graph, options);
+        EXPECT_EQ(found.outcome, row.outcome) << row.max_states;
+        EXPECT_EQ(found.lts.state_count(), row.states) << row.max_states;
+        EXPECT_EQ(found.lts.explored_count(), row.explored) << row.max_states;
+        EXPECT_EQ(found.lts.transition_count(), row.transitions) << row.max_states;
+        expect_consistent(found.lts);
+    }
+}
+
+TEST(EarlyEnd, progress_tells_how_far_it_is_and_may_interrupt) {
+    constexpr unsigned width = 20'000;
+    Graph const graph = star(width);
+    std::vector<Progress> told;
+    ExplorationOptions options;
+    options.progress = [&](Progress const& progress) {
+        told.push_back(progress);
+        return true;
+    };
+    EXPECT_EQ(explore_graph(graph, options).outcome, Outcome::complete);
+    ASSERT_GE(told.size(), 2 * width / 4096);
+    Progress before;
+    for (Progress const& now : told) {
+        EXPECT_GT(now.transitions, before.transitions);
+        EXPECT_GE(now.explored, before.explored);
+        EXPECT_EQ(now.frontier, now.states - now.explored);
+        EXPECT_EQ(now.depth, now.explored == 0 ? 0U : 1U);
+        EXPECT_GT(now.memory, 0U);
+        before = now;
+    }
+
+    // In the middle of the wide row, which is dropped then, and of a later row.
+    bool was_in_wide_row = false;
+    bool was_later = false;
+    for (std::size_t const calls : {std::size_t{1}, told.size() / 4, told.size() * 3 / 4}) {
+        std::size_t left = calls;
+        Progress last;
+        options.progress = [&](Progress const& progress) {
+            last = progress;
+            return --left != 0;
+        };
+        Exploration const found = explore_graph(graph, options);
+        if (left != 0) {
+            continue; // the looks come by time, too
+        }
+        EXPECT_EQ(found.outcome, Outcome::interrupted);
+        EXPECT_EQ(found.lts.state_count(), last.states);
+        EXPECT_EQ(found.lts.explored_count(), last.explored);
+        EXPECT_LT(found.lts.transition_count(), last.transitions) << "the row is dropped";
+        expect_consistent(found.lts);
+        (last.explored == 0 ? was_in_wide_row : was_later) = true;
+    }
+    EXPECT_TRUE(was_in_wide_row);
+    EXPECT_TRUE(was_later);
+}
+
+TEST(EarlyEnd, the_memory_limit_is_for_the_resident_set) {
+    Graph const graph = star(20'000);
+    ExplorationOptions options;
+    options.max_memory = 1;
+    Exploration const stopped = explore_graph(graph, options);
+    EXPECT_EQ(stopped.outcome, Outcome::memory_limit);
+    EXPECT_EQ(stopped.lts.explored_count(), 0U);
+    EXPECT_GT(stopped.lts.state_count(), 0U);
+    expect_consistent(stopped.lts);
+
+    options.max_memory = peak_resident_bytes() + (std::uint64_t{1} << 30);
+    EXPECT_EQ(explore_graph(graph, options).outcome, Outcome::complete);
+}
+
+TEST(EarlyEnd, memory_that_runs_out_leaves_what_is_explored) {
+    Graph graph{{{{3, 1}, {4, 2}}, {{3, 3}, {3, 4}}, {{3, 0}}, {}, {}}};
+    struct {
+        unsigned node;
+        StateNumber states;
+        Rows explored;
+    } const rows[] = {
+        {0, 2, {}},
+        {1, 4, {{{3, 1}, {4, 2}}}},
+        {2, 5, {{{3, 1}, {4, 2}}, {{3, 3}, {3, 4}}}},
+    };
+    for (auto const& row : rows) {
+        graph.node_without_memory = row.node;
+        Exploration const found = explore_graph(graph);
+        EXPECT_EQ(found.outcome, Outcome::memory_limit) << row.node;
+        EXPECT_EQ(found.lts.state_count(), row.states) << row.node;
+        EXPECT_EQ(rows_of(found.lts), row.explored) << row.node;
+    }
+}
+
+TEST(EarlyEnd, every_outcome_is_told_in_other_words) {
+    std::vector<std::string_view> told;
+    for (Outcome const outcome : {Outcome::complete, Outcome::state_limit, Outcome::memory_limit,
+                                  Outcome::nesting_limit, Outcome::interrupted}) {
+        std::string_view const words = describe(outcome);
+        EXPECT_FALSE(words.empty());
+        EXPECT_EQ(std::count(told.begin(), told.end(), words), 0) << words;
+        told.push_back(words);
+    }
+    EXPECT_EQ(describe(Outcome::state_limit), "the limit on states was reached");
+}
+
+TEST(Memory, resident_bytes_follow_what_is_touched) {
+    constexpr std::size_t size = std::size_t{64} << 20;
+    std::uint64_t const before = resident_bytes();
+    // From the system itself: an allocation that is only written to may be optimised away.
+    void* const memory =
+        mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(memory, MAP_FAILED);
+    std::memset(memory, 'x', size);
+    EXPECT_GE(resident_bytes(), before + size / 2);
+    EXPECT_GE(peak_resident_bytes(), before + size / 2);
+    EXPECT_LT(resident_bytes(), before + size * 4);
+    munmap(memory, size);
+    EXPECT_LT(resident_bytes(), before + size / 2);
+    EXPECT_GE(peak_resident_bytes(), before + size / 2);
+}
+
+} // namespace
+} // namespace Calder::StateSpace

@@ -1,0 +1,85 @@
+#include "tests/state_space/graph_terms.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <set>
+
+namespace Calder::StateSpace {
+namespace {
+
+using Testing::lts_of;
+using Testing::Row;
+using Testing::Rows;
+using Testing::rows_of;
+
+TEST(LtsBuilder, builds_row_by_row) {
+    Rows const rows{{{3, 1}, {4, 2}}, {}, {{3, 0}}};
+    LabelledTransitionSystem const lts = lts_of(rows, 4);
+    EXPECT_EQ(lts.state_count(), 4U);
+    EXPECT_EQ(lts.explored_count(), 3U);
+    EXPECT_EQ(lts.transition_count(), 3U);
+    EXPECT_EQ(rows_of(lts), rows);
+    EXPECT_TRUE(lts.transitions(3).empty()) << "not explored";
+    EXPECT_GE(lts.memory_bytes(), 3 * sizeof(Transition) + 3 * sizeof(std::uint64_t));
+}
+
+TEST(LtsBuilder, forgets_a_row_that_is_dropped_or_not_ended) {
+    LtsBuilder builder;
+    builder.add(3, 1);
+    builder.end_row();
+    builder.add(4, 1);
+    builder.drop_row();
+    builder.add(5, 0);
+    builder.end_row();
+    builder.add(6, 0);
+    EXPECT_EQ(builder.transition_count(), 3U);
+    EXPECT_EQ(rows_of(builder.finish(3)), (Rows{{{3, 1}}, {{5, 0}}}));
+
+    builder.add(7, 0);
+    builder.end_row();
+    EXPECT_EQ(rows_of(builder.finish(1)), (Rows{{{7, 0}}})) << "as new after finishing";
+}
+
+/// The naive answer: each pair once, where it came first.
+Row without_duplicates(Row const& row) {
+    Row result;
+    std::set<Row::value_type> seen;
+    for (auto const& transition : row) {
+        if (seen.insert(transition).second) {
+            result.push_back(transition);
+        }
+    }
+    return result;
+}
+
+TEST(LtsBuilder, stores_a_transition_once_at_its_first_place) {
+    // Widths around the one where a row stops being searched from its begin, and where the set of
+    // a wide row grows.
+    for (unsigned const width : {1U, 2U, 15U, 16U, 17U, 31U, 32U, 33U, 64U, 1000U}) {
+        Row row;
+        for (unsigned i = 0; i < width; ++i) {
+            row.insert(row.end(), {{i % 7, i / 7}, {i % 7, i / 7}, {i % 7, i / 14}, {0, 0}});
+        }
+        Row const wanted = without_duplicates(row);
+        // The same row again must not be taken for known, nor must a narrow one between.
+        Rows const rows{row, {{0, 0}, {0, 0}}, row, row};
+        EXPECT_EQ(rows_of(lts_of(rows)), (Rows{wanted, {{0, 0}}, wanted, wanted})) << width;
+    }
+}
+
+RC_GTEST_PROP(LtsBuilderProperty, stores_sets, (Rows rows)) {
+    Rows wanted;
+    for (Row& row : rows) {
+        for (auto& [event, target] : row) {
+            event %= 5;
+            target %= 6;
+        }
+        row.insert(row.end(), row.begin(), row.end());
+        wanted.push_back(without_duplicates(row));
+    }
+    RC_ASSERT(rows_of(lts_of(rows)) == wanted);
+}
+
+} // namespace
+} // namespace Calder::StateSpace
