@@ -14,14 +14,17 @@ class CachedHash {
   public:
     /// The kept code, or the answer of `compute`, which is kept.
     template <typename Compute> std::uint64_t get(Compute const& compute) const {
-        std::uint64_t const kept = m_code.load(std::memory_order_relaxed);
-        if (kept != 0) {
-            return kept;
+        std::uint64_t code = kept();
+        if (code == 0) {
+            code = compute();
+            keep(code);
         }
-        std::uint64_t const code = compute();
-        m_code.store(code, std::memory_order_relaxed);
         return code;
     }
+
+    /// For who computes the code before it is asked for.
+    void keep(std::uint64_t code) const { m_code.store(code, std::memory_order_relaxed); }
+    std::uint64_t kept() const { return m_code.load(std::memory_order_relaxed); }
 
   private:
     mutable std::atomic<std::uint64_t> m_code{0};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -93,6 +94,12 @@ template <typename T> class FixedArray {
     std::size_t m_length = 0;
     T* m_elements = nullptr;
 };
+
+/// The same length and, place by place, equal elements.
+template <typename T>
+bool has_same_elements(FixedArray<T> const& left, FixedArray<T> const& right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end());
+}
 
 /// A FixedArray that does release what its elements hold, on every way out of its scope.
 template <typename T> class OwningArray : public FixedArray<T> {

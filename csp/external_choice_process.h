@@ -7,9 +7,10 @@ namespace Calder::ProcessCompiler::CSP {
 /// External choice of any number of arguments: all run, a silent step of one leaves the choice
 /// open, any other event of one decides it. The choice of nothing is STOP.
 ///
-///                   Pi --tau--> Pi'                         Pi --e--> Pi'
-///     -----------------------------------------     ----------------------------- e is not tau
+///     Pi --tau--> Pi'                               Pi --e--> Pi'
+///     -----------------------------------------     -----------------------------
 ///     .. [] Pi [] ..  --tau-->  .. [] Pi' [] ..     .. [] Pi [] ..  --e-->  Pi'
+///                                                   e not tau
 ///
 /// Tick decides the choice like a visible event.
 class CALDER_CSP_EXPORT ExternalChoiceProcess : public NaryProcess {

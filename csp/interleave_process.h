@@ -7,12 +7,12 @@ namespace Calder::ProcessCompiler::CSP {
 /// Interleaving of any number of arguments: each runs on its own, and all terminate together. The
 /// interleaving of nothing is SKIP.
 ///
-///                  Pi --e--> Pi'
+///     Pi --e--> Pi'
 ///     --------------------------------------------- e not tick
 ///     .. ||| Pi ||| ..  --e-->  .. ||| Pi' ||| ..
 ///
-///        P1 --tick--> P1'   ..   Pn --tick--> Pn'
-///     ----------------------------------------------
+///     P1 --tick--> P1'   ..   Pn --tick--> Pn'
+///     ------------------------------------------
 ///     P1 ||| .. ||| Pn  --tick-->  STOP
 ///
 /// The termination is reported once, after everything else.

@@ -7,13 +7,15 @@ namespace Calder::ProcessCompiler::CSP {
 /// Interrupt: P runs, and at any moment Q may take over by an event that is not silent. P's
 /// termination ends the whole.
 ///
-///          P --e--> P'                          P --tick--> P'
-///     --------------------------- e not tick    --------------------------
-///     P /\ Q  --e-->  P' /\ Q                  P /\ Q  --tick-->  STOP
+///     P --e--> P'                          P --tick--> P'
+///     ---------------------------          --------------------------
+///     P /\ Q  --e-->  P' /\ Q              P /\ Q  --tick-->  STOP
+///     e not tick
 ///
-///         Q --tau--> Q'                          Q --e--> Q'
-///     -----------------------------             ----------------------- e not tau
-///     P /\ Q  --tau-->  P /\ Q'                P /\ Q  --e-->  Q'
+///     Q --tau--> Q'                        Q --e--> Q'
+///     -----------------------------        ----------------------
+///     P /\ Q  --tau-->  P /\ Q'            P /\ Q  --e-->  Q'
+///                                          e not tau
 class CALDER_CSP_EXPORT InterruptProcess : public BinaryProcess {
   public:
     InterruptProcess();

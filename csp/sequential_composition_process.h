@@ -6,9 +6,10 @@ namespace Calder::ProcessCompiler::CSP {
 
 /// Sequential composition: P until it terminates, then, by a silent step, Q.
 ///
-///         P --e--> P'                         P --tick--> P'
-///     ------------------------- e not tick    ---------------------
-///     P ; Q  --e-->  P' ; Q                   P ; Q  --tau-->  Q
+///     P --e--> P'                     P --tick--> P'
+///     -------------------------       ---------------------
+///     P ; Q  --e-->  P' ; Q           P ; Q  --tau-->  Q
+///     e not tick
 class CALDER_CSP_EXPORT SequentialCompositionProcess : public BinaryProcess {
   public:
     SequentialCompositionProcess();

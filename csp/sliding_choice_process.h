@@ -6,9 +6,10 @@ namespace Calder::ProcessCompiler::CSP {
 
 /// Sliding choice (timeout): offers P, but may at any time slide to Q by a silent step.
 ///
-///                                    P --tau--> P'                   P --e--> P'
-///     ----------------------     -------------------------------     ------------------ e not tau
-///     P [> Q  --tau-->  Q        P [> Q  --tau-->  P' [> Q           P [> Q  --e-->  P'
+///                                P --tau--> P'                     P --e--> P'
+///     ----------------------     -----------------------------     ----------------------
+///     P [> Q  --tau-->  Q        P [> Q  --tau-->  P' [> Q         P [> Q  --e-->  P'
+///                                                                  e not tau
 ///
 /// The timeout is reported first.
 class CALDER_CSP_EXPORT SlidingChoiceProcess : public BinaryProcess {

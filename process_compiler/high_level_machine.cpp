@@ -13,6 +13,15 @@ UnCompiledRule& append_rule(UnCompiledFormat& format, unsigned event, unsigned t
     return rule;
 }
 
+std::vector<ComponentEvent> every_component(unsigned count, unsigned event) {
+    std::vector<ComponentEvent> participants;
+    participants.reserve(count);
+    for (unsigned component = 0; component < count; ++component) {
+        participants.emplace_back(std::pair(component, event));
+    }
+    return participants;
+}
+
 void activate_first_components(UnCompiledFormat& format, unsigned count) {
     format.active_components.resize(count);
     std::iota(format.active_components.begin(), format.active_components.end(), 0U);

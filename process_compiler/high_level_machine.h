@@ -54,6 +54,10 @@ CALDER_PROCESS_COMPILER_EXPORT UnCompiledRule&
 append_rule(UnCompiledFormat& format, unsigned event, unsigned target_format,
             std::vector<ComponentEvent> component_events = {});
 
+/// Arguments 0 to `count` - 1, all performing `event`.
+CALDER_PROCESS_COMPILER_EXPORT std::vector<ComponentEvent> every_component(unsigned count,
+                                                                           unsigned event);
+
 /// Lets arguments 0 to `count` - 1 run in `format`.
 CALDER_PROCESS_COMPILER_EXPORT void activate_first_components(UnCompiledFormat& format,
                                                               unsigned count);

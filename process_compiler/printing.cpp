@@ -50,6 +50,16 @@ void print_event_set_description(Printer& printer, std::string const& title, Bit
     printer.indent -= description_indent;
 }
 
+void print_lines_description(Printer& printer, std::string const& title,
+                             std::vector<std::string> const& lines) {
+    printer << title << "\n";
+    printer.indent += description_indent;
+    for (std::string const& line : lines) {
+        printer << line << "\n";
+    }
+    printer.indent -= description_indent;
+}
+
 void print_left_operand(Printer& printer, Process const& construct, Process const& operand) {
     print_operand(printer, construct, operand, left_associative);
 }
@@ -68,6 +78,35 @@ void print_infix(Printer& printer, Process const& construct) {
     print_left_operand(printer, construct, *construct.argument(0));
     print_operator_between(printer, construct);
     print_right_operand(printer, construct, *construct.argument(1));
+}
+
+void print_postfix(Printer& printer, Process const& construct) {
+    print_left_operand(printer, construct, *construct.argument(0));
+    if (printer.remaining_characters != 0) {
+        construct.pretty_print_operator(printer);
+    }
+}
+
+void print_bracketed_set(Printer& printer, char const* open, BitSet const& events,
+                         char const* close) {
+    printer << " " << open;
+    if (printer.abbreviate) {
+        printer << "…";
+    } else {
+        printer << " ";
+        print_event_set(printer, events);
+        printer << " ";
+    }
+    printer << close << " ";
+}
+
+void print_postfix_set(Printer& printer, char const* symbol, BitSet const& events) {
+    printer << " " << symbol << " ";
+    if (printer.abbreviate) {
+        printer << "…";
+    } else {
+        print_event_set(printer, events);
+    }
 }
 
 } // namespace Calder::ProcessCompiler

@@ -22,6 +22,11 @@ CALDER_PROCESS_COMPILER_EXPORT void print_event_set(Printer& printer, BitSet con
 CALDER_PROCESS_COMPILER_EXPORT void
 print_event_set_description(Printer& printer, std::string const& title, BitSet const& events);
 
+/// A description: the title, then each of the lines, indented by 4 more.
+CALDER_PROCESS_COMPILER_EXPORT void print_lines_description(Printer& printer,
+                                                            std::string const& title,
+                                                            std::vector<std::string> const& lines);
+
 /// An operand on the side where a left-associative construct may nest bare: the first of two
 /// operands, the only one of a postfix operator, each one of an n-ary construct.
 ///
@@ -42,6 +47,17 @@ CALDER_PROCESS_COMPILER_EXPORT void print_operator_between(Printer& printer,
 
 /// A construct with two operands: the first, the operator, the second.
 CALDER_PROCESS_COMPILER_EXPORT void print_infix(Printer& printer, Process const& construct);
+
+/// A construct with one operand: the operand, then the operator.
+CALDER_PROCESS_COMPILER_EXPORT void print_postfix(Printer& printer, Process const& construct);
+
+/// An infix operator over a set, such as " [| {a} |] " for "[|" and "|]"; " [|…|] " abbreviated.
+CALDER_PROCESS_COMPILER_EXPORT void print_bracketed_set(Printer& printer, char const* open,
+                                                        BitSet const& events, char const* close);
+
+/// A postfix operator over a set, such as " \ {a}" for "\"; " \ …" abbreviated.
+CALDER_PROCESS_COMPILER_EXPORT void print_postfix_set(Printer& printer, char const* symbol,
+                                                      BitSet const& events);
 
 } // namespace Calder::ProcessCompiler
 

@@ -137,12 +137,8 @@ void write_lts_file(std::filesystem::path const& path, LabelledTransitionSystem 
     Labels const labels(session, format, tau_label, path);
     TextWriter writer(path);
     switch (format) {
-    case LtsFormat::aut:
-        write_aut(writer, lts, labels);
-        break;
-    case LtsFormat::dot:
-        write_dot(writer, lts, labels);
-        break;
+    case LtsFormat::aut: write_aut(writer, lts, labels); break;
+    case LtsFormat::dot: write_dot(writer, lts, labels); break;
     }
     writer.finish();
 }

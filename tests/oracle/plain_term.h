@@ -24,17 +24,29 @@ enum class Kind {
     interleave,
     run,
     chaos,
+    generalised_parallel,
+    alphabetised_parallel,
+    linked_parallel,
+    hiding,
+    projection,
+    renaming,
+    exception,
+    synchronising_choice,
+    synchronising_interrupt,
 };
 
 struct Term;
 using TermPointer = std::shared_ptr<Term const>;
 using Events = std::set<unsigned>;
+using Pairs = std::vector<std::pair<unsigned, unsigned>>;
 
 struct Term {
     Kind kind;
     Events events{}; // a prefix has one
     std::vector<TermPointer> arguments{};
     std::string name{};
+    std::vector<Events> alphabets{}; // of an alphabetised parallel, one an argument
+    Pairs pairs{};                   // of a renaming (from, to), of a linked parallel (left, right)
 };
 
 /// What the names of a term stand for.
@@ -50,6 +62,9 @@ TermPointer stop();
 TermPointer make(Kind kind, std::vector<TermPointer> arguments, Events events = {});
 /// `term` with the argument at `index` replaced.
 TermPointer with_argument(Term const& term, std::size_t index, TermPointer const& replacement);
+
+/// Whether the order of the term's transitions depends on how equal events are sorted.
+bool synchronises(Term const& term);
 
 /// A term in prefix form, such as `sequential_composition(prefix{3}(external_choice()), P)`: for
 /// comparison and for messages.

@@ -18,7 +18,7 @@ class TermMaker {
         if (size <= 1) {
             return leaf();
         }
-        switch (below(9)) {
+        switch (below(18)) {
         case 0: return make(Kind::event_set_prefix, {term(size - 1)}, events());
         case 1: return nary(Kind::external_choice, size);
         case 2: return nary(Kind::internal_choice, size);
@@ -26,6 +26,15 @@ class TermMaker {
         case 4: return binary(Kind::sliding_choice, size);
         case 5: return binary(Kind::sequential_composition, size);
         case 6: return binary(Kind::interrupt, size);
+        case 7: return over_set(nary(Kind::generalised_parallel, size));
+        case 8: return alphabetised(size);
+        case 9: return over_pairs(binary(Kind::linked_parallel, size));
+        case 10: return make(Kind::hiding, {term(size - 1)}, events());
+        case 11: return make(Kind::projection, {term(size - 1)}, events());
+        case 12: return over_pairs(make(Kind::renaming, {term(size - 1)}));
+        case 13: return over_set(binary(Kind::exception, size));
+        case 14: return over_set(nary(Kind::synchronising_choice, size));
+        case 15: return over_set(binary(Kind::synchronising_interrupt, size));
         default: return prefix(term(size - 1));
         }
     }
@@ -82,6 +91,29 @@ class TermMaker {
     TermPointer binary(Kind kind, unsigned size) {
         unsigned const first = below(size - 1);
         return make(kind, {term(first), term(size - 1 - first)});
+    }
+
+    TermPointer over_set(TermPointer const& term) {
+        Term changed = *term;
+        changed.events = events();
+        return std::make_shared<Term>(changed);
+    }
+
+    TermPointer over_pairs(TermPointer const& term) {
+        Term changed = *term;
+        for (unsigned count = m_options.as_written ? 1 + below(3) : below(4); count > 0; --count) {
+            unsigned const from = event();
+            changed.pairs.emplace_back(from, event());
+        }
+        return std::make_shared<Term>(changed);
+    }
+
+    TermPointer alphabetised(unsigned size) {
+        Term changed = *nary(Kind::alphabetised_parallel, size);
+        for (std::size_t i = 0; i < changed.arguments.size(); ++i) {
+            changed.alphabets.push_back(events());
+        }
+        return std::make_shared<Term>(changed);
     }
 
     std::mt19937_64& m_random;

@@ -144,6 +144,10 @@ TEST(Limits, events_are_counted_before_they_are_made) {
          "1:9+1 too many events: with those of 'a' there would be more than 1000000\n"},
         {"channel a, b channel c : {1..999999} P = a -> c.1 -> {| c |} -> STOP",
          "1:22+1 too many events: with those of 'c' there would be more than 1000000\n"},
+        // 100 events of 1,000,000 characters would fit on their own.
+        {"channel a channel " + std::string(999'996, 'b') + " : {0..9}.{0..9}",
+         "1:19+999996 the names of the events are too long: with those of '" +
+             std::string(60, 'b') + "…' they would have more than 100000000 characters\n"},
         {"channel " + std::string(1000, 'a') + " : {1..100000}",
          "1:9+1000 the names of the events are too long: with those of '" + std::string(60, 'a') +
              "…' they would have more than 100000000 characters\n"},

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "csp/static_operator.h"
+
+namespace Calder::ProcessCompiler::CSP {
+
+/// Alphabetised parallel of any number of arguments: argument i has an alphabet Ai; an event is
+/// performed together by all whose alphabet has it, and an argument never performs an event outside
+/// its own. Tick belongs to every alphabet.
+///
+///     Pi --e--> Pi' for all i with e in Ai, and Pi' = Pi for the others
+///     ------------------------------------------------------------------- e in some Ai;
+///     || (A1, P1) .. (An, Pn)  --e-->  || (A1, P1') .. (An, Pn')          for tick, to STOP
+///
+///     Pi --tau--> Pi'
+///     -----------------------------------------------------
+///     || .. (Ai, Pi) ..  --tau-->  || .. (Ai, Pi') ..
+///
+/// The silent steps come first, argument by argument, then the events ascending.
+class CALDER_CSP_EXPORT AlphabetisedParallelOperator : public StaticOperator {
+  public:
+    /// One alphabet an argument; tick is added to each.
+    explicit AlphabetisedParallelOperator(std::vector<BitSet> const& alphabets);
+    ~AlphabetisedParallelOperator() override;
+
+    FixedArray<BitSet> const& alphabets() const { return alphabets_; }
+
+    bool visit_transitions(NamedProcessSource const& source, TransitionVisitor const& visitor,
+                           ProcessArray const& arguments) const override;
+
+    std::unique_ptr<Formats>
+    high_level_formats(std::vector<BitSet> const& alphabets) const override;
+
+    std::uint64_t hash_code() const override;
+    bool operator==(Operator const& other) const override;
+    bool operator!=(Operator const& other) const override;
+
+    unsigned operator_kind() const override;
+    bool is_commutative() const override;
+
+    void pretty_print(Printer& printer) const override;
+    void pretty_print_description(Printer& printer) const override;
+    void pretty_print_operator_process(Printer& printer,
+                                       OperatorProcess const& process) const override;
+    std::pair<unsigned, unsigned> pretty_print_information() const override;
+    bool pretty_print_is_same_operator(Operator const& other) const override;
+
+  private:
+    BitSet alphabet_union_;
+    OwningArray<BitSet> alphabets_;
+};
+
+} // namespace Calder::ProcessCompiler::CSP

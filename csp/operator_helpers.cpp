@@ -1,0 +1,100 @@
+#include "csp/operator_helpers.h"
+
+#include "csp/colours.h"
+#include "csp/shared_stop.h"
+
+#include <algorithm>
+
+namespace Calder::ProcessCompiler::CSP {
+
+namespace {
+
+/// Moves `start` on to the first entry on `event` and sets `end` behind the last one. False when
+/// there is none; `start` is then where the search for a later event goes on.
+bool advance_to_run(SyncVector const& vector, unsigned event, unsigned& start, unsigned& end) {
+    auto const size = static_cast<unsigned>(vector.size());
+    while (start < size && vector[start].first < event) {
+        ++start;
+    }
+    end = start;
+    while (end < size && vector[end].first == event) {
+        ++end;
+    }
+    return end > start;
+}
+
+bool has_lower_event(std::pair<unsigned, ProcessPointer> const& left,
+                     std::pair<unsigned, ProcessPointer> const& right) {
+    return left.first < right.first;
+}
+
+} // namespace
+
+void sort_sync_vectors(SyncVectors& vectors) {
+    for (SyncVector& vector : vectors) {
+        std::sort(vector.begin(), vector.end(),
+                  [](auto const& left, auto const& right) { return left.first < right.first; });
+    }
+}
+
+bool cart_product(ProcessArray const& arguments, SyncVectors const& vectors,
+                  IndexArray const& start, IndexArray const& end, ProcessArray& joint_arguments,
+                  IndexArray& current, TransitionVisitor callback, unsigned event,
+                  OperatorPointer const& op) {
+    auto const choose = [&](std::size_t argument, unsigned position) {
+        current[argument] = position;
+        joint_arguments[argument] = vectors[argument][position].second;
+    };
+    for (std::size_t argument = 0; argument < arguments.size(); ++argument) {
+        choose(argument, start[argument]);
+    }
+    while (true) {
+        if (event == tick) {
+            callback(tick, shared_stop);
+        } else if (!callback(event, new OperatorProcess(op, joint_arguments))) {
+            return false;
+        }
+        std::size_t argument = arguments.size() - 1;
+        while (current[argument] + 1 == end[argument]) {
+            if (argument == 0) {
+                return true;
+            }
+            choose(argument, start[argument]);
+            --argument;
+        }
+        choose(argument, current[argument] + 1);
+    }
+}
+
+bool cart_product_synchronised_events(BitSet const& synchronised, SyncVectors const& vectors,
+                                      ProcessArray const& arguments, TransitionVisitor callback,
+                                      OperatorPointer const& op) {
+    CartProductScratch scratch(arguments.size());
+    for (unsigned const event : synchronised) {
+        std::size_t argument = 0;
+        while (argument < arguments.size() &&
+               advance_to_run(vectors[argument], event, scratch.start[argument],
+                              scratch.end[argument])) {
+            ++argument;
+        }
+        if (argument == arguments.size() &&
+            !cart_product(arguments, vectors, scratch.start, scratch.end, scratch.joint_arguments,
+                          scratch.current, callback, event, op)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool CartProductScratch::find_run(SyncVectors const& vectors, std::size_t index, unsigned event,
+                                  std::size_t left_out) {
+    SyncVector const& vector = vectors[index];
+    auto const [first, last] =
+        std::equal_range(vector.begin(), vector.end() - static_cast<std::ptrdiff_t>(left_out),
+                         std::pair(event, ProcessPointer()), has_lower_event);
+    start[index] = static_cast<unsigned>(first - vector.begin());
+    end[index] = static_cast<unsigned>(last - vector.begin());
+    return first != last;
+}
+
+} // namespace Calder::ProcessCompiler::CSP

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "csp/export.h"
+#include "process_compiler/operator_process.h"
+
+#include <utility>
+#include <vector>
+
+namespace Calder::ProcessCompiler::CSP {
+
+/// The transitions of one argument that are candidates for synchronisation: (event, successor).
+using SyncVector = std::vector<std::pair<unsigned, ProcessPointer>>;
+using SyncVectors = FixedArray<SyncVector>;
+/// One position an argument.
+using IndexArray = FixedArray<unsigned>;
+
+/// Sorts each vector by ascending event, in place. Entries on the same event come in any order.
+CALDER_CSP_EXPORT void sort_sync_vectors(SyncVectors& vectors);
+
+/// Offers every combination of one transition an argument: those of argument i on `event` stand in
+/// `vectors[i]` from `start[i]` up to before `end[i]`, at least one. The combinations come like the
+/// readings of an odometer, the last argument fastest. The successor is `op` applied to the chosen
+/// successors; for tick it is STOP, and what the callback answers to a tick is ignored.
+///
+/// `joint_arguments` and `current` are scratch of the arguments' length; there must be an argument.
+/// Returns false as soon as the callback does, true when every combination was offered.
+CALDER_CSP_EXPORT bool cart_product(ProcessArray const& arguments, SyncVectors const& vectors,
+                                    IndexArray const& start, IndexArray const& end,
+                                    ProcessArray& joint_arguments, IndexArray& current,
+                                    TransitionVisitor callback, unsigned event,
+                                    OperatorPointer const& op);
+
+/// Offers the combinations of each event of `synchronised` that every argument can perform, events
+/// ascending. The vectors must be sorted; each is walked once. Returns false as soon as one
+/// cart_product does.
+CALDER_CSP_EXPORT bool cart_product_synchronised_events(BitSet const& synchronised,
+                                                        SyncVectors const& vectors,
+                                                        ProcessArray const& arguments,
+                                                        TransitionVisitor callback,
+                                                        OperatorPointer const& op);
+
+/// The scratch of cart_product for one visit, all of which goes when the visit ends.
+struct CartProductScratch {
+    explicit CartProductScratch(std::size_t arguments)
+        : joint_arguments(arguments), start(arguments), end(arguments), current(arguments) {}
+
+    /// Sets the run of argument `index` to its entries on `event`, leaving out the last
+    /// `left_out` entries of its sorted vector. False when there is none.
+    bool find_run(SyncVectors const& vectors, std::size_t index, unsigned event,
+                  std::size_t left_out = 0);
+
+    OwningArray<ProcessPointer> joint_arguments;
+    IndexArray start;
+    IndexArray end;
+    IndexArray current;
+};
+
+/// One visit of an operator that synchronises, while it asks its arguments one after the other: a
+/// transition either is kept to be combined later or moves its argument alone, at once.
+struct SynchronisedVisit {
+    SynchronisedVisit(OperatorPointer applied, ProcessArray const& its_arguments,
+                      TransitionVisitor const& outer_visitor)
+        : op(std::move(applied)), arguments(its_arguments), visitor(outer_visitor),
+          vectors(arguments.size()) {}
+
+    bool keep(unsigned event, ProcessPointer const& successor) {
+        vectors[moving].emplace_back(event, successor);
+        return true;
+    }
+    bool move(unsigned event, ProcessPointer const& successor) const {
+        return visitor(event, new OperatorProcess(op, arguments, moving, successor));
+    }
+
+    OperatorPointer const op;
+    ProcessArray const& arguments;
+    TransitionVisitor const& visitor;
+    OwningArray<SyncVector> vectors;
+    unsigned moving = 0;
+};
+
+} // namespace Calder::ProcessCompiler::CSP
