@@ -1,11 +1,20 @@
+#include "csp/alphabetised_parallel_operator.h"
 #include "csp/chaos_process.h"
 #include "csp/event_set_prefix_process.h"
+#include "csp/exception_operator.h"
+#include "csp/generalised_parallel_operator.h"
+#include "csp/hide_operator.h"
 #include "csp/interleave_process.h"
 #include "csp/internal_choice_process.h"
 #include "csp/interrupt_process.h"
+#include "csp/linked_parallel_operator.h"
+#include "csp/project_operator.h"
+#include "csp/rename_operator.h"
 #include "csp/run_process.h"
 #include "csp/sequential_composition_process.h"
 #include "csp/sliding_choice_process.h"
+#include "csp/synchronising_external_choice_operator.h"
+#include "csp/synchronising_interrupt_operator.h"
 #include "tests/csp/construct_test.h"
 
 #include <functional>
@@ -127,6 +136,83 @@ TEST_F(ShapeTest, answers_by_argument_and_questions_that_end_the_program) {
                         [&](unsigned index) { return term.discarded_by(index); });
         expect_by_index(shape.turned_on_by,
                         [&](unsigned index) { return term.turned_on_by(index); });
+    }
+}
+
+/// The same of an operator; the numbers of operators are apart from those of processes.
+struct OperatorShape {
+    char const* name;
+    OperatorPointer op;
+    unsigned kind;
+    unsigned recursion_type;
+    ByIndex<bool> allows_recursion;
+    ByIndex<unsigned> process_state;
+    ByIndex<bool> discarded_by;
+    ByIndex<unsigned> turned_on_by;
+    std::function<unsigned(bool)> preferred_level;
+    bool is_commutative;
+    std::pair<unsigned, unsigned> print_information;
+};
+
+class OperatorShapeTest : public ShapeTest {
+  protected:
+    // clang-format off
+    std::vector<OperatorShape> operator_shapes() const {
+        BitSet const set{a};
+        FixedArray<std::pair<unsigned, unsigned>> const pairs{{a, b}};
+        auto const yes = always(true), no = always(false);
+        auto const one = always(1U);
+        return {
+            {"alphabetised parallel", new AlphabetisedParallelOperator({set, set}),
+                0, 3, no, one, no, aborts, high, true, {8, 2}},
+            {"exception", new ExceptionOperator(set),
+                1, 3, second, first, no, one, as_wished, false, {8, 2}},
+            {"generalised parallel", new GeneralisedParallelOperator(set),
+                2, 3, no, one, no, aborts, high, true, {8, 2}},
+            {"linked parallel", new LinkedParallelOperator(pairs),
+                3, 3, no, one, no, aborts, high, false, {8, 2}},
+            {"hide", new HideOperator(set), 4, 3, no, one, no, aborts, high, false, {10, 0}},
+            {"rename", new RenameOperator(pairs), 5, 3, no, one, no, aborts, high, false, {1, 0}},
+            {"synchronising external choice", new SynchronisingExternalChoiceOperator(set),
+                6, 1, yes, one, no, aborts, as_wished, false, {6, 0}},
+            {"synchronising interrupt", new SynchronisingInterruptOperator(set),
+                7, 1, second, one, all_but_first, aborts, high, false, {5, 0}},
+            {"project", new ProjectOperator(set),
+                8, 3, no, one, no, aborts, high, false, {10, 0}},
+        };
+    }
+    // clang-format on
+};
+
+TEST_F(OperatorShapeTest, constant_answers) {
+    for (OperatorShape const& shape : operator_shapes()) {
+        SCOPED_TRACE(shape.name);
+        Operator const& op = *shape.op;
+        EXPECT_EQ(op.operator_kind(), shape.kind);
+        EXPECT_EQ(static_cast<unsigned>(op.recursion_type()), shape.recursion_type);
+        for (bool const wish : {false, true}) {
+            EXPECT_EQ(static_cast<unsigned>(op.preferred_compilation_level(wish)),
+                      shape.preferred_level(wish));
+        }
+        EXPECT_EQ(op.is_commutative(), shape.is_commutative);
+        EXPECT_EQ(op.pretty_print_information(), shape.print_information);
+        for (OperatorShape const& other : operator_shapes()) {
+            EXPECT_EQ(op.pretty_print_is_same_operator(*other.op), other.kind == shape.kind);
+            EXPECT_EQ(op == *other.op, other.kind == shape.kind);
+        }
+    }
+}
+
+TEST_F(OperatorShapeTest, answers_by_argument_and_questions_that_end_the_program) {
+    for (OperatorShape const& shape : operator_shapes()) {
+        SCOPED_TRACE(shape.name);
+        Operator const& op = *shape.op;
+        expect_by_index(shape.allows_recursion,
+                        [&](unsigned index) { return op.allows_recursion(index); });
+        expect_by_index(shape.process_state,
+                        [&](unsigned index) { return op.process_state(index); });
+        expect_by_index(shape.discarded_by, [&](unsigned index) { return op.discarded_by(index); });
+        expect_by_index(shape.turned_on_by, [&](unsigned index) { return op.turned_on_by(index); });
     }
 }
 

@@ -24,9 +24,24 @@ std::string nested(Nesting const& nesting, unsigned depth) {
 
 TEST(Limits, a_term_at_the_nesting_limit_can_be_used_and_one_beyond_is_refused) {
     Nesting const nestings[] = {
-        {"a -> ", ""},       {"{a} -> ", ""},     {"STOP ; ", ""},       {"", " [> STOP"},
-        {"", " /\\ STOP"},   {"(STOP [] ", ")"},  {"(STOP |~| ", ")"},   {"(STOP ||| ", ")"},
-        {"(", " ||| STOP)"}, {"((STOP ; ", "))"}, {"(STOP /\\ (", "))"},
+        {"a -> ", ""},
+        {"{a} -> ", ""},
+        {"STOP ; ", ""},
+        {"", " [> STOP"},
+        {"", " /\\ STOP"},
+        {"", " /+ {a} +\\ STOP"},
+        {"(STOP [] ", ")"},
+        {"(", " [+ {a} +] STOP)"},
+        {"(STOP |~| ", ")"},
+        {"(STOP ||| ", ")"},
+        {"(", " [| {a} |] STOP)"},
+        {"(STOP [{a} || {a}] ", ")"},
+        {"(STOP [a <-> a] ", ")"},
+        {"(", " [| {a} |> STOP)"},
+        {"|| (a, p) : {({}, ", ")} @ [a] p"},
+        {"", "[[a <- a]]"},
+        {"", " \\ {a}"},
+        {"", " |\\ {a}"},
     };
     for (Nesting const& nesting : nestings) {
         EXPECT_EQ(errors_of(nested(nesting, nesting_limit + 1)),

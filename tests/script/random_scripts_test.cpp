@@ -91,24 +91,35 @@ RC_GTEST_PROP(RandomScripts, any_bytes_are_read_or_refused_with_a_place, ()) {
     check_reading(*rc::gen::container<std::string>(rc::gen::arbitrary<char>()));
 }
 
-/// A random term of the constructs that are built, operands in parentheses.
+/// A random term, operands in parentheses.
 std::string random_term(std::mt19937& random, int depth) {
     char const* const leaves[] = {"STOP", "SKIP", "RUN({a, tick})", "CHAOS({| b |})", "P", "Q"};
     char const* const prefixes[] = {"a -> ", "b.1 -> ", "{| b |} -> ", "{{a, b.0}} -> "};
-    char const* const infixes[] = {" [] ", " |~| ", " ||| ", " ; ", " [> ", " /\\ "};
+    char const* const postfixes[] = {"[[a <- b.0, a <- b.1]]", " \\ {| b |}", " |\\ {a}"};
+    char const* const chains[] = {" [] ", " |~| ", " ||| ", " [+ {a} +] ", " [| {tick, b.0} |] "};
+    char const* const infixes[] = {" ; ",
+                                   " [> ",
+                                   " /\\ ",
+                                   " /+ {a} +\\ ",
+                                   " [{a} || {| b |}] ",
+                                   " [a <-> b.0, tick <-> tick] ",
+                                   " [| {} |> "};
+    auto const one_of = [&](auto const& texts) { return texts[random() % std::size(texts)]; };
     if (depth == 0) {
-        return leaves[random() % std::size(leaves)];
+        return one_of(leaves);
     }
-    std::string const first = "(" + random_term(random, depth - 1) + ")";
-    if (random() % 3 == 0) {
-        return prefixes[random() % std::size(prefixes)] + first;
+    auto const operand = [&] { return "(" + random_term(random, depth - 1) + ")"; };
+    std::string const first = operand();
+    switch (random() % 5) {
+    case 0: return one_of(prefixes) + first;
+    case 1: return first + one_of(postfixes);
+    case 2: {
+        std::string const infix = one_of(chains);
+        return first + infix + operand() + (random() % 2 == 0 ? infix + operand() : "");
     }
-    std::string const infix = infixes[random() % 3];
-    std::string const second = "(" + random_term(random, depth - 1) + ")";
-    if (random() % 3 == 0) {
-        return first + infix + second + infix + "(" + random_term(random, depth - 1) + ")";
+    case 3: return "|| (a, p) : {({a}, " + first + ")({}, " + operand() + ")({a}, STOP)} @ [a] p";
+    default: return first + one_of(infixes) + operand();
     }
-    return first + infixes[random() % std::size(infixes)] + second;
 }
 
 RC_GTEST_PROP(RandomScripts, what_a_term_prints_is_read_as_what_prints_the_same, ()) {
