@@ -55,6 +55,7 @@ class CycleSearch {
         NamedProcessPointer reference;
         Names next{};
         std::size_t followed = 0;
+        bool is_reported = false; // in some cycle
         enum class State { fresh, on_path, done } state = State::fresh;
     };
 
@@ -65,7 +66,9 @@ class CycleSearch {
             if (place.followed < place.next.size()) {
                 Place& target = m_places[place.next[place.followed++]->number()];
                 if (target.state == Place::State::on_path) {
-                    report_cycle_to(target);
+                    if (!place.is_reported) { // else many cycles that say the same
+                        report_cycle_to(target);
+                    }
                 } else {
                     enter(target);
                 }
@@ -90,6 +93,7 @@ class CycleSearch {
         for (auto step = std::find(m_path.begin(), m_path.end(), &target); step != m_path.end();
              ++step) {
             cycle.push_back((*step)->reference);
+            (*step)->is_reported = true;
         }
     }
 

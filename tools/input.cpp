@@ -40,10 +40,7 @@ std::unique_ptr<Script::Script> read_input(Input const& input) {
     if (result.script) {
         return std::move(result.script);
     }
-    std::string errors;
-    for (Script::Diagnostic const& diagnostic : result.diagnostics) {
-        errors += Script::render(diagnostic, input.file, text);
-    }
+    std::string errors = Script::render_all(result.diagnostics, input.file, text);
     errors.pop_back(); // the newline that the caller adds to every message
     throw CommandError(errors);
 }

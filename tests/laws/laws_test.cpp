@@ -1,13 +1,22 @@
+#include "csp/alphabetised_parallel_operator.h"
 #include "csp/chaos_process.h"
 #include "csp/event_set_prefix_process.h"
+#include "csp/exception_operator.h"
 #include "csp/external_choice_process.h"
+#include "csp/generalised_parallel_operator.h"
+#include "csp/hide_operator.h"
 #include "csp/interleave_process.h"
 #include "csp/internal_choice_process.h"
 #include "csp/interrupt_process.h"
+#include "csp/linked_parallel_operator.h"
 #include "csp/prefix_process.h"
+#include "csp/project_operator.h"
+#include "csp/rename_operator.h"
 #include "csp/run_process.h"
 #include "csp/sequential_composition_process.h"
 #include "csp/sliding_choice_process.h"
+#include "csp/synchronising_external_choice_operator.h"
+#include "csp/synchronising_interrupt_operator.h"
 #include "state_space/bisimulation.h"
 #include "state_space/exploration.h"
 #include "tests/oracle/library_term.h"
@@ -25,6 +34,7 @@ using namespace ProcessCompiler::CSP;
 
 constexpr unsigned a = 3;
 constexpr unsigned b = 4;
+constexpr unsigned c = 5;
 
 using Terms = std::initializer_list<ProcessPointer>;
 
@@ -65,6 +75,39 @@ ProcessPointer skip() {
     return interleave({});
 }
 
+ProcessPointer parallel(BitSet const& events, Terms of) {
+    return new OperatorProcess(new GeneralisedParallelOperator(events),
+                               OwningArray<ProcessPointer>(of));
+}
+ProcessPointer alphabetised(std::vector<BitSet> const& alphabets, Terms of) {
+    return new OperatorProcess(new AlphabetisedParallelOperator(alphabets),
+                               OwningArray<ProcessPointer>(of));
+}
+ProcessPointer linked(LinkedParallelOperator::Links const& links, ProcessPointer const& p,
+                      ProcessPointer const& q) {
+    return new OperatorProcess(new LinkedParallelOperator(links), p, q);
+}
+ProcessPointer hide(ProcessPointer const& p, BitSet const& events) {
+    return new OperatorProcess(new HideOperator(events), p);
+}
+ProcessPointer project(ProcessPointer const& p, BitSet const& events) {
+    return new OperatorProcess(new ProjectOperator(events), p);
+}
+ProcessPointer rename(ProcessPointer const& p, FixedArray<std::pair<unsigned, unsigned>> const& r) {
+    return new OperatorProcess(new RenameOperator(r), p);
+}
+ProcessPointer exception(ProcessPointer const& p, BitSet const& events, ProcessPointer const& q) {
+    return new OperatorProcess(new ExceptionOperator(events), p, q);
+}
+ProcessPointer sync_choice(BitSet const& events, Terms of) {
+    return new OperatorProcess(new SynchronisingExternalChoiceOperator(events),
+                               OwningArray<ProcessPointer>(of));
+}
+ProcessPointer sync_interrupt(ProcessPointer const& p, BitSet const& events,
+                              ProcessPointer const& q) {
+    return new OperatorProcess(new SynchronisingInterruptOperator(events), p, q);
+}
+
 using P = ProcessPointer const&;
 
 /// Two sides that are strongly bisimilar whatever P, Q and R are. "Later" is a silent step to a
@@ -81,7 +124,7 @@ ProcessPointer later(P p) {
 }
 
 // Hoare: Communicating Sequential Processes, 1985. Roscoe: The Theory and Practice of Concurrency,
-// 1997. "Rules" follow at once from the firing rules. Many laws of these books hold for failures or
+// 1997, and Understanding Concurrent Systems, 2010. "Rules" follow at once from the firing rules. Many laws of these books hold for failures or
 // traces only; the table has those that also hold for single silent steps.
 // clang-format off
 Law const laws[] = {
@@ -174,6 +217,79 @@ Law const laws[] = {
         [](P, P, P) { return internal({stop(), set_prefix({a, b}, chaos({a, b}))}); }},
     {"CHAOS over no event is a silent step to STOP", "Rules",
         [](P, P, P) { return chaos({}); }, [](P, P, P) { return later(stop()); }},
+
+    {"generalised parallel is commutative", "Roscoe 1997",
+        [](P p, P q, P) { return parallel({a}, {p, q}); },
+        [](P p, P q, P) { return parallel({a}, {q, p}); }},
+    {"generalised parallel over one set is associative", "Roscoe 1997",
+        [](P p, P q, P r) { return parallel({a}, {parallel({a}, {p, q}), r}); },
+        [](P p, P q, P r) { return parallel({a}, {p, parallel({a}, {q, r})}); }},
+    {"nested generalised parallels over one set are one", "Rules",
+        [](P p, P q, P r) { return parallel({a}, {parallel({a}, {p, q}), r}); },
+        [](P p, P q, P r) { return parallel({a}, {p, q, r}); }},
+    {"generalised parallel over no event is interleaving", "Roscoe 1997",
+        [](P p, P q, P) { return parallel({}, {p, q}); },
+        [](P p, P q, P) { return interleave({p, q}); }},
+    {"one set for all is generalised parallel", "Roscoe 1997",
+        [](P p, P q, P) { return alphabetised({{a, b, c}, {a, b, c}}, {p, q}); },
+        [](P p, P q, P) { return parallel({a, b, c}, {p, q}); }},
+    {"alphabetised parallel is commutative", "Roscoe 1997",
+        [](P p, P q, P) { return alphabetised({{a, b}, {b, c}}, {p, q}); },
+        [](P p, P q, P) { return alphabetised({{b, c}, {a, b}}, {q, p}); }},
+    {"alphabetised parallel is associative", "Roscoe 1997",
+        [](P p, P q, P r) {
+            return alphabetised({{a, b, c}, {c}}, {alphabetised({{a, b}, {b, c}}, {p, q}), r}); },
+        [](P p, P q, P r) { return alphabetised({{a, b}, {b, c}, {c}}, {p, q, r}); }},
+    {"linked parallel is symmetric", "Roscoe 2010",
+        [](P p, P q, P) { return linked({{a, b}, {c, c}}, p, q); },
+        [](P p, P q, P) { return linked({{b, a}, {c, c}}, q, p); }},
+    {"linked parallel over no link is interleaving", "Rules",
+        [](P p, P q, P) { return linked({}, p, q); },
+        [](P p, P q, P) { return interleave({p, q}); }},
+
+    {"hiding twice is hiding the union", "Hoare 1985, Roscoe 1997",
+        [](P p, P, P) { return hide(hide(p, {a}), {b}); },
+        [](P p, P, P) { return hide(p, {a, b}); }},
+    {"hiding nothing changes nothing", "Roscoe 1997",
+        [](P p, P, P) { return hide(p, {}); }, [](P p, P, P) { return p; }},
+    {"hiding distributes over internal choice", "Hoare 1985, Roscoe 1997",
+        [](P p, P q, P) { return hide(internal({p, q}), {a}); },
+        [](P p, P q, P) { return internal({hide(p, {a}), hide(q, {a})}); }},
+    {"hiding passes through parallel where nothing shared is hidden", "Hoare 1985, Roscoe 1997",
+        [](P p, P q, P) { return hide(parallel({b}, {p, q}), {a}); },
+        [](P p, P q, P) { return parallel({b}, {hide(p, {a}), hide(q, {a})}); }},
+    {"projection hides the rest", "Rules",
+        [](P p, P, P) { return project(p, {a}); }, [](P p, P, P) { return hide(p, {b, c}); }},
+    {"projection on all changes nothing", "Rules",
+        [](P p, P, P) { return project(p, {a, b, c}); }, [](P p, P, P) { return p; }},
+
+    {"renaming by nothing changes nothing", "Roscoe 1997",
+        [](P p, P, P) { return rename(p, {}); }, [](P p, P, P) { return p; }},
+    {"renamings compose", "Roscoe 1997",
+        [](P p, P, P) { return rename(rename(p, {{a, b}, {b, b}, {c, c}}), {{b, c}, {c, a}}); },
+        [](P p, P, P) { return rename(p, {{a, c}, {b, c}, {c, a}}); }},
+    {"renaming distributes over external choice", "Hoare 1985, Roscoe 1997",
+        [](P p, P q, P) { return rename(external({p, q}), {{a, b}, {a, c}}); },
+        [](P p, P q, P) { return external({rename(p, {{a, b}, {a, c}}),
+                                           rename(q, {{a, b}, {a, c}})}); }},
+
+    {"an exception over no event changes nothing", "Roscoe 2010",
+        [](P p, P q, P) { return exception(p, {}, q); }, [](P p, P, P) { return p; }},
+    {"STOP throws nothing", "Roscoe 2010",
+        [](P, P q, P) { return exception(stop(), {a}, q); }, [](P, P, P) { return stop(); }},
+    {"a prefix that throws", "Roscoe 2010",
+        [](P p, P q, P) { return exception(prefix(a, p), {a}, q); },
+        [](P, P q, P) { return prefix(a, q); }},
+
+    {"synchronising choice is commutative", "Roscoe 2010",
+        [](P p, P q, P) { return sync_choice({a}, {p, q}); },
+        [](P p, P q, P) { return sync_choice({a}, {q, p}); }},
+    {"synchronising choice over no event is external choice", "Roscoe 2010",
+        [](P p, P q, P) { return sync_choice({}, {p, q}); },
+        [](P p, P q, P) { return external({p, q}); }},
+    {"synchronising interrupt over no event is interrupt", "Roscoe 2010",
+        [](P p, P q, P) { return sync_interrupt(p, {}, q); },
+        [](P p, P q, P) { return interrupt(p, q); }},
 };
 // clang-format on
 
