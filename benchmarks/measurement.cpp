@@ -29,16 +29,13 @@ namespace Calder::Benchmarks {
 
 using namespace ProcessCompiler;
 
-namespace {
-
-void report(benchmark::State& state, std::uint64_t transitions, std::uint64_t allocated) {
+void report_transitions(benchmark::State& state, std::uint64_t transitions,
+                        std::uint64_t allocated) {
     state.counters["transitions/s"] =
         benchmark::Counter(static_cast<double>(transitions), benchmark::Counter::kIsRate);
     state.counters["allocs/transition"] =
         static_cast<double>(allocated) / static_cast<double>(transitions);
 }
-
-} // namespace
 
 std::uint64_t allocations() {
     return allocation_count;
@@ -54,7 +51,7 @@ void measure_exploration(benchmark::State& state, ProcessPointer const& start,
         state.counters["states"] = exploration.lts.state_count();
         state.counters["transitions"] = static_cast<double>(exploration.lts.transition_count());
     }
-    report(state, transitions, allocations() - before);
+    report_transitions(state, transitions, allocations() - before);
 }
 
 void measure_visit(benchmark::State& state, ProcessPointer const& term,
@@ -68,7 +65,7 @@ void measure_visit(benchmark::State& state, ProcessPointer const& term,
     for (auto _ : state) {
         term->visit_transitions(source, count);
     }
-    report(state, transitions, allocations() - before);
+    report_transitions(state, transitions, allocations() - before);
 }
 
 } // namespace Calder::Benchmarks

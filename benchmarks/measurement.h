@@ -12,6 +12,10 @@ namespace Calder::Benchmarks {
 /// How often memory was asked for since the program began.
 std::uint64_t allocations();
 
+/// Reports transitions a second, and how often memory was asked for a transition.
+void report_transitions(benchmark::State& state, std::uint64_t transitions,
+                        std::uint64_t allocated);
+
 /// Explores `start` again and again and counts: states and transitions of one exploration,
 /// transitions a second, and how often memory was asked for a transition.
 void measure_exploration(benchmark::State& state, ProcessCompiler::ProcessPointer const& start,

@@ -64,12 +64,18 @@ struct SynchronisedVisit {
           vectors(arguments.size()) {}
 
     bool keep(unsigned event, ProcessPointer const& successor) {
+        if (vectors[moving].empty()) {
+            vectors[moving].reserve(usual_candidates);
+        }
         vectors[moving].emplace_back(event, successor);
         return true;
     }
     bool move(unsigned event, ProcessPointer const& successor) const {
         return visitor(event, new OperatorProcess(op, arguments, moving, successor));
     }
+
+    /// Room made at once, so that most vectors are allocated once a visit.
+    static constexpr std::size_t usual_candidates = 16;
 
     OperatorPointer const op;
     ProcessArray const& arguments;
