@@ -57,7 +57,7 @@ struct ConstructEntry {
     /// A lower level binds tighter.
     unsigned level;
     Association association;
-    /// Makes the term; null while the library has no such construct.
+    /// Makes the term.
     ProcessCompiler::ProcessPointer (*build)(Parts const& parts);
 };
 

@@ -93,13 +93,10 @@ TermBuilder::Value TermBuilder::value_of_construct(unsigned node) {
     Parts const parts = parts_of(node);
     bool const is_complete =
         std::find(parts.events.begin(), parts.events.end(), no_event) == parts.events.end();
-    if (entry.build == nullptr) {
-        report(m_tree[node].token, std::string(entry.name) + ": the construct is not built yet");
-    }
     if (depth == too_deep) {
         return {nullptr, too_deep};
     }
-    return {entry.build != nullptr && is_complete ? entry.build(parts) : m_stand_in, depth};
+    return {is_complete ? entry.build(parts) : m_stand_in, depth};
 }
 
 TermBuilder::Value TermBuilder::value_of_set(unsigned node) {

@@ -1,4 +1,3 @@
-#include "script/constructs.h"
 #include "tests/script/reading.h"
 
 namespace Calder::Script {
@@ -38,52 +37,6 @@ TEST(TermErrors, recursion_without_a_guard) {
          "runs G, G runs H, H runs I and so on through 9 names from the start\n"},
     };
     expect_errors(rows);
-}
-
-/// Each as the right operand or the body of something that is fine.
-struct ConstructRow {
-    Construct construct;
-    char const* script;
-    unsigned column;
-};
-
-TEST(TermErrors, a_construct_that_is_not_built_is_told_at_its_operator) {
-    ConstructRow const rows[] = {
-        {Construct::stop, "P = STOP", 5},
-        {Construct::skip, "P = SKIP", 5},
-        {Construct::run, "P = RUN({tick})", 5},
-        {Construct::chaos, "P = CHAOS({})", 5},
-        {Construct::replicated_parallel, "P = || (a, p) : {({}, STOP)} @ [a] p", 5},
-        {Construct::renaming, "channel a P = STOP[[a <- a]]", 19},
-        {Construct::prefix, "channel a P = a -> STOP", 17},
-        {Construct::event_set_prefix, "channel a P = {a} -> STOP", 19},
-        {Construct::sequential_composition, "P = STOP ; STOP", 10},
-        {Construct::sliding_choice, "P = STOP [> STOP", 10},
-        {Construct::interrupt, "P = STOP /\\ STOP", 10},
-        {Construct::synchronising_interrupt, "P = STOP /+ {} +\\ STOP", 10},
-        {Construct::external_choice, "P = STOP [] STOP [] STOP", 10},
-        {Construct::synchronising_external_choice, "P = STOP [+ {} +] STOP [+ {} +] STOP", 10},
-        {Construct::internal_choice, "P = STOP |~| STOP |~| STOP", 10},
-        {Construct::generalised_parallel, "P = STOP [| {} |] STOP [| {} |] STOP", 10},
-        {Construct::alphabetised_parallel, "P = STOP [{} || {tick}] STOP", 10},
-        {Construct::linked_parallel, "P = STOP [tick <-> tick] STOP", 10},
-        {Construct::exception, "P = STOP [| {} |> STOP", 10},
-        {Construct::interleaving, "P = STOP ||| STOP ||| STOP", 10},
-        {Construct::hiding, "P = STOP \\ {}", 10},
-        {Construct::projection, "P = STOP |\\ {}", 10},
-    };
-    for (ConstructRow const& row : rows) {
-        ConstructEntry const& entry = entry_of(row.construct);
-        ReadResult const result = read_script(row.script);
-        if (entry.build != nullptr) {
-            EXPECT_TRUE(result.diagnostics.empty()) << row.script;
-            continue;
-        }
-        ASSERT_EQ(result.diagnostics.size(), 1U) << row.script;
-        EXPECT_EQ(result.diagnostics[0].location.column, row.column) << row.script;
-        EXPECT_EQ(result.diagnostics[0].message,
-                  std::string(entry.name) + ": the construct is not built yet");
-    }
 }
 
 TEST(TermErrors, a_chain_has_one_set) {

@@ -187,6 +187,26 @@ TEST_F(CommandTest, recursion_without_end_meets_a_limit) {
     }
 }
 
+/// Hashing, comparing and asking for transitions recurse; the stack must suffice for every term that
+/// a script can have.
+TEST_F(CommandTest, a_term_at_the_nesting_limit_is_explored) {
+    constexpr int levels = 1990;
+    for (std::string const op :
+         {" [] b -> STOP)", " ; SKIP)", " /\\ STOP)", " [> STOP)", " ||| STOP)", " \\ {c})",
+          " [| {c} |] b -> STOP)", " [{a} || {a, b}] RUN({a, b}))", " [a <-> b] RUN({b}))",
+          " [| {b} |> STOP)", " /+ {a} +\\ RUN({a}))", " [+ {a} +] RUN({a}))", ")[[b <- c]]"}) {
+        std::string term = std::string(levels, '(') + "a -> a -> STOP";
+        for (int level = 0; level < levels; ++level) {
+            term += op;
+        }
+        write("deep.csp", "channel a, b, c\nP = " + term + "\n");
+        Answer const answer = calder("explore deep.csp --max-states 5");
+        EXPECT_TRUE(answer.exit_code == 0 || answer.exit_code == 3) << op << answer.errors;
+        EXPECT_NE(answer.output.find("states       "), std::string::npos) << op;
+        EXPECT_EQ(answer.output.find("too deeply"), std::string::npos) << op;
+    }
+}
+
 TEST_F(CommandTest, an_interrupted_exploration_tells_what_it_found) {
     write("wide.csp", "channel a\nP = a -> (P ||| P)\n");
     Answer const answer = calder("explore wide.csp", "timeout --preserve-status -s INT 1");
