@@ -9,6 +9,14 @@ constexpr unsigned tick = 2;
 
 using Moves = std::vector<Move>;
 
+constexpr std::size_t most_moves = 2'000;
+
+template <typename List> void expect_few(List const& list) {
+    if (list.size() > most_moves) {
+        throw TooManyMoves();
+    }
+}
+
 Moves moves_of_choice(Term const& term, Definitions const& definitions) {
     Moves moves;
     for (std::size_t i = 0; i < term.arguments.size(); ++i) {
@@ -103,6 +111,7 @@ std::vector<TermPointer> combinations(Term const& term,
             for (Move const& move : moves) {
                 longer.push_back(with_argument(*chosen, index, move.successor));
             }
+            expect_few(longer);
         }
         terms = longer;
     }
@@ -281,9 +290,7 @@ Moves moves_by_event(Term const& term, TermPointer const& successor) {
     return moves;
 }
 
-} // namespace
-
-Moves moves_of(Term const& term, Definitions const& definitions) {
+Moves moves_by_rule(Term const& term, Definitions const& definitions) {
     switch (term.kind) {
     case Kind::named: return moves_of(*definitions.at(term.name), definitions);
     case Kind::prefix:
@@ -313,6 +320,14 @@ Moves moves_of(Term const& term, Definitions const& definitions) {
     case Kind::synchronising_interrupt: return moves_of_synchronising(term, definitions);
     }
     return {};
+}
+
+} // namespace
+
+Moves moves_of(Term const& term, Definitions const& definitions) {
+    Moves moves = moves_by_rule(term, definitions);
+    expect_few(moves);
+    return moves;
 }
 
 } // namespace Calder::Oracle

@@ -13,8 +13,11 @@ namespace {
 
 using namespace ProcessCompiler;
 
-/// States beyond this are not compared: recursion may grow without end.
+/// What is compared of one model, at least; recursion may grow without end.
 constexpr std::size_t states_compared = 60;
+constexpr std::size_t transitions_compared = 300;
+/// Recursion may also double a term at every step: longer ones, as text, are let be.
+constexpr std::size_t longest_compared = 2'000;
 
 using Steps = std::vector<std::pair<unsigned, ProcessPointer>>;
 
@@ -48,15 +51,17 @@ std::optional<std::string> difference_between(Steps const& expected, Steps repor
 
 /// Compares the library with the rules in every state that is reached, transition by transition;
 /// successors by the library's own equality. Tells the first difference.
-std::optional<std::string> difference_in(Model const& model) {
+std::optional<std::string> difference_in(Model const& model) try {
     NamedProcessSource source;
     library_model(model, source);
     std::set<std::string> seen{text_of(*model.term)};
     std::deque<TermPointer> waiting{model.term};
-    while (!waiting.empty()) {
+    std::size_t transitions = 0;
+    while (!waiting.empty() && transitions < transitions_compared) {
         TermPointer const state = waiting.front();
         waiting.pop_front();
         std::vector<Move> const moves = moves_of(*state, model.definitions);
+        transitions += moves.size();
         Steps expected;
         for (Move const& move : moves) {
             expected.emplace_back(move.event, library_term(*move.successor, source));
@@ -71,12 +76,16 @@ std::optional<std::string> difference_in(Model const& model) {
             return "in state " + text_of(*state) + ": " + *difference;
         }
         for (Move const& move : moves) {
-            if (seen.size() < states_compared && seen.insert(text_of(*move.successor)).second) {
+            std::string const text = text_of(*move.successor);
+            if (seen.size() < states_compared && text.size() <= longest_compared &&
+                seen.insert(text).second) {
                 waiting.push_back(move.successor);
             }
         }
     }
     return std::nullopt;
+} catch (TooManyMoves const&) {
+    return std::nullopt; // none in the states before
 }
 
 /// The smallest model with a difference that greedy steps from `model` lead to.

@@ -76,7 +76,10 @@ struct Move {
     TermPointer successor;
 };
 
-/// All transitions, in the order of the rules.
+/// A term with so many transitions that nobody wants to compare them.
+struct TooManyMoves {};
+
+/// All transitions, in the order of the rules. Throws TooManyMoves beyond some thousand.
 std::vector<Move> moves_of(Term const& term, Definitions const& definitions);
 
 /// A random model of about `size` constructs, with some recursion, all of it guarded by visible
