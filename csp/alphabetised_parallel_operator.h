@@ -1,5 +1,6 @@
 #pragma once
 
+#include "csp/export.h"
 #include "csp/static_operator.h"
 
 namespace Calder::ProcessCompiler::CSP {
@@ -17,7 +18,7 @@ namespace Calder::ProcessCompiler::CSP {
 ///     || .. (Ai, Pi) ..  --tau-->  || .. (Ai, Pi') ..
 ///
 /// The silent steps come first, argument by argument, then the events ascending.
-class CALDER_CSP_EXPORT AlphabetisedParallelOperator : public StaticOperator {
+class CALDER_CSP_EXPORT AlphabetisedParallelOperator : public StaticOperator<Operator> {
   public:
     /// One alphabet an argument; tick is added to each.
     explicit AlphabetisedParallelOperator(std::vector<BitSet> const& alphabets);

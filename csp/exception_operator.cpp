@@ -1,6 +1,5 @@
 #include "csp/exception_operator.h"
 
-#include "core/hash_combine.h"
 #include "csp/colours.h"
 #include "csp/shared_stop.h"
 #include "process_compiler/printing.h"
@@ -12,18 +11,13 @@ namespace {
 constexpr unsigned exception_kind = 1;
 constexpr std::uint64_t hash_seed = 0x3d7;
 
-/// The other operator as one of this kind; only asked of such a one.
-ExceptionOperator const& as_exception(Operator const& other) {
-    return static_cast<ExceptionOperator const&>(other);
-}
-
 } // namespace
 
 ExceptionOperator::ExceptionOperator(BitSet const& exception_events)
-    : exception_events_(exception_events) {}
+    : EventSetOperator(exception_events) {}
 
 ExceptionOperator::ExceptionOperator(Session& session, EventSet const& exception_events)
-    : exception_events_(session.event_number_set(exception_events)) {}
+    : EventSetOperator(session, exception_events) {}
 
 ExceptionOperator::~ExceptionOperator() = default;
 
@@ -35,7 +29,7 @@ bool ExceptionOperator::visit_transitions(NamedProcessSource const& source,
         OperatorPointer const op;
         ProcessPointer const& handler;
         TransitionVisitor const& visitor;
-    } const step{exception_events_, self(), arguments[1], visitor};
+    } const step{events_, self(), arguments[1], visitor};
     return arguments[0]->visit_transitions(
         source, [&step](unsigned event, ProcessPointer const& successor) {
             if (event == tick) {
@@ -53,7 +47,7 @@ void ExceptionOperator::visit_high_level_transitions(std::vector<BitSet> const& 
                                                      ProcessArray const& arguments) const {
     ProcessPointer const same(new OperatorProcess(self(), arguments));
     for (unsigned const event : alphabets[0]) {
-        if (exception_events_.member(event)) {
+        if (events_.member(event)) {
             visitor({event}, event, arguments[1], true);
         } else {
             visitor({event}, event, same, false);
@@ -67,24 +61,14 @@ ExceptionOperator::high_level_formats(std::vector<BitSet> const& alphabets) cons
     HighLevelMachine::UnCompiledFormat& before = formats->at(0);
     activate_first_components(before, 1);
     for (unsigned const event : alphabets[0]) {
-        append_rule(before, event, exception_events_.member(event) ? 1 : 0, {std::pair(0, event)});
+        append_rule(before, event, events_.member(event) ? 1 : 0, {std::pair(0, event)});
     }
     make_identity_format(*formats, 1, alphabets[1], 1);
     return formats;
 }
 
 std::uint64_t ExceptionOperator::hash_code() const {
-    return m_hash.get([this] { return hash_combine(hash_seed, exception_events_.folded_words()); });
-}
-
-bool ExceptionOperator::operator==(Operator const& other) const {
-    return other.operator_kind() == exception_kind &&
-           exception_events_ == as_exception(other).exception_events_;
-}
-
-bool ExceptionOperator::operator!=(Operator const& other) const {
-    return other.operator_kind() != exception_kind ||
-           exception_events_ != as_exception(other).exception_events_;
+    return hash_from(hash_seed);
 }
 
 unsigned ExceptionOperator::operator_kind() const {
@@ -120,11 +104,11 @@ bool ExceptionOperator::is_commutative() const {
 }
 
 void ExceptionOperator::pretty_print(Printer& printer) const {
-    print_bracketed_set(printer, "[|", exception_events_, "|>");
+    print_bracketed_set(printer, "[|", events_, "|>");
 }
 
 void ExceptionOperator::pretty_print_description(Printer& printer) const {
-    print_event_set_description(printer, "Exception with event set:", exception_events_);
+    print_event_set_description(printer, "Exception with event set:", events_);
 }
 
 void ExceptionOperator::pretty_print_operator_process(Printer& printer,

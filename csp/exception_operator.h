@@ -1,8 +1,6 @@
 #pragma once
 
-#include "csp/export.h"
-#include "process_compiler/operator_process.h"
-#include "process_compiler/session.h"
+#include "csp/event_set_operator.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -18,7 +16,7 @@ namespace Calder::ProcessCompiler::CSP {
 ///     P [|A|> Q  --tick-->  STOP
 ///
 /// Of formats and high-level transitions, tick is an event like any other.
-class CALDER_CSP_EXPORT ExceptionOperator : public Operator {
+class CALDER_CSP_EXPORT ExceptionOperator : public EventSetOperator {
   public:
     explicit ExceptionOperator(BitSet const& exception_events);
     ExceptionOperator(Session& session, EventSet const& exception_events);
@@ -34,8 +32,6 @@ class CALDER_CSP_EXPORT ExceptionOperator : public Operator {
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
 
     std::uint64_t hash_code() const override;
-    bool operator==(Operator const& other) const override;
-    bool operator!=(Operator const& other) const override;
 
     unsigned operator_kind() const override;
     RecursionType recursion_type() const override;
@@ -52,9 +48,6 @@ class CALDER_CSP_EXPORT ExceptionOperator : public Operator {
                                        OperatorProcess const& process) const override;
     std::pair<unsigned, unsigned> pretty_print_information() const override;
     bool pretty_print_is_same_operator(Operator const& other) const override;
-
-  private:
-    BitSet exception_events_;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

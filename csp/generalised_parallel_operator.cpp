@@ -1,6 +1,5 @@
 #include "csp/generalised_parallel_operator.h"
 
-#include "core/hash_combine.h"
 #include "csp/colours.h"
 #include "csp/operator_helpers.h"
 #include "process_compiler/printing.h"
@@ -12,16 +11,11 @@ namespace {
 constexpr unsigned generalised_parallel_kind = 2;
 constexpr std::uint64_t hash_seed = 0x551;
 
-/// The other operator as one of this kind; only asked of such a one.
-GeneralisedParallelOperator const& as_generalised_parallel(Operator const& other) {
-    return static_cast<GeneralisedParallelOperator const&>(other);
-}
-
 } // namespace
 
 GeneralisedParallelOperator::GeneralisedParallelOperator(BitSet const& synchronised)
-    : synchronised_(synchronised) {
-    synchronised_.insert(tick);
+    : StaticOperator(synchronised) {
+    events_.insert(tick);
 }
 
 GeneralisedParallelOperator::~GeneralisedParallelOperator() = default;
@@ -35,8 +29,7 @@ bool GeneralisedParallelOperator::visit_transitions(NamedProcessSource const& so
     SynchronisedVisit visit(self(), arguments, visitor);
     TransitionVisitor const argument_visitor = [this, &visit](unsigned event,
                                                               ProcessPointer const& successor) {
-        return synchronised_.member(event) ? visit.keep(event, successor)
-                                           : visit.move(event, successor);
+        return events_.member(event) ? visit.keep(event, successor) : visit.move(event, successor);
     };
     for (; visit.moving < arguments.size(); ++visit.moving) {
         if (!arguments[visit.moving]->visit_transitions(source, argument_visitor)) {
@@ -44,8 +37,7 @@ bool GeneralisedParallelOperator::visit_transitions(NamedProcessSource const& so
         }
     }
     sort_sync_vectors(visit.vectors);
-    return cart_product_synchronised_events(synchronised_, visit.vectors, arguments, visitor,
-                                            visit.op);
+    return cart_product_synchronised_events(events_, visit.vectors, arguments, visitor, visit.op);
 }
 
 std::unique_ptr<Formats>
@@ -54,13 +46,13 @@ GeneralisedParallelOperator::high_level_formats(std::vector<BitSet> const& alpha
     auto formats = std::make_unique<Formats>(1);
     HighLevelMachine::UnCompiledFormat& running = formats->at(0);
     activate_first_components(running, count);
-    for (unsigned const event : synchronised_) {
+    for (unsigned const event : events_) {
         append_rule(running, event, 0, HighLevelMachine::every_component(count, event));
     }
     append_rule(running, tick, 0, HighLevelMachine::every_component(count, tick)); // a second time
     for (unsigned index = 0; index < count; ++index) {
         for (unsigned const event : alphabets[index]) {
-            if (!synchronised_.member(event)) {
+            if (!events_.member(event)) {
                 append_rule(running, event, 0, {std::pair(index, event)});
             }
         }
@@ -69,17 +61,7 @@ GeneralisedParallelOperator::high_level_formats(std::vector<BitSet> const& alpha
 }
 
 std::uint64_t GeneralisedParallelOperator::hash_code() const {
-    return m_hash.get([this] { return hash_combine(hash_seed, synchronised_.folded_words()); });
-}
-
-bool GeneralisedParallelOperator::operator==(Operator const& other) const {
-    return other.operator_kind() == generalised_parallel_kind &&
-           synchronised_ == as_generalised_parallel(other).synchronised_;
-}
-
-bool GeneralisedParallelOperator::operator!=(Operator const& other) const {
-    return other.operator_kind() != generalised_parallel_kind ||
-           synchronised_ != as_generalised_parallel(other).synchronised_;
+    return hash_from(hash_seed);
 }
 
 unsigned GeneralisedParallelOperator::operator_kind() const {
@@ -91,11 +73,11 @@ bool GeneralisedParallelOperator::is_commutative() const {
 }
 
 void GeneralisedParallelOperator::pretty_print(Printer& printer) const {
-    print_bracketed_set(printer, "[|", synchronised_, "|]");
+    print_bracketed_set(printer, "[|", events_, "|]");
 }
 
 void GeneralisedParallelOperator::pretty_print_description(Printer& printer) const {
-    print_event_set_description(printer, "Generalised Parallel synchronising:", synchronised_);
+    print_event_set_description(printer, "Generalised Parallel synchronising:", events_);
 }
 
 void GeneralisedParallelOperator::pretty_print_operator_process(

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "csp/event_set_operator.h"
 #include "csp/static_operator.h"
 
 namespace Calder::ProcessCompiler::CSP {
@@ -16,7 +17,7 @@ namespace Calder::ProcessCompiler::CSP {
 ///     P1 [|A|] .. [|A|] Pn  --e-->  P1' [|A|] .. [|A|] Pn'
 ///
 /// The independent transitions come first, argument by argument.
-class CALDER_CSP_EXPORT GeneralisedParallelOperator : public StaticOperator {
+class CALDER_CSP_EXPORT GeneralisedParallelOperator : public StaticOperator<EventSetOperator> {
   public:
     /// Tick is added to the set.
     explicit GeneralisedParallelOperator(BitSet const& synchronised);
@@ -29,8 +30,6 @@ class CALDER_CSP_EXPORT GeneralisedParallelOperator : public StaticOperator {
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
 
     std::uint64_t hash_code() const override;
-    bool operator==(Operator const& other) const override;
-    bool operator!=(Operator const& other) const override;
 
     unsigned operator_kind() const override;
     bool is_commutative() const override;
@@ -41,9 +40,6 @@ class CALDER_CSP_EXPORT GeneralisedParallelOperator : public StaticOperator {
                                        OperatorProcess const& process) const override;
     std::pair<unsigned, unsigned> pretty_print_information() const override;
     bool pretty_print_is_same_operator(Operator const& other) const override;
-
-  private:
-    BitSet synchronised_;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

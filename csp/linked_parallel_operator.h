@@ -1,5 +1,6 @@
 #pragma once
 
+#include "csp/export.h"
 #include "csp/static_operator.h"
 
 namespace Calder::ProcessCompiler::CSP {
@@ -19,7 +20,7 @@ namespace Calder::ProcessCompiler::CSP {
 ///     e on the left of no link             e on the right of no link
 ///
 /// P's own steps come first, then Q's, then the links in their order.
-class CALDER_CSP_EXPORT LinkedParallelOperator : public StaticOperator {
+class CALDER_CSP_EXPORT LinkedParallelOperator : public StaticOperator<Operator> {
   public:
     using Links = FixedArray<std::pair<unsigned, unsigned>>;
 

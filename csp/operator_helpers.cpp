@@ -30,7 +30,7 @@ bool has_lower_event(std::pair<unsigned, ProcessPointer> const& left,
 
 } // namespace
 
-void sort_sync_vectors(SyncVectors& vectors) {
+void sort_sync_vectors(SyncVectors& vectors) noexcept {
     for (SyncVector& vector : vectors) {
         std::sort(vector.begin(), vector.end(),
                   [](auto const& left, auto const& right) { return left.first < right.first; });

@@ -15,7 +15,7 @@ using SyncVectors = FixedArray<SyncVector>;
 using IndexArray = FixedArray<unsigned>;
 
 /// Sorts each vector by ascending event, in place. Entries on the same event come in any order.
-CALDER_CSP_EXPORT void sort_sync_vectors(SyncVectors& vectors);
+CALDER_CSP_EXPORT void sort_sync_vectors(SyncVectors& vectors) noexcept;
 
 /// Offers every combination of one transition an argument: those of argument i on `event` stand in
 /// `vectors[i]` from `start[i]` up to before `end[i]`, at least one. The combinations come like the

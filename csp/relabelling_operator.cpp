@@ -1,14 +1,8 @@
 #include "csp/relabelling_operator.h"
 
-#include "core/hash_combine.h"
 #include "process_compiler/printing.h"
 
 namespace Calder::ProcessCompiler::CSP {
-
-RelabellingOperator::RelabellingOperator(BitSet const& events) : events_(events) {}
-
-RelabellingOperator::RelabellingOperator(Session& session, EventSet const& events)
-    : events_(session.event_number_set(events)) {}
 
 RelabellingOperator::~RelabellingOperator() = default;
 
@@ -35,20 +29,6 @@ RelabellingOperator::high_level_formats(std::vector<BitSet> const& alphabets) co
         append_rule(formats->at(0), event_outside(event), 0, {std::pair(0, event)});
     }
     return formats;
-}
-
-std::uint64_t RelabellingOperator::hash_from(std::uint64_t seed) const {
-    return m_hash.get([this, seed] { return hash_combine(seed, events_.folded_words()); });
-}
-
-bool RelabellingOperator::operator==(Operator const& other) const {
-    return other.operator_kind() == operator_kind() &&
-           events_ == static_cast<RelabellingOperator const&>(other).events_;
-}
-
-bool RelabellingOperator::operator!=(Operator const& other) const {
-    return other.operator_kind() != operator_kind() ||
-           events_ != static_cast<RelabellingOperator const&>(other).events_;
 }
 
 bool RelabellingOperator::is_commutative() const {

@@ -1,17 +1,17 @@
 #pragma once
 
+#include "csp/event_set_operator.h"
 #include "csp/static_operator.h"
-#include "process_compiler/session.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
-/// What hiding and projection share: a set, and one argument that runs unchanged while each of its
-/// events is performed as another one, by the set.
+/// What hiding and projection share: one argument that runs unchanged while each of its events is
+/// performed as another one, by the set.
 ///
 ///             P --e--> P'
 ///     --------------------------- f = event_outside(e)
 ///     P op A  --f-->  P' op A
-class CALDER_CSP_EXPORT RelabellingOperator : public StaticOperator {
+class CALDER_CSP_EXPORT RelabellingOperator : public StaticOperator<EventSetOperator> {
   public:
     ~RelabellingOperator() override;
 
@@ -21,9 +21,6 @@ class CALDER_CSP_EXPORT RelabellingOperator : public StaticOperator {
     std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
 
-    bool operator==(Operator const& other) const override;
-    bool operator!=(Operator const& other) const override;
-
     bool is_commutative() const override;
 
     void pretty_print_operator_process(Printer& printer,
@@ -32,15 +29,10 @@ class CALDER_CSP_EXPORT RelabellingOperator : public StaticOperator {
     bool pretty_print_is_same_operator(Operator const& other) const override;
 
   protected:
-    explicit RelabellingOperator(BitSet const& events);
-    RelabellingOperator(Session& session, EventSet const& events);
+    using StaticOperator::StaticOperator;
 
     /// The event of the whole when the argument performs `event`.
     virtual unsigned event_outside(unsigned event) const = 0;
-
-    std::uint64_t hash_from(std::uint64_t seed) const;
-
-    BitSet events_;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "csp/export.h"
 #include "csp/static_operator.h"
 
 #include <unordered_map>
@@ -16,7 +17,7 @@ namespace Calder::ProcessCompiler::CSP {
 ///
 /// Of transitions, tick is never renamed; of formats, it is an event like any other. Several
 /// targets of one event come in the reverse of the order in which they were given.
-class CALDER_CSP_EXPORT RenameOperator : public StaticOperator {
+class CALDER_CSP_EXPORT RenameOperator : public StaticOperator<Operator> {
   public:
     /// Pairs (event of the argument, event of the whole). Duplicates are kept.
     explicit RenameOperator(FixedArray<std::pair<unsigned, unsigned>> const& pairs);

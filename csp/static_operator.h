@@ -1,26 +1,27 @@
 #pragma once
 
-#include "csp/export.h"
 #include "process_compiler/operator_process.h"
+
+#include <cstdlib>
 
 namespace Calder::ProcessCompiler::CSP {
 
 /// How the operators answer whose arguments all run from the start and go on running: the parallel
-/// ones, hiding, projection and renaming.
-class CALDER_CSP_EXPORT StaticOperator : public Operator {
+/// ones, hiding, projection and renaming. `Base` is Operator or one that is made from it.
+template <typename Base> class StaticOperator : public Base {
   public:
-    ~StaticOperator() override;
-
-    RecursionType recursion_type() const override;
-    bool allows_recursion(unsigned index) const override;
-    ArgumentState process_state(unsigned index) const override;
-    bool discarded_by(unsigned index) const override;
+    RecursionType recursion_type() const override { return RecursionType::keeps_running; }
+    bool allows_recursion(unsigned) const override { return false; }
+    ArgumentState process_state(unsigned) const override { return ArgumentState::on; }
+    bool discarded_by(unsigned) const override { return false; }
     /// Aborts: no argument is ever off.
-    TurnedOnBy turned_on_by(unsigned index) const override;
-    CompilationLevel preferred_compilation_level(bool high_wished) const override;
+    TurnedOnBy turned_on_by(unsigned) const override { std::abort(); }
+    CompilationLevel preferred_compilation_level(bool) const override {
+        return CompilationLevel::high;
+    }
 
   protected:
-    StaticOperator();
+    using Base::Base;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

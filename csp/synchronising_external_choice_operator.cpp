@@ -1,6 +1,5 @@
 #include "csp/synchronising_external_choice_operator.h"
 
-#include "core/hash_combine.h"
 #include "csp/colours.h"
 #include "csp/operator_helpers.h"
 #include "csp/shared_stop.h"
@@ -15,16 +14,11 @@ namespace {
 constexpr unsigned synchronising_choice_kind = 6;
 constexpr std::uint64_t hash_seed = 0x132d;
 
-/// The other operator as one of this kind; only asked of such a one.
-SynchronisingExternalChoiceOperator const& as_synchronising_choice(Operator const& other) {
-    return static_cast<SynchronisingExternalChoiceOperator const&>(other);
-}
-
 } // namespace
 
 SynchronisingExternalChoiceOperator::SynchronisingExternalChoiceOperator(
     BitSet const& synchronised_events)
-    : synchronised_events_(synchronised_events) {}
+    : EventSetOperator(synchronised_events) {}
 
 SynchronisingExternalChoiceOperator::~SynchronisingExternalChoiceOperator() = default;
 
@@ -37,7 +31,7 @@ bool SynchronisingExternalChoiceOperator::visit_transitions(NamedProcessSource c
     SynchronisedVisit visit(self(), arguments, visitor);
     TransitionVisitor const argument_visitor = [this, &visit](unsigned event,
                                                               ProcessPointer const& successor) {
-        if (synchronised_events_.member(event)) {
+        if (events_.member(event)) {
             return visit.keep(event, successor);
         }
         if (event == tick) {
@@ -54,8 +48,7 @@ bool SynchronisingExternalChoiceOperator::visit_transitions(NamedProcessSource c
         }
     }
     sort_sync_vectors(visit.vectors);
-    return cart_product_synchronised_events(synchronised_events_, visit.vectors, arguments, visitor,
-                                            visit.op);
+    return cart_product_synchronised_events(events_, visit.vectors, arguments, visitor, visit.op);
 }
 
 std::unique_ptr<Formats> SynchronisingExternalChoiceOperator::high_level_formats(
@@ -64,12 +57,12 @@ std::unique_ptr<Formats> SynchronisingExternalChoiceOperator::high_level_formats
     auto formats = std::make_unique<Formats>(count + 1);
     HighLevelMachine::UnCompiledFormat& open = formats->at(0);
     activate_first_components(open, count);
-    for (unsigned const event : synchronised_events_) {
+    for (unsigned const event : events_) {
         append_rule(open, event, 0, HighLevelMachine::every_component(count, event));
     }
     for (unsigned index = 0; index < count; ++index) {
         for (unsigned const event : alphabets[index]) {
-            if (!synchronised_events_.member(event)) {
+            if (!events_.member(event)) {
                 append_rule(open, event, event == tau ? 0 : index + 1, {std::pair(index, event)});
             }
         }
@@ -79,18 +72,7 @@ std::unique_ptr<Formats> SynchronisingExternalChoiceOperator::high_level_formats
 }
 
 std::uint64_t SynchronisingExternalChoiceOperator::hash_code() const {
-    return m_hash.get(
-        [this] { return hash_combine(hash_seed, synchronised_events_.folded_words()); });
-}
-
-bool SynchronisingExternalChoiceOperator::operator==(Operator const& other) const {
-    return other.operator_kind() == synchronising_choice_kind &&
-           synchronised_events_ == as_synchronising_choice(other).synchronised_events_;
-}
-
-bool SynchronisingExternalChoiceOperator::operator!=(Operator const& other) const {
-    return other.operator_kind() != synchronising_choice_kind ||
-           synchronised_events_ != as_synchronising_choice(other).synchronised_events_;
+    return hash_from(hash_seed);
 }
 
 unsigned SynchronisingExternalChoiceOperator::operator_kind() const {
@@ -127,12 +109,12 @@ bool SynchronisingExternalChoiceOperator::is_commutative() const {
 }
 
 void SynchronisingExternalChoiceOperator::pretty_print(Printer& printer) const {
-    print_bracketed_set(printer, "[+", synchronised_events_, "+]");
+    print_bracketed_set(printer, "[+", events_, "+]");
 }
 
 void SynchronisingExternalChoiceOperator::pretty_print_description(Printer& printer) const {
-    print_event_set_description(
-        printer, "Synchronising External Choice synchronising on:", synchronised_events_);
+    print_event_set_description(printer,
+                                "Synchronising External Choice synchronising on:", events_);
 }
 
 void SynchronisingExternalChoiceOperator::pretty_print_operator_process(

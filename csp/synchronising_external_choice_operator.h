@@ -1,7 +1,6 @@
 #pragma once
 
-#include "csp/export.h"
-#include "process_compiler/operator_process.h"
+#include "csp/event_set_operator.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -23,7 +22,7 @@ namespace Calder::ProcessCompiler::CSP {
 ///     e not in A, not tau, not tick             tick not in A
 ///
 /// Of formats, tick is an event like any other.
-class CALDER_CSP_EXPORT SynchronisingExternalChoiceOperator : public Operator {
+class CALDER_CSP_EXPORT SynchronisingExternalChoiceOperator : public EventSetOperator {
   public:
     explicit SynchronisingExternalChoiceOperator(BitSet const& synchronised_events);
     ~SynchronisingExternalChoiceOperator() override;
@@ -35,8 +34,6 @@ class CALDER_CSP_EXPORT SynchronisingExternalChoiceOperator : public Operator {
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
 
     std::uint64_t hash_code() const override;
-    bool operator==(Operator const& other) const override;
-    bool operator!=(Operator const& other) const override;
 
     unsigned operator_kind() const override;
     RecursionType recursion_type() const override;
@@ -53,9 +50,6 @@ class CALDER_CSP_EXPORT SynchronisingExternalChoiceOperator : public Operator {
                                        OperatorProcess const& process) const override;
     std::pair<unsigned, unsigned> pretty_print_information() const override;
     bool pretty_print_is_same_operator(Operator const& other) const override;
-
-  private:
-    BitSet synchronised_events_;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

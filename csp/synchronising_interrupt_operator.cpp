@@ -1,6 +1,5 @@
 #include "csp/synchronising_interrupt_operator.h"
 
-#include "core/hash_combine.h"
 #include "csp/colours.h"
 #include "csp/operator_helpers.h"
 #include "csp/shared_stop.h"
@@ -15,15 +14,10 @@ namespace {
 constexpr unsigned synchronising_interrupt_kind = 7;
 constexpr std::uint64_t hash_seed = 0x152b;
 
-/// The other operator as one of this kind; only asked of such a one.
-SynchronisingInterruptOperator const& as_synchronising_interrupt(Operator const& other) {
-    return static_cast<SynchronisingInterruptOperator const&>(other);
-}
-
 } // namespace
 
 SynchronisingInterruptOperator::SynchronisingInterruptOperator(BitSet const& synchronised_events)
-    : synchronised_events_(synchronised_events) {}
+    : EventSetOperator(synchronised_events) {}
 
 SynchronisingInterruptOperator::~SynchronisingInterruptOperator() = default;
 
@@ -33,7 +27,7 @@ bool SynchronisingInterruptOperator::visit_transitions(NamedProcessSource const&
     SynchronisedVisit visit(self(), arguments, visitor);
     TransitionVisitor const argument_visitor = [this, &visit](unsigned event,
                                                               ProcessPointer const& successor) {
-        if (synchronised_events_.member(event)) {
+        if (events_.member(event)) {
             return visit.keep(event, successor);
         }
         if (event == tick) {
@@ -48,8 +42,7 @@ bool SynchronisingInterruptOperator::visit_transitions(NamedProcessSource const&
     visit.moving = 1;
     arguments[1]->visit_transitions(source, argument_visitor); // whatever it answers
     sort_sync_vectors(visit.vectors);
-    return cart_product_synchronised_events(synchronised_events_, visit.vectors, arguments, visitor,
-                                            visit.op);
+    return cart_product_synchronised_events(events_, visit.vectors, arguments, visitor, visit.op);
 }
 
 std::unique_ptr<Formats>
@@ -58,11 +51,11 @@ SynchronisingInterruptOperator::high_level_formats(std::vector<BitSet> const& al
     HighLevelMachine::UnCompiledFormat& both = formats->at(0);
     activate_first_components(both, 2);
     for (unsigned const event : alphabets[0]) {
-        unsigned const other = synchronised_events_.member(event) ? event : no_event;
+        unsigned const other = events_.member(event) ? event : no_event;
         append_rule(both, event, event == tick ? 2 : 0, {std::pair(0, event), std::pair(1, other)});
     }
     for (unsigned const event : alphabets[1]) {
-        if (!synchronised_events_.member(event)) {
+        if (!events_.member(event)) {
             append_rule(both, event, event == tau ? 0 : 1,
                         {std::pair(0, no_event), std::pair(1, event)});
         }
@@ -73,18 +66,7 @@ SynchronisingInterruptOperator::high_level_formats(std::vector<BitSet> const& al
 }
 
 std::uint64_t SynchronisingInterruptOperator::hash_code() const {
-    return m_hash.get(
-        [this] { return hash_combine(hash_seed, synchronised_events_.folded_words()); });
-}
-
-bool SynchronisingInterruptOperator::operator==(Operator const& other) const {
-    return other.operator_kind() == synchronising_interrupt_kind &&
-           synchronised_events_ == as_synchronising_interrupt(other).synchronised_events_;
-}
-
-bool SynchronisingInterruptOperator::operator!=(Operator const& other) const {
-    return other.operator_kind() != synchronising_interrupt_kind ||
-           synchronised_events_ != as_synchronising_interrupt(other).synchronised_events_;
+    return hash_from(hash_seed);
 }
 
 unsigned SynchronisingInterruptOperator::operator_kind() const {
@@ -120,12 +102,11 @@ bool SynchronisingInterruptOperator::is_commutative() const {
 }
 
 void SynchronisingInterruptOperator::pretty_print(Printer& printer) const {
-    print_bracketed_set(printer, "/+", synchronised_events_, "+\\");
+    print_bracketed_set(printer, "/+", events_, "+\\");
 }
 
 void SynchronisingInterruptOperator::pretty_print_description(Printer& printer) const {
-    print_event_set_description(printer,
-                                "Synchronising Interrupt synchronising on:", synchronised_events_);
+    print_event_set_description(printer, "Synchronising Interrupt synchronising on:", events_);
 }
 
 void SynchronisingInterruptOperator::pretty_print_operator_process(

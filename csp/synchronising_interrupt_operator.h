@@ -1,7 +1,6 @@
 #pragma once
 
-#include "csp/export.h"
-#include "process_compiler/operator_process.h"
+#include "csp/event_set_operator.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -29,7 +28,7 @@ namespace Calder::ProcessCompiler::CSP {
 ///
 /// What the visitor answers while Q is asked does not keep the joint transitions from being
 /// offered.
-class CALDER_CSP_EXPORT SynchronisingInterruptOperator : public Operator {
+class CALDER_CSP_EXPORT SynchronisingInterruptOperator : public EventSetOperator {
   public:
     explicit SynchronisingInterruptOperator(BitSet const& synchronised_events);
     ~SynchronisingInterruptOperator() override;
@@ -41,8 +40,6 @@ class CALDER_CSP_EXPORT SynchronisingInterruptOperator : public Operator {
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
 
     std::uint64_t hash_code() const override;
-    bool operator==(Operator const& other) const override;
-    bool operator!=(Operator const& other) const override;
 
     unsigned operator_kind() const override;
     RecursionType recursion_type() const override;
@@ -59,9 +56,6 @@ class CALDER_CSP_EXPORT SynchronisingInterruptOperator : public Operator {
                                        OperatorProcess const& process) const override;
     std::pair<unsigned, unsigned> pretty_print_information() const override;
     bool pretty_print_is_same_operator(Operator const& other) const override;
-
-  private:
-    BitSet synchronised_events_;
 };
 
 } // namespace Calder::ProcessCompiler::CSP
