@@ -1,28 +1,39 @@
 #include "benchmarks/measurement.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <malloc.h>
 #include <new>
 
 namespace {
 
 std::uint64_t allocation_count = 0;
+std::uint64_t live_bytes = 0;
+std::uint64_t most_live_bytes = 0;
+
+void release(void* memory) noexcept {
+    live_bytes -= malloc_usable_size(memory);
+    std::free(memory);
+}
 
 } // namespace
 
 void* operator new(std::size_t size) {
     ++allocation_count;
     if (void* const memory = std::malloc(size == 0 ? 1 : size)) {
+        live_bytes += malloc_usable_size(memory);
+        most_live_bytes = std::max(most_live_bytes, live_bytes);
         return memory;
     }
     throw std::bad_alloc();
 }
 
 void operator delete(void* memory) noexcept {
-    std::free(memory);
+    release(memory);
 }
 
 void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
+    release(memory);
 }
 
 namespace Calder::Benchmarks {
@@ -45,10 +56,14 @@ void measure_exploration(benchmark::State& state, ProcessPointer const& start,
                          NamedProcessSource const& source) {
     std::uint64_t transitions = 0;
     std::uint64_t const before = allocations();
+    std::uint64_t const live_before = live_bytes;
+    most_live_bytes = live_bytes;
     for (auto _ : state) {
         StateSpace::Exploration const exploration = StateSpace::explore(start, source);
         transitions += exploration.lts.transition_count();
         state.counters["states"] = exploration.lts.state_count();
+        state.counters["bytes/state"] = static_cast<double>(most_live_bytes - live_before) /
+                                        static_cast<double>(exploration.lts.state_count());
         state.counters["transitions"] = static_cast<double>(exploration.lts.transition_count());
     }
     report_transitions(state, transitions, allocations() - before);

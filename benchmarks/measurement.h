@@ -17,7 +17,8 @@ void report_transitions(benchmark::State& state, std::uint64_t transitions,
                         std::uint64_t allocated);
 
 /// Explores `start` again and again and counts: states and transitions of one exploration,
-/// transitions a second, and how often memory was asked for a transition.
+/// transitions a second, how often memory was asked for a transition, and the most that was held at
+/// any time for each state, terms and tables and all.
 void measure_exploration(benchmark::State& state, ProcessCompiler::ProcessPointer const& start,
                          ProcessCompiler::NamedProcessSource const& source);
 
