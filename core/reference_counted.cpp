@@ -26,6 +26,7 @@ void AtomicReferenceCounted::dispose() const noexcept {
     mine.running = true;
     delete this;
     while (AtomicReferenceCounted const* const next = mine.waiting) {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the count's word is a link by now
         mine.waiting = reinterpret_cast<AtomicReferenceCounted const*>(
             next->m_count.load(std::memory_order_relaxed));
         delete next;

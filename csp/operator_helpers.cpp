@@ -37,6 +37,7 @@ void sort_sync_vectors(SyncVectors& vectors) noexcept {
     }
 }
 
+// NOLINTBEGIN(performance-unnecessary-value-param): the callback is taken by value by contract
 bool cart_product(ProcessArray const& arguments, SyncVectors const& vectors,
                   IndexArray const& start, IndexArray const& end, ProcessArray& joint_arguments,
                   IndexArray& current, TransitionVisitor callback, unsigned event,
@@ -85,6 +86,8 @@ bool cart_product_synchronised_events(BitSet const& synchronised, SyncVectors co
     }
     return true;
 }
+
+// NOLINTEND(performance-unnecessary-value-param)
 
 bool CartProductScratch::find_run(SyncVectors const& vectors, std::size_t index, unsigned event,
                                   std::size_t left_out) {

@@ -56,11 +56,7 @@ TEST(BitSet, folds_its_words_by_exclusive_or) {
         BitSet set;
         std::uint64_t folded;
     } const rows[] = {
-        {{}, 0},
-        {{2}, 4},
-        {{0, 63}, 0x8000000000000001},
-        {{3, 64 + 3}, 0},
-        {{1, 64 + 2, 640}, 7},
+        {{}, 0}, {{2}, 4}, {{0, 63}, 0x8000000000000001}, {{3, 64 + 3}, 0}, {{1, 64 + 2, 640}, 7},
     };
     for (auto const& row : rows) {
         EXPECT_EQ(row.set.folded_words(), row.folded);
