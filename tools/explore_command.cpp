@@ -18,7 +18,7 @@ namespace Calder::Tools {
 
 namespace {
 
-constexpr std::uint64_t bytes_per_mib = 1024 * 1024;
+constexpr std::uint64_t bytes_per_mib = std::uint64_t{1024} * 1024;
 
 /// Without a limit of the user's, most of what there is: rather a search that says how far it came
 /// than one that the system kills.
