@@ -24,10 +24,12 @@ void LtsBuilder::add(unsigned event, StateNumber target) {
 void LtsBuilder::end_row() {
     m_lts.m_row_ends.push_back(m_lts.m_transitions.size());
     m_row_begin = m_lts.m_transitions.size();
+    m_row_is_wide = false;
 }
 
 void LtsBuilder::drop_row() {
     m_lts.m_transitions.resize(m_row_begin);
+    m_row_is_wide = false;
 }
 
 LabelledTransitionSystem LtsBuilder::finish(StateNumber state_count) {
@@ -55,7 +57,8 @@ bool LtsBuilder::is_in_row(Transition transition) {
     if (width < narrow_row) {
         return std::find(row, all.end(), transition) != all.end();
     }
-    if (width == narrow_row) {
+    if (!m_row_is_wide) {
+        m_row_is_wide = true;
         m_wide_row.clear();
         std::for_each(row, all.end(), [this](Transition each) { m_wide_row.insert(each); });
     }

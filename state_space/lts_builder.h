@@ -15,6 +15,11 @@ class LtsBuilder {
     /// Adds to the row of the next state. Constant time on average, however wide the row.
     void add(unsigned event, StateNumber target);
 
+    /// The same for a transition that the row does not have, as the caller knows.
+    void add_new(unsigned event, StateNumber target) {
+        m_lts.m_transitions.push_back(Transition{event, target});
+    }
+
     /// The row is whole: its state counts as explored, and the next row begins.
     void end_row();
 
@@ -40,7 +45,8 @@ class LtsBuilder {
 
     LabelledTransitionSystem m_lts;
     std::size_t m_row_begin = 0;
-    TransitionSet m_wide_row; // what the row in progress holds, once it is wide
+    bool m_row_is_wide = false;
+    TransitionSet m_wide_row; // what was added to the row in progress, once it is wide
 };
 
 } // namespace Calder::StateSpace

@@ -1,0 +1,208 @@
+#include "state_space/machine/machine.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace Calder::StateSpace {
+
+using HighLevelMachine::ComponentEvent;
+using HighLevelMachine::UnCompiledFormat;
+using HighLevelMachine::UnCompiledRule;
+using ProcessCompiler::Formats;
+using ProcessCompiler::NamedProcessSource;
+using ProcessCompiler::no_event;
+
+namespace {
+
+/// Whether all who take part in the rule can do so: they run in the format and have the event.
+bool can_fire(UnCompiledRule const& rule, UnCompiledFormat const& format,
+              std::vector<BitSet> const& alphabets) {
+    std::vector<unsigned> const& active = format.active_components;
+    return std::all_of(
+        rule.component_events.begin(), rule.component_events.end(),
+        [&](ComponentEvent const& participant) {
+            return participant.event == no_event ||
+                   (alphabets[participant.component].member(participant.event) &&
+                    ((participant.component < active.size() &&
+                      active[participant.component] == participant.component) ||
+                     std::find(active.begin(), active.end(), participant.component) !=
+                         active.end()));
+        });
+}
+
+/// The events of the rules that can fire, in the formats that such rules lead to.
+BitSet alphabet_of(Formats const& formats, std::vector<BitSet> const& alphabets) {
+    BitSet events;
+    std::vector<bool> is_reached(formats.size());
+    std::vector<unsigned> waiting{0};
+    is_reached[0] = true;
+    while (!waiting.empty()) {
+        UnCompiledFormat const& format = formats[waiting.back()];
+        waiting.pop_back();
+        for (UnCompiledRule const& rule : format.rules) {
+            if (can_fire(rule, format, alphabets)) {
+                events.insert(rule.event);
+                if (!is_reached[rule.target_format]) {
+                    is_reached[rule.target_format] = true;
+                    waiting.push_back(rule.target_format);
+                }
+            }
+        }
+    }
+    return events;
+}
+
+/// The argument that runs alone in the format while each of its events, and nothing else, passes
+/// through; `none` if there is no such argument.
+std::uint32_t argument_passed_through(UnCompiledFormat const& format, unsigned index,
+                                      std::vector<BitSet> const& alphabets) {
+    if (format.active_components.size() != 1) {
+        return none;
+    }
+    unsigned const argument = format.active_components.front();
+    BitSet passed;
+    for (UnCompiledRule const& rule : format.rules) {
+        ComponentEvent const through(std::pair(argument, rule.event));
+        if (rule.target_format != index || rule.component_events.size() != 1 ||
+            rule.component_events.front() != through) {
+            return none;
+        }
+        passed.insert(rule.event);
+    }
+    return passed == alphabets[argument] ? argument : none;
+}
+
+class Compiler {
+  public:
+    Compiler(TermGraph graph, NamedProcessSource const& source, CompilationOptions const& options)
+        : m_graph(std::move(graph)), m_source(source), m_options(options),
+          m_part_of(m_graph.vertices.size(), none) {}
+
+    Compilation run() {
+        auto machine = std::make_unique<Machine>();
+        m_machine = machine.get();
+        choose_parts();
+        if (!explore_components()) {
+            return std::move(m_failure);
+        }
+        describe_constructs();
+        m_machine->refused = std::move(m_graph.refused);
+        return {std::move(machine), {}, Outcome::complete};
+    }
+
+  private:
+    /// A name of a construct is the construct; a name of anything else is explored under its name.
+    VertexNumber without_names(VertexNumber vertex) const {
+        while (m_graph.vertices[vertex].is_name && m_graph.vertices[vertex].is_construct) {
+            vertex = m_graph.vertices[vertex].next.front();
+        }
+        return vertex;
+    }
+
+    PartNumber part_of(VertexNumber named) {
+        VertexNumber const vertex = without_names(named);
+        if (m_part_of[vertex] == none) {
+            m_part_of[vertex] = static_cast<PartNumber>(m_machine->parts.size());
+            m_machine->parts.push_back(Part{m_graph.vertices[vertex].term});
+            m_vertex_of.push_back(vertex);
+        }
+        return m_part_of[vertex];
+    }
+
+    /// From the start, no further than to what is explored as it stands.
+    void choose_parts() {
+        m_machine->start = part_of(0);
+        for (PartNumber number = 0; number < m_machine->parts.size(); ++number) {
+            TermGraph::Vertex const& vertex = m_graph.vertices[m_vertex_of[number]];
+            if (!vertex.is_construct) {
+                continue;
+            }
+            std::vector<PartNumber> arguments;
+            arguments.reserve(vertex.next.size());
+            for (VertexNumber const next : vertex.next) {
+                arguments.push_back(part_of(next));
+            }
+            m_machine->parts[number].arguments = std::move(arguments);
+        }
+    }
+
+    bool explore_components() {
+        ExplorationOptions bounds;
+        bounds.max_states = m_options.max_component_states;
+        bounds.max_memory = m_options.max_memory;
+        bounds.progress = m_options.progress;
+        for (PartNumber number = 0; number < m_machine->parts.size(); ++number) {
+            Part& part = m_machine->parts[number];
+            if (m_graph.vertices[m_vertex_of[number]].is_construct) {
+                continue;
+            }
+            Exploration const exploration = explore(part.term, m_source, bounds);
+            if (exploration.outcome == Outcome::state_limit) {
+                m_failure.refusal = fmt::format("one of its components has more than {} states",
+                                                m_options.max_component_states);
+            }
+            if (exploration.outcome != Outcome::complete) {
+                m_failure.outcome = exploration.outcome;
+                return false;
+            }
+            part.component = static_cast<std::uint32_t>(m_machine->components.size());
+            m_machine->components.push_back(
+                std::make_unique<Component>(part.term, exploration.lts));
+            part.alphabet = m_machine->components.back()->alphabet();
+        }
+        return true;
+    }
+
+    /// What a construct leads to comes before it, but on cycles: there the alphabets grow from
+    /// nothing until they grow no more.
+    void describe_constructs() {
+        for (std::vector<VertexNumber> const& members : m_graph.components) {
+            for (bool changed = true; changed;) {
+                changed = false;
+                for (VertexNumber const member : members) {
+                    if (m_part_of[member] != none && m_graph.vertices[member].is_construct &&
+                        describe(m_machine->parts[m_part_of[member]])) {
+                        changed = members.size() > 1;
+                    }
+                }
+            }
+        }
+    }
+
+    /// Formats and alphabet by the present alphabets of the arguments; whether the alphabet changed.
+    bool describe(Part& part) {
+        std::vector<BitSet> alphabets;
+        alphabets.reserve(part.arguments.size());
+        for (PartNumber const argument : part.arguments) {
+            alphabets.push_back(m_machine->parts[argument].alphabet);
+        }
+        part.formats = std::move(*part.term->high_level_formats(alphabets));
+        part.passed_through.clear();
+        for (unsigned index = 0; index < part.formats.size(); ++index) {
+            part.passed_through.push_back(
+                argument_passed_through(part.formats[index], index, alphabets));
+        }
+        BitSet events = alphabet_of(part.formats, alphabets);
+        bool const changed = events != part.alphabet;
+        part.alphabet = std::move(events);
+        return changed;
+    }
+
+    TermGraph m_graph;
+    NamedProcessSource const& m_source;
+    CompilationOptions const& m_options;
+    std::vector<PartNumber> m_part_of; // by vertex
+    std::vector<VertexNumber> m_vertex_of; // by part
+    Machine* m_machine = nullptr;
+    Compilation m_failure;
+};
+
+} // namespace
+
+Compilation compile(TermGraph graph, NamedProcessSource const& source,
+                    CompilationOptions const& options) {
+    return Compiler(std::move(graph), source, options).run();
+}
+
+} // namespace Calder::StateSpace

@@ -1,0 +1,94 @@
+#include "state_space/machine/machine_exploration.h"
+
+#include <algorithm>
+
+namespace Calder::StateSpace {
+
+using ProcessCompiler::NamedProcessSource;
+using ProcessCompiler::ProcessPointer;
+
+namespace {
+
+Run run_of(Exploration exploration) {
+    Run run;
+    run.state_count = exploration.lts.state_count();
+    run.transition_count = exploration.lts.transition_count();
+    run.outcome = exploration.outcome;
+    run.lts = std::move(exploration.lts);
+    return run;
+}
+
+Run refused(std::string reason) {
+    Run run;
+    run.refusal = std::move(reason);
+    return run;
+}
+
+/// Of a compilation that ended early. What the user ended has ended; what met a limit may go better
+/// another way.
+Run failed(Compilation const& compilation) {
+    if (compilation.outcome == Outcome::interrupted) {
+        Run run;
+        run.outcome = Outcome::interrupted;
+        return run;
+    }
+    return refused(compilation.refusal.empty()
+                       ? "while it was compiled, " + std::string(describe(compilation.outcome))
+                       : compilation.refusal);
+}
+
+} // namespace
+
+MachineExploration explore_by_machine(ProcessPointer const& start,
+                                      NamedProcessSource const& source,
+                                      RunOptions const& options) {
+    MachineExploration result;
+    TermGraph graph = make_term_graph(start, source);
+    if (!graph.vertices.front().is_construct) {
+        result.run = run_of(explore(start, source, options));
+        return result;
+    }
+    CompilationOptions compilation_options;
+    compilation_options.max_memory = options.max_memory;
+    compilation_options.progress = options.progress;
+    Compilation compilation = compile(std::move(graph), source, compilation_options);
+    if (!compilation.machine) {
+        result.run = failed(compilation);
+        return result;
+    }
+    result.machine = std::move(compilation.machine);
+    try {
+        result.states = std::make_unique<MachineStates>(*result.machine);
+        result.run = run(*result.states, options);
+    } catch (MachineRefusal const& refusal) {
+        result.run = refused(refusal.what());
+    }
+    if (!result.run.refusal.empty()) {
+        result.states.reset();
+        result.machine.reset();
+    }
+    return result;
+}
+
+std::optional<std::vector<std::uint32_t>> slots_taking_part(MachineExploration const& exploration,
+                                                            StateNumber source, unsigned event,
+                                                            StateNumber target) {
+    VisitedStates const& states = *exploration.run.states;
+    Word const* const words = states.words(source);
+    std::vector<Word> const wanted(states.words(target), states.words(target) + states.width());
+    ConfigurationNumber const configuration = exploration.states->configuration_of(words);
+    auto const rule =
+        exploration.states->table(configuration).rule_between(words, event, wanted);
+    if (!rule) {
+        return std::nullopt;
+    }
+    FlatRules const& flat = exploration.states->rules(configuration);
+    std::vector<std::uint32_t> slots;
+    for (Participant const& participant : flat.participants_of(flat.rules[*rule])) {
+        slots.push_back(participant.slot);
+    }
+    std::sort(slots.begin(), slots.end());
+    return slots;
+}
+
+} // namespace Calder::StateSpace

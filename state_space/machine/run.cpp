@@ -1,0 +1,236 @@
+#include "state_space/machine/run.h"
+
+#include "state_space/lts_builder.h"
+#include "state_space/machine/successor_search.h"
+#include "state_space/memory.h"
+
+#include <algorithm>
+#include <chrono>
+#include <new>
+
+namespace Calder::StateSpace {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// Between two looks at memory and progress; a look costs some microseconds.
+constexpr std::chrono::milliseconds between_looks(5);
+
+/// How many steps ahead memory is asked for: first the bucket, then the state that it names.
+constexpr std::size_t bucket_distance = 32;
+constexpr std::size_t state_distance = 16;
+
+/// Steps wanted of one job: alone, what stays in the fastest cache; among several threads, what
+/// makes handing it over cheap.
+constexpr std::uint64_t steps_alone = 1024;
+constexpr std::uint64_t steps_among_several = 4096;
+constexpr std::uint64_t most_sources = 1024;
+
+class Runner {
+  public:
+    Runner(MachineStates& machine, RunOptions const& options)
+        : m_machine(machine), m_options(options),
+          m_states(std::make_unique<VisitedStates>(machine.width())), m_search(options.threads) {}
+
+    Run run() {
+        Run result;
+        try {
+            explore_all();
+        } catch (std::bad_alloc const&) {
+            m_outcome = Outcome::memory_limit;
+        } catch (MachineRefusal const& refusal) {
+            result.refusal = refusal.what();
+        }
+        m_search.stop();
+        result.state_count = m_states->size();
+        result.transition_count = m_transitions;
+        result.outcome = m_outcome;
+        if (m_options.keep_transitions) {
+            result.lts = m_builder.finish(m_states->size());
+        }
+        result.states = std::move(m_states);
+        return result;
+    }
+
+  private:
+    void explore_all();
+    bool add_start();
+    void hand_out_work();
+    void fill(SearchJob& job);
+    bool take(SearchJob& job);
+    bool take_row(SearchJob const& job, std::size_t first, std::size_t last);
+    void end_row(std::uint64_t never_repeated);
+    void prefetch(SearchJob const& job, std::size_t step) const;
+    std::uint64_t sources_wanted() const;
+    bool look_around();
+
+    bool stop(Outcome outcome) {
+        m_outcome = outcome;
+        return false;
+    }
+
+    MachineStates& m_machine;
+    RunOptions const& m_options;
+    std::unique_ptr<VisitedStates> m_states;
+    LtsBuilder m_builder; // when transitions are not kept, only of steps that may be repeated
+    SuccessorSearch m_search;
+    StateNumber m_handed_out = 0; // states whose successors are being looked for, or known
+    StateNumber m_explored = 0;
+    std::uint64_t m_transitions = 0;
+    StateNumber m_depth = 0;
+    StateNumber m_level_end = 1;
+    Clock::time_point m_last_look = Clock::now();
+    Outcome m_outcome = Outcome::complete;
+};
+
+void Runner::explore_all() {
+    if (!add_start()) {
+        return;
+    }
+    for (;;) {
+        hand_out_work();
+        if (m_search.is_idle()) {
+            return;
+        }
+        bool const goes_on = take(m_search.oldest());
+        m_search.release_oldest();
+        if (!goes_on) {
+            return;
+        }
+    }
+}
+
+bool Runner::add_start() {
+    std::vector<Word> const words = m_machine.start();
+    m_states->make_room(1);
+    std::uint64_t const hash = VisitedStates::hash(words.data(), m_states->width());
+    return m_states->find_or_add(words.data(), hash, m_options.max_states) != no_state ||
+           stop(Outcome::state_limit);
+}
+
+void Runner::hand_out_work() {
+    while (m_search.has_room() && m_handed_out < m_states->size()) {
+        fill(m_search.free_job());
+        m_search.submit();
+    }
+}
+
+/// A table that is made on the way may need wider states: the job ends before such a state.
+void Runner::fill(SearchJob& job) {
+    std::uint64_t const wanted = sources_wanted();
+    job.clear(m_handed_out, m_states->width());
+    while (m_handed_out < m_states->size() && job.source_count() < wanted) {
+        SuccessorTable const& table =
+            m_machine.table(m_machine.configuration_of(m_states->words(m_handed_out)));
+        if (m_machine.width() > m_states->width()) {
+            m_states->widen(m_machine.width());
+            if (job.source_count() > 0) {
+                return;
+            }
+            job.clear(m_handed_out, m_states->width());
+        }
+        job.add_source(m_states->words(m_handed_out), table);
+        ++m_handed_out;
+    }
+}
+
+/// By how many successors the states had so far.
+std::uint64_t Runner::sources_wanted() const {
+    std::uint64_t const steps = m_options.threads > 1 ? steps_among_several : steps_alone;
+    return std::clamp<std::uint64_t>(steps * (m_explored + 1) / (m_transitions + 1), 1,
+                                     most_sources);
+}
+
+bool Runner::take(SearchJob& job) {
+    if (job.steps().width() < m_states->width()) {
+        job.widen(m_states->width());
+    }
+    m_states->make_room(job.steps().size());
+    for (std::size_t step = 0; step < std::min(bucket_distance, job.steps().size()); ++step) {
+        m_states->prefetch_bucket(job.hash(step));
+    }
+    std::size_t first = 0;
+    for (std::size_t source = 0; source < job.source_count(); ++source) {
+        if (!take_row(job, first, job.row_end(source))) {
+            return stop(Outcome::state_limit);
+        }
+        first = job.row_end(source);
+    }
+    return look_around();
+}
+
+/// The row of the state that is being explored; false when it has a state too many.
+bool Runner::take_row(SearchJob const& job, std::size_t first, std::size_t last) {
+    Steps const& steps = job.steps();
+    std::uint64_t never_repeated = 0;
+    for (std::size_t step = first; step < last; ++step) {
+        prefetch(job, step);
+        StateNumber const target =
+            m_states->find_or_add(steps.words(step), job.hash(step), m_options.max_states);
+        if (target == no_state) {
+            return false;
+        }
+        if (steps.can_repeat(step)) {
+            m_builder.add(steps.event(step), target);
+        } else if (m_options.keep_transitions) {
+            m_builder.add_new(steps.event(step), target);
+        } else {
+            ++never_repeated;
+        }
+    }
+    end_row(never_repeated);
+    return true;
+}
+
+void Runner::end_row(std::uint64_t never_repeated) {
+    if (m_options.keep_transitions) {
+        m_builder.end_row();
+        m_transitions = m_builder.transition_count();
+    } else {
+        m_transitions += never_repeated + m_builder.transition_count();
+        m_builder.drop_row();
+    }
+    if (++m_explored == m_level_end) {
+        ++m_depth;
+        m_level_end = m_states->size();
+    }
+}
+
+void Runner::prefetch(SearchJob const& job, std::size_t step) const {
+    if (step + bucket_distance < job.steps().size()) {
+        m_states->prefetch_bucket(job.hash(step + bucket_distance));
+    }
+    if (step + state_distance < job.steps().size()) {
+        m_states->prefetch_state(job.hash(step + state_distance));
+    }
+}
+
+bool Runner::look_around() {
+    Clock::time_point const now = Clock::now();
+    if (now - m_last_look < between_looks) {
+        return true;
+    }
+    m_last_look = now;
+    std::uint64_t const resident = resident_bytes();
+    // Until the next look, about as many steps as an earlier period of that length had at most.
+    constexpr std::uint64_t steps_ahead = 1 << 18;
+    if (m_options.max_memory != 0 &&
+        resident + m_states->growth_bytes(steps_ahead) + m_builder.growth_bytes(steps_ahead) >
+            m_options.max_memory) {
+        return stop(Outcome::memory_limit);
+    }
+    StateNumber const states = m_states->size();
+    return !m_options.progress ||
+           m_options.progress(Progress{states, m_transitions, m_explored, states - m_explored,
+                                       m_depth, resident}) ||
+           stop(Outcome::interrupted);
+}
+
+} // namespace
+
+Run run(MachineStates& machine, RunOptions const& options) {
+    return Runner(machine, options).run();
+}
+
+} // namespace Calder::StateSpace
