@@ -36,11 +36,17 @@ Stack this_stack() {
             counted_on_without_bounds};
 }
 
+std::uintptr_t lowest_wanted() {
+    Stack const stack = this_stack();
+    return stack.end - stack.size + std::max(stack.size / 2, least_kept);
+}
+
 } // namespace
 
+// The bounds of a thread's stack do not change, and the system takes 100 microseconds to tell them.
 StackGuard::StackGuard() {
-    Stack const stack = this_stack();
-    m_lowest_wanted = stack.end - stack.size + std::max(stack.size / 2, least_kept);
+    thread_local std::uintptr_t const lowest = lowest_wanted();
+    m_lowest_wanted = lowest;
 }
 
 } // namespace Calder::StateSpace

@@ -19,16 +19,15 @@ namespace {
 bool can_fire(UnCompiledRule const& rule, UnCompiledFormat const& format,
               std::vector<BitSet> const& alphabets) {
     std::vector<unsigned> const& active = format.active_components;
-    return std::all_of(
-        rule.component_events.begin(), rule.component_events.end(),
-        [&](ComponentEvent const& participant) {
-            return participant.event == no_event ||
-                   (alphabets[participant.component].member(participant.event) &&
-                    ((participant.component < active.size() &&
-                      active[participant.component] == participant.component) ||
-                     std::find(active.begin(), active.end(), participant.component) !=
-                         active.end()));
-        });
+    return std::all_of(rule.component_events.begin(), rule.component_events.end(),
+                       [&](ComponentEvent const& participant) {
+                           return participant.event == no_event ||
+                                  (alphabets[participant.component].member(participant.event) &&
+                                   ((participant.component < active.size() &&
+                                     active[participant.component] == participant.component) ||
+                                    std::find(active.begin(), active.end(),
+                                              participant.component) != active.end()));
+                       });
 }
 
 /// The events of the rules that can fire, in the formats that such rules lead to.
@@ -192,7 +191,7 @@ class Compiler {
     TermGraph m_graph;
     NamedProcessSource const& m_source;
     CompilationOptions const& m_options;
-    std::vector<PartNumber> m_part_of; // by vertex
+    std::vector<PartNumber> m_part_of;     // by vertex
     std::vector<VertexNumber> m_vertex_of; // by part
     Machine* m_machine = nullptr;
     Compilation m_failure;

@@ -21,9 +21,9 @@ BitSet Component::alphabet() const {
 }
 
 std::uint32_t Component::index_of(unsigned event) const {
-    auto const found = std::lower_bound(
-        m_events.begin(), m_events.end(), event,
-        [](Event const& known, unsigned wanted) { return known.event < wanted; });
+    auto const found =
+        std::lower_bound(m_events.begin(), m_events.end(), event,
+                         [](Event const& known, unsigned wanted) { return known.event < wanted; });
     return static_cast<std::uint32_t>(found - m_events.begin());
 }
 

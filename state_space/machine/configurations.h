@@ -69,7 +69,9 @@ class Configurations {
     /// In which the machine starts, every component in its state 0.
     ConfigurationNumber start() { return start_of(m_machine.start); }
 
-    std::uint32_t slot_count(ConfigurationNumber number) const { return m_nodes[number].slot_count; }
+    std::uint32_t slot_count(ConfigurationNumber number) const {
+        return m_nodes[number].slot_count;
+    }
     /// The numbers of the components, by slot.
     std::vector<std::uint32_t> components(ConfigurationNumber number) const;
 

@@ -1,5 +1,7 @@
 #include "state_space/machine/machine_exploration.h"
 
+#include "state_space/memory.h"
+
 #include <algorithm>
 
 namespace Calder::StateSpace {
@@ -37,10 +39,22 @@ Run failed(Compilation const& compilation) {
                        : compilation.refusal);
 }
 
+/// A quarter of the memory is for the components: one without end is to leave enough to do without
+/// the machine.
+CompilationOptions bounds_of_compilation(RunOptions const& options) {
+    CompilationOptions bounds;
+    bounds.progress = options.progress;
+    if (std::uint64_t const held = resident_bytes(); options.max_memory > held) {
+        bounds.max_memory = held + (options.max_memory - held) / 4;
+    } else {
+        bounds.max_memory = options.max_memory;
+    }
+    return bounds;
+}
+
 } // namespace
 
-MachineExploration explore_by_machine(ProcessPointer const& start,
-                                      NamedProcessSource const& source,
+MachineExploration explore_by_machine(ProcessPointer const& start, NamedProcessSource const& source,
                                       RunOptions const& options) {
     MachineExploration result;
     TermGraph graph = make_term_graph(start, source);
@@ -48,10 +62,7 @@ MachineExploration explore_by_machine(ProcessPointer const& start,
         result.run = run_of(explore(start, source, options));
         return result;
     }
-    CompilationOptions compilation_options;
-    compilation_options.max_memory = options.max_memory;
-    compilation_options.progress = options.progress;
-    Compilation compilation = compile(std::move(graph), source, compilation_options);
+    Compilation compilation = compile(std::move(graph), source, bounds_of_compilation(options));
     if (!compilation.machine) {
         result.run = failed(compilation);
         return result;
@@ -77,8 +88,7 @@ std::optional<std::vector<std::uint32_t>> slots_taking_part(MachineExploration c
     Word const* const words = states.words(source);
     std::vector<Word> const wanted(states.words(target), states.words(target) + states.width());
     ConfigurationNumber const configuration = exploration.states->configuration_of(words);
-    auto const rule =
-        exploration.states->table(configuration).rule_between(words, event, wanted);
+    auto const rule = exploration.states->table(configuration).rule_between(words, event, wanted);
     if (!rule) {
         return std::nullopt;
     }

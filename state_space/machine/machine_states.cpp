@@ -53,8 +53,8 @@ Layout const& MachineStates::layout(ConfigurationNumber number) {
         for (std::uint32_t const component : m_configurations.components(number)) {
             components.push_back(m_machine.components[component].get());
         }
-        m_layouts[number] = std::make_unique<Layout const>(
-            components, m_is_static ? 0 : configuration_bits);
+        m_layouts[number] =
+            std::make_unique<Layout const>(components, m_is_static ? 0 : configuration_bits);
         m_width = std::max(m_width, m_layouts[number]->word_count());
     }
     return *m_layouts[number];

@@ -94,9 +94,8 @@ void RuleFlattening::add_participants() {
 }
 
 bool RuleFlattening::every_taker_stays() const {
-    return std::all_of(m_takers.begin(), m_takers.end(), [](Taker const& taker) {
-        return taker.options[taker.chosen].stays();
-    });
+    return std::all_of(m_takers.begin(), m_takers.end(),
+                       [](Taker const& taker) { return taker.options[taker.chosen].stays(); });
 }
 
 /// The configuration that the rule leads to, and where the states of its slots come from: from the

@@ -63,10 +63,10 @@ void SuccessorTable::add_rule(FlatRules const& flat, std::size_t number, Target 
         Layout::Slot const& slot = m_layout.slots()[participant.slot];
         std::uint32_t const index = slot.component->index_of(participant.event);
         StateNumber const* const only = slot.component->events()[index].only_successor;
-        is_simple = is_simple && only != nullptr &&
-                    slot.component->state_count() <= most_filtering_states;
-        m_takers.push_back({slot.word, slot.shift, slot.mask, only, slot.component, index,
-                            participant.slot});
+        is_simple =
+            is_simple && only != nullptr && slot.component->state_count() <= most_filtering_states;
+        m_takers.push_back(
+            {slot.word, slot.shift, slot.mask, only, slot.component, index, participant.slot});
     }
     m_rules.push_back({rule.event, first, static_cast<std::uint32_t>(m_takers.size()),
                        rule.first_source, is_simple, target});
@@ -227,8 +227,8 @@ std::size_t SuccessorTable::count_choices(Rule const& rule, Word const* state) c
 /// that the taker has: asked from the last taker to the first, the last one's change fastest.
 StateNumber SuccessorTable::choice_of(Taker const& taker, Word const* state,
                                       std::size_t& rest) const {
-    auto const successors = taker.component->successors(
-        static_cast<StateNumber>(taker.read(state)), taker.event_index);
+    auto const successors =
+        taker.component->successors(static_cast<StateNumber>(taker.read(state)), taker.event_index);
     StateNumber const chosen = successors[rest % successors.size()];
     rest /= successors.size();
     return chosen;

@@ -72,7 +72,7 @@ class SuccessorTable {
         std::uint32_t first_taker;
         std::uint32_t last_taker;
         std::uint32_t first_source; // `none` when it stays
-        bool is_simple; // stays, and every taker filters and has an only successor
+        bool is_simple;             // stays, and every taker filters and has an only successor
         Target target;
     };
 
@@ -103,7 +103,7 @@ class SuccessorTable {
 
     Layout const& m_layout;
     std::vector<Rule> m_rules;
-    std::vector<Taker> m_takers;         // rule after rule
+    std::vector<Taker> m_takers;          // rule after rule
     std::vector<std::uint32_t> m_sources; // of the rules that move
     std::vector<Block> m_blocks;
     std::vector<Filter> m_filters; // block after block

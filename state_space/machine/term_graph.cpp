@@ -151,9 +151,8 @@ class LevelDecision {
 
     bool wants_to_be_construct(Vertex const& vertex) const {
         bool const inside =
-            std::any_of(vertex.next.begin(), vertex.next.end(), [this](VertexNumber next) {
-                return m_graph.vertices[next].is_construct;
-            });
+            std::any_of(vertex.next.begin(), vertex.next.end(),
+                        [this](VertexNumber next) { return m_graph.vertices[next].is_construct; });
         if (vertex.is_name || vertex.next.empty()) {
             return inside; // a term without arguments has nothing to compile
         }

@@ -1,6 +1,5 @@
 #include "state_space/machine/visited_states.h"
 
-
 #include <algorithm>
 
 namespace Calder::StateSpace {

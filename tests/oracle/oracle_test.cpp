@@ -1,9 +1,10 @@
+#include "tests/oracle/environment.h"
 #include "tests/oracle/library_term.h"
+#include "tests/oracle/shrinking.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <deque>
 #include <iostream>
 #include <optional>
@@ -88,37 +89,15 @@ std::optional<std::string> difference_in(Model const& model) try {
     return std::nullopt; // none in the states before
 }
 
-/// The smallest model with a difference that greedy steps from `model` lead to.
-Model shrunk(Model model) {
-    for (bool smaller_found = true; smaller_found;) {
-        smaller_found = false;
-        for (Model const& candidate : smaller_models(model)) {
-            if (text_of(candidate).size() < text_of(model).size() && difference_in(candidate)) {
-                model = candidate;
-                smaller_found = true;
-                break;
-            }
-        }
-    }
-    return model;
-}
-
-/// A number from the environment, so that a run can be widened or replayed.
-std::uint64_t from_environment(char const* name, std::uint64_t otherwise) {
-    char const* const text = std::getenv(name);
-    return text == nullptr ? otherwise : std::strtoull(text, nullptr, 10);
-}
-
-/// CALDER_SEED replays: the model that failed is the first one of that seed. CALDER_MODELS says how
-/// many models are tried.
+/// CALDER_SEED replays, CALDER_MODELS says how many; see environment.h.
 TEST(Oracle, the_library_follows_the_firing_rules) {
-    std::uint64_t const first = from_environment("CALDER_SEED", 1);
-    std::uint64_t const models = from_environment("CALDER_MODELS", 10'000);
-    std::cout << "seeds " << first << " to " << first + models - 1 << '\n';
-    for (std::uint64_t seed = first; seed < first + models; ++seed) {
+    SeedRange const seeds = seeds_from_environment(10'000);
+    std::cout << seeds.text() << '\n';
+    for (std::uint64_t seed = seeds.first; seed < seeds.end; ++seed) {
         Model const model = random_model(seed, 2 + static_cast<unsigned>(seed % 12));
         if (difference_in(model)) {
-            Model const least = shrunk(model);
+            Model const least = shrunk(
+                model, [](Model const& candidate) { return difference_in(candidate).has_value(); });
             FAIL() << "CALDER_SEED=" << seed << ", shrunk to\n    " << text_of(least) << '\n'
                    << *difference_in(least);
         }

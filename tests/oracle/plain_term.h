@@ -83,8 +83,8 @@ struct TooManyMoves {};
 std::vector<Move> moves_of(Term const& term, Definitions const& definitions);
 
 /// A random model of about `size` constructs, with some recursion, all of it guarded by visible
-/// events; the same for the same seed.
-Model random_model(std::uint64_t seed, unsigned size);
+/// events; the same for the same seed. With `tick_in_sets`, tick may also be an event of a set.
+Model random_model(std::uint64_t seed, unsigned size, bool tick_in_sets = true);
 
 struct RandomTermOptions {
     /// Recursion goes through the names N0, N1, … of this number, always behind a prefix.

@@ -122,10 +122,10 @@ class TermMaker {
 
 } // namespace
 
-Model random_model(std::uint64_t seed, unsigned size) {
+Model random_model(std::uint64_t seed, unsigned size, bool tick_in_sets) {
     std::mt19937_64 random(seed);
     constexpr unsigned names = 2;
-    TermMaker maker(random, {names, true, false});
+    TermMaker maker(random, {names, tick_in_sets, false});
     Model model{maker.term(size), {}};
     for (unsigned name = 0; name < names; ++name) {
         model.definitions["N" + std::to_string(name)] = maker.prefix(maker.term(size / 2));
