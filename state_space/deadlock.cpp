@@ -18,13 +18,17 @@ struct FirstStep {
     StateNumber source = no_state;
 };
 
-std::vector<unsigned> trace_to(StateNumber state, std::vector<FirstStep> const& first_steps) {
-    std::vector<unsigned> trace;
+/// The shortest way to `state`, and then one more step to a deadlock.
+Deadlock deadlock_behind(StateNumber state, unsigned event, StateNumber target,
+                         std::vector<FirstStep> const& first_steps) {
+    Deadlock found{target, {event}, {state}};
     for (; first_steps[state].source != no_state; state = first_steps[state].source) {
-        trace.push_back(first_steps[state].event);
+        found.trace.push_back(first_steps[state].event);
+        found.sources.push_back(first_steps[state].source);
     }
-    std::reverse(trace.begin(), trace.end());
-    return trace;
+    std::reverse(found.trace.begin(), found.trace.end());
+    std::reverse(found.sources.begin(), found.sources.end());
+    return found;
 }
 
 } // namespace
@@ -42,9 +46,7 @@ std::optional<Deadlock> find_deadlock(LabelledTransitionSystem const& lts) {
     for (StateNumber source = 0; source < lts.explored_count(); ++source) {
         for (auto const [event, target] : lts.transitions(source)) {
             if (event != ProcessCompiler::tick && is_stuck(lts, target)) {
-                std::vector<unsigned> trace = trace_to(source, first_steps);
-                trace.push_back(event);
-                return Deadlock{target, std::move(trace)};
+                return deadlock_behind(source, event, target, first_steps);
             }
             if (target > source && first_steps[target].source == no_state) {
                 first_steps[target] = FirstStep{event, source};

@@ -12,6 +12,8 @@ struct Deadlock {
     /// The events that lead from the start to it, tau included: as few as possible for any
     /// deadlock, and the last one is not tick.
     std::vector<unsigned> trace{};
+    /// The states on the way: where each event of the trace begins.
+    std::vector<StateNumber> sources{};
 };
 
 /// The deadlock with the shortest trace; of several the one found first in the order of the rows.

@@ -1,17 +1,20 @@
 #include "tools/explore_command.h"
 
-#include "state_space/available_memory.h"
 #include "state_space/deadlock.h"
-#include "state_space/exploration.h"
+#include "state_space/machine/machine_exploration.h"
 #include "state_space/memory.h"
 #include "tools/command_error.h"
+#include "tools/component_names.h"
 #include "tools/interruption.h"
+#include "tools/machine_text.h"
 #include "tools/progress_line.h"
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <thread>
 #include <unistd.h>
 
 namespace Calder::Tools {
@@ -20,28 +23,53 @@ namespace {
 
 constexpr std::uint64_t bytes_per_mib = std::uint64_t{1024} * 1024;
 
-/// Without a limit of the user's, most of what there is: rather a search that says how far it came
-/// than one that the system kills.
 std::uint64_t memory_limit(ExploreOptions const& options) {
-    if (options.max_memory_mib) {
-        return *options.max_memory_mib * bytes_per_mib;
-    }
-    return StateSpace::resident_bytes() + StateSpace::available_bytes() / 10 * 9;
+    return options.max_memory_mib ? *options.max_memory_mib * bytes_per_mib
+                                  : default_memory_limit();
 }
 
-StateSpace::Exploration explore(Script::Script const& script,
-                                Script::Script::Definition const& definition,
-                                ExploreOptions const& options) {
+unsigned thread_count(ExploreOptions const& options) {
+    return options.threads.value_or(std::max(std::thread::hardware_concurrency(), 1U));
+}
+
+StateSpace::Run run_of(StateSpace::Exploration exploration) {
+    StateSpace::Run run;
+    run.state_count = exploration.lts.state_count();
+    run.transition_count = exploration.lts.transition_count();
+    run.outcome = exploration.outcome;
+    run.lts = std::move(exploration.lts);
+    return run;
+}
+
+/// By the machine, if it is wanted and there is one; otherwise by terms.
+StateSpace::MachineExploration explore(Script::Script const& script,
+                                       Script::Script::Definition const& definition,
+                                       ExploreOptions const& options) {
     InterruptionWatch const watch;
     ProgressLine line(!options.quiet && (options.progress || isatty(STDERR_FILENO) == 1));
-    StateSpace::ExplorationOptions bounds;
+    StateSpace::RunOptions bounds;
     bounds.max_states = options.max_states.value_or(bounds.max_states);
     bounds.max_memory = memory_limit(options);
     bounds.progress = [&](StateSpace::Progress const& progress) {
         line.update(progress);
         return !watch.interrupted();
     };
-    return StateSpace::explore(definition.term, script.processes(), bounds);
+    bounds.threads = thread_count(options);
+    bounds.keep_transitions = options.deadlock || !options.output.empty();
+    StateSpace::MachineExploration result;
+    if (options.engine == Engine::machine) {
+        result = StateSpace::explore_by_machine(definition.term, script.processes(), bounds);
+        if (result.run.refusal.empty()) {
+            return result;
+        }
+        if (!options.quiet) {
+            fmt::print(stderr, "calder: {} is explored term by term: {}\n{}", definition.name,
+                       result.run.refusal,
+                       recursion_notes(result.refused, script, options.input.file));
+        }
+    }
+    result.run = run_of(StateSpace::explore(definition.term, script.processes(), bounds));
+    return result;
 }
 
 /// One line of the summary: a title and what stands for it.
@@ -58,16 +86,60 @@ std::string trace_text(StateSpace::Deadlock const& deadlock,
     return text.empty() ? "at the start" : "after " + text;
 }
 
-/// Tells whether there is a deadlock in what was explored; says whether none was found.
-bool tell_deadlock(StateSpace::Exploration const& exploration, bool complete,
-                   ProcessCompiler::Session const& session) {
-    auto const deadlock = StateSpace::find_deadlock(exploration.lts);
-    if (deadlock) {
-        tell("deadlock", trace_text(*deadlock, session));
-    } else {
-        tell("deadlock", complete ? "none" : "none in what was explored");
+/// For each event of the trace, which components of the machine take part in it.
+void tell_steps(StateSpace::Deadlock const& deadlock,
+                StateSpace::MachineExploration const& exploration, Script::Script const& script) {
+    ComponentNames const names(script, *exploration.machine);
+    for (std::size_t step = 0; step < deadlock.trace.size(); ++step) {
+        StateSpace::StateNumber const source = deadlock.sources[step];
+        StateSpace::StateNumber const target =
+            step + 1 < deadlock.sources.size() ? deadlock.sources[step + 1] : deadlock.state;
+        std::string const event = script.session().event_object(deadlock.trace[step])->name();
+        tell("", fmt::format(
+                     "{:<15} {}", event,
+                     names_taking_part(names, exploration, source, deadlock.trace[step], target)));
     }
-    return !deadlock;
+}
+
+/// Tells whether there is a deadlock in what was explored; says whether none was found.
+bool tell_deadlock(StateSpace::MachineExploration const& exploration,
+                   Script::Script const& script) {
+    auto const deadlock = StateSpace::find_deadlock(exploration.run.lts);
+    if (!deadlock) {
+        bool const complete = exploration.run.outcome == StateSpace::Outcome::complete;
+        tell("deadlock", complete ? "none" : "none in what was explored");
+        return true;
+    }
+    tell("deadlock", trace_text(*deadlock, script.session()));
+    if (exploration.machine) {
+        tell_steps(*deadlock, exploration, script);
+    }
+    return false;
+}
+
+/// What explored: a machine tells its size.
+std::string engine_text(StateSpace::MachineExploration const& exploration) {
+    if (!exploration.machine) {
+        return "terms";
+    }
+    std::size_t const components = exploration.states->start_components().size();
+    std::size_t const configurations = exploration.states->met();
+    return fmt::format("machine of {} component{}{}", components, components == 1 ? "" : "s",
+                       configurations == 1
+                           ? ""
+                           : fmt::format(" at the start, in {} configurations", configurations));
+}
+
+void write_file(ExploreOptions const& options, StateSpace::Run const& run,
+                ProcessCompiler::Session const& session) {
+    if (run.outcome == StateSpace::Outcome::complete) {
+        StateSpace::LtsFileOptions file_options;
+        file_options.tau_label = options.tau_label;
+        StateSpace::write_lts_file(options.output, run.lts, session, file_options);
+    } else {
+        fmt::print(stderr, "calder: {} was not written: the exploration is not complete\n",
+                   options.output);
+    }
 }
 
 } // namespace
@@ -80,30 +152,25 @@ int explore_process(ExploreOptions const& options) {
     auto const& definition = chosen_process(*script, options.input);
 
     auto const start = std::chrono::steady_clock::now();
-    StateSpace::Exploration const exploration = explore(*script, definition, options);
+    StateSpace::MachineExploration const exploration = explore(*script, definition, options);
     std::chrono::duration<double> const time = std::chrono::steady_clock::now() - start;
-    bool const complete = exploration.outcome == StateSpace::Outcome::complete;
+    StateSpace::Run const& run = exploration.run;
+    bool const complete = run.outcome == StateSpace::Outcome::complete;
 
     tell("process", definition.name);
-    tell("states", fmt::format("{}", exploration.lts.state_count()));
-    tell("transitions", fmt::format("{}", exploration.lts.transition_count()));
-    tell("complete",
-         complete ? "yes" : fmt::format("no: {}", StateSpace::describe(exploration.outcome)));
-    bool const holds = !options.deadlock || tell_deadlock(exploration, complete, script->session());
+    tell("engine", engine_text(exploration));
+    tell("states", fmt::format("{}", run.state_count));
+    tell("transitions", fmt::format("{}", run.transition_count));
+    tell("complete", complete ? "yes" : fmt::format("no: {}", StateSpace::describe(run.outcome)));
+    bool const holds = !options.deadlock || tell_deadlock(exploration, *script);
     tell("time", fmt::format("{:.2f} s", time.count()));
     tell("peak memory",
          fmt::format("{:.1f} MiB", static_cast<double>(StateSpace::peak_resident_bytes()) /
                                        static_cast<double>(bytes_per_mib)));
     std::fflush(stdout);
 
-    if (!options.output.empty() && complete) {
-        StateSpace::LtsFileOptions file_options;
-        file_options.tau_label = options.tau_label;
-        StateSpace::write_lts_file(options.output, exploration.lts, script->session(),
-                                   file_options);
-    } else if (!options.output.empty()) {
-        fmt::print(stderr, "calder: {} was not written: the exploration is not complete\n",
-                   options.output);
+    if (!options.output.empty()) {
+        write_file(options, run, script->session());
     }
     if (!complete) {
         return exit_stopped_early;

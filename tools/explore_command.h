@@ -8,8 +8,18 @@
 
 namespace Calder::Tools {
 
+/// By what `calder explore` explores.
+enum class Engine {
+    /// The machine that the process compiles to; where it does not compile, its terms.
+    machine,
+    terms,
+};
+
 struct ExploreOptions {
     Input input;
+    Engine engine = Engine::machine;
+    /// How many threads work for the machine; by default all that there are.
+    std::optional<unsigned> threads;
     std::optional<std::uint32_t> max_states;
     std::optional<std::uint64_t> max_memory_mib;
     /// Empty for no file.

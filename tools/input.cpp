@@ -1,6 +1,8 @@
 #include "tools/input.h"
 
 #include "script/diagnostics.h"
+#include "state_space/available_memory.h"
+#include "state_space/memory.h"
 #include "tools/command_error.h"
 
 #include <fmt/core.h>
@@ -61,6 +63,10 @@ Script::Script::Definition const& chosen_process(Script::Script const& script, I
     }
     throw CommandError(fmt::format("calder: {} does not define '{}'; it defines: {}", input.file,
                                    input.process, names));
+}
+
+std::uint64_t default_memory_limit() {
+    return StateSpace::resident_bytes() + StateSpace::available_bytes() / 10 * 9;
 }
 
 } // namespace Calder::Tools

@@ -2,6 +2,7 @@
 
 #include "script/script.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -19,5 +20,9 @@ std::unique_ptr<Script::Script> read_input(Input const& input);
 
 /// The definition that the input names; throws CommandError when there is none.
 Script::Script::Definition const& chosen_process(Script::Script const& script, Input const& input);
+
+/// Without a limit of the user's, most of the memory that there is, in bytes: rather a search that
+/// says how far it came than one that the system kills.
+std::uint64_t default_memory_limit();
 
 } // namespace Calder::Tools

@@ -1,11 +1,13 @@
 #include "tools/command_error.h"
 #include "tools/explore_command.h"
+#include "tools/machine_command.h"
 #include "tools/print_command.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
 
 #include <cstdio>
+#include <map>
 #include <new>
 
 using namespace Calder::Tools;
@@ -18,10 +20,25 @@ void add_input(CLI::App& command, Input& input) {
         ->type_name("NAME");
 }
 
+std::map<std::string, Engine> const engines{{"machine", Engine::machine}, {"terms", Engine::terms}};
+
+constexpr unsigned most_threads = 1024;
+
 void add_explore(CLI::App& app, ExploreOptions& options, int& result) {
     CLI::App* const command =
         app.add_subcommand("explore", "Explore a process and count its states and transitions");
     add_input(*command, options.input);
+    command
+        ->add_option("--engine", options.engine,
+                     "Explore the machine that the process compiles to, or its terms one by one")
+        ->type_name("machine|terms")
+        ->transform(CLI::CheckedTransformer(engines, CLI::ignore_case))
+        ->default_str("machine");
+    command
+        ->add_option("--threads", options.threads,
+                     "How many threads run the machine; by default all that there are")
+        ->type_name("N")
+        ->check(CLI::Range(1U, most_threads));
     command->add_option("--max-states", options.max_states, "Stop at this many states")
         ->type_name("N")
         ->check(CLI::PositiveNumber);
@@ -66,8 +83,16 @@ void add_describe(CLI::App& app, Input& input, int& result) {
     command->callback([&] { result = describe_term(input); });
 }
 
+void add_machine(CLI::App& app, MachineOptions& options, int& result) {
+    CLI::App* const command =
+        app.add_subcommand("machine", "Print the machine that a process compiles to");
+    add_input(*command, options.input);
+    command->add_flag("--json", options.json, "As JSON");
+    command->callback([&] { result = print_machine(options); });
+}
+
 int run(int count, char** words) {
-    CLI::App app("Explores, prints and describes CSP processes.\n"
+    CLI::App app("Explores, compiles, prints and describes CSP processes.\n"
                  "Exit codes: 0 done and what was asked for holds, 1 it does not hold,\n"
                  "2 the input or the command line is wrong, 3 stopped early.",
                  "calder");
@@ -78,9 +103,11 @@ int run(int count, char** words) {
     ExploreOptions explore;
     PrintOptions print;
     Input describe;
+    MachineOptions machine;
     add_explore(app, explore, result);
     add_print(app, print, result);
     add_describe(app, describe, result);
+    add_machine(app, machine, result);
     try {
         app.parse(count, words);
     } catch (CLI::ParseError const& error) {

@@ -86,7 +86,6 @@ class Compiler {
             return std::move(m_failure);
         }
         describe_constructs();
-        m_machine->refused = std::move(m_graph.refused);
         return {std::move(machine), {}, Outcome::complete};
     }
 
@@ -201,6 +200,9 @@ class Compiler {
 
 Compilation compile(TermGraph graph, NamedProcessSource const& source,
                     CompilationOptions const& options) {
+    if (!graph.refused.empty()) {
+        return {nullptr, "it comes back inside arguments that do not allow recursion", {}};
+    }
     return Compiler(std::move(graph), source, options).run();
 }
 

@@ -36,8 +36,6 @@ struct Machine {
     std::vector<Part> parts;
     /// Equal terms are one component.
     std::vector<std::unique_ptr<Component const>> components;
-    /// Where recursion had to be explored term by term.
-    std::vector<RefusedRecursion> refused;
 };
 
 struct Compilation {
@@ -56,7 +54,7 @@ struct CompilationOptions {
     std::function<bool(Progress const&)> progress = nullptr;
 };
 
-/// Compiles the start of the graph by what the constructs say of themselves; no construct is known
+/// Compiles the start of the graph, where no recursion was refused, by what the constructs say of themselves; no construct is known
 /// here. The demands on `source` are those of `explore`.
 Compilation compile(TermGraph graph, ProcessCompiler::NamedProcessSource const& source,
                     CompilationOptions const& options = {});

@@ -58,7 +58,8 @@ MachineExploration explore_by_machine(ProcessPointer const& start, NamedProcessS
                                       RunOptions const& options) {
     MachineExploration result;
     TermGraph graph = make_term_graph(start, source);
-    if (!graph.vertices.front().is_construct) {
+    result.refused = graph.refused;
+    if (result.refused.empty() && !graph.vertices.front().is_construct) {
         result.run = run_of(explore(start, source, options));
         return result;
     }
@@ -81,21 +82,25 @@ MachineExploration explore_by_machine(ProcessPointer const& start, NamedProcessS
     return result;
 }
 
-std::optional<std::vector<std::uint32_t>> slots_taking_part(MachineExploration const& exploration,
-                                                            StateNumber source, unsigned event,
-                                                            StateNumber target) {
+std::vector<std::uint32_t> components_in(MachineExploration const& exploration, StateNumber state) {
+    MachineStates const& states = *exploration.states;
+    return states.components(states.configuration_of(exploration.run.states->words(state)));
+}
+
+std::vector<std::uint32_t> slots_taking_part(MachineExploration const& exploration,
+                                             StateNumber source, unsigned event,
+                                             StateNumber target) {
     VisitedStates const& states = *exploration.run.states;
     Word const* const words = states.words(source);
     std::vector<Word> const wanted(states.words(target), states.words(target) + states.width());
     ConfigurationNumber const configuration = exploration.states->configuration_of(words);
     auto const rule = exploration.states->table(configuration).rule_between(words, event, wanted);
-    if (!rule) {
-        return std::nullopt;
-    }
-    FlatRules const& flat = exploration.states->rules(configuration);
     std::vector<std::uint32_t> slots;
-    for (Participant const& participant : flat.participants_of(flat.rules[*rule])) {
-        slots.push_back(participant.slot);
+    if (rule) {
+        FlatRules const& flat = exploration.states->rules(configuration);
+        for (Participant const& participant : flat.participants_of(flat.rules[*rule])) {
+            slots.push_back(participant.slot);
+        }
     }
     std::sort(slots.begin(), slots.end());
     return slots;

@@ -2,8 +2,6 @@
 
 #include "state_space/machine/run.h"
 
-#include <optional>
-
 namespace Calder::StateSpace {
 
 /// An exploration by the machine that a term compiles to.
@@ -13,6 +11,8 @@ struct MachineExploration {
     /// explored as it stands.
     std::unique_ptr<Machine const> machine;
     std::unique_ptr<MachineStates> states;
+    /// The recursion that no machine can follow, if that was the reason.
+    std::vector<RefusedRecursion> refused;
 };
 
 /// Compiles the term and runs the machine. Where that is refused, `run.refusal` says why, and
@@ -21,11 +21,13 @@ MachineExploration explore_by_machine(ProcessCompiler::ProcessPointer const& sta
                                       ProcessCompiler::NamedProcessSource const& source,
                                       RunOptions const& options);
 
-/// Which components take part in the step of a machine from a state to another with this event, as
-/// slots of the first one's configuration; those of the first rule that leads so. None when no rule
-/// does.
-std::optional<std::vector<std::uint32_t>> slots_taking_part(MachineExploration const& exploration,
-                                                            StateNumber source, unsigned event,
-                                                            StateNumber target);
+/// The components that run in a state, slot by slot. There must be a machine.
+std::vector<std::uint32_t> components_in(MachineExploration const& exploration, StateNumber state);
+
+/// Which of them take part in the step to `target` with `event`: the slots, ascending, by the first
+/// rule that leads so. Empty when no component takes part, and when there is no such step.
+std::vector<std::uint32_t> slots_taking_part(MachineExploration const& exploration,
+                                             StateNumber source, unsigned event,
+                                             StateNumber target);
 
 } // namespace Calder::StateSpace

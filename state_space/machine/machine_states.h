@@ -42,6 +42,7 @@ class MachineStates {
     std::vector<std::uint32_t> components(ConfigurationNumber number) const {
         return m_configurations.components(number);
     }
+    std::vector<std::uint32_t> start_components() const { return components(m_start); }
     FlatRules const& rules(ConfigurationNumber number) { return m_configurations.rules(number); }
 
     /// How many configurations have been met.

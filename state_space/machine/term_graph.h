@@ -9,9 +9,9 @@ namespace Calder::StateSpace {
 
 using VertexNumber = std::uint32_t;
 
-/// Recursion that no finite tree of formats can follow: a name stands inside an argument for which
-/// its construct does not allow that (`allows_recursion`). What is on the cycle is then explored
-/// term by term.
+/// Recursion that no machine can follow: a name stands inside an argument for which its construct
+/// does not allow that (`allows_recursion`), so that each time it comes round there is one more
+/// construct around it.
 struct RefusedRecursion {
     /// The construct and the number of its argument.
     ProcessCompiler::ProcessPointer construct;
@@ -38,6 +38,7 @@ struct TermGraph {
     std::vector<Vertex> vertices;
     /// The strongly connected components (Tarjan, 1972), those that a component leads to before it.
     std::vector<std::vector<VertexNumber>> components;
+    /// One for each strongly connected component that has any.
     std::vector<RefusedRecursion> refused;
 };
 

@@ -1,6 +1,6 @@
 #include "script/script.h"
 #include "state_space/deadlock.h"
-#include "state_space/exploration.h"
+#include "state_space/machine/machine_exploration.h"
 
 #include <gtest/gtest.h>
 
@@ -44,17 +44,27 @@ std::string deadlock_text(StateSpace::LabelledTransitionSystem const& lts,
     return trace.empty() ? "at the start" : trace;
 }
 
-/// The counts of a process in the words of a claim.
-std::string counts_of(Script::Script const& script, Script::Script::Definition const& definition) {
-    StateSpace::ExplorationOptions options;
-    options.max_states = 100'000; // an example that has become infinite is to fail, not to hang
-    auto const exploration = StateSpace::explore(definition.term, script.processes(), options);
-    if (exploration.outcome != StateSpace::Outcome::complete) {
-        return std::string(StateSpace::describe(exploration.outcome));
+std::string counts_of(StateSpace::LabelledTransitionSystem const& lts, StateSpace::Outcome outcome,
+                      ProcessCompiler::Session const& session) {
+    if (outcome != StateSpace::Outcome::complete) {
+        return std::string(StateSpace::describe(outcome));
     }
-    return "states " + std::to_string(exploration.lts.state_count()) + ", transitions " +
-           std::to_string(exploration.lts.transition_count()) + ", deadlock " +
-           deadlock_text(exploration.lts, script.session());
+    return "states " + std::to_string(lts.state_count()) + ", transitions " +
+           std::to_string(lts.transition_count()) + ", deadlock " + deadlock_text(lts, session);
+}
+
+/// The counts of a process in the words of a claim, by its terms and by its machine.
+void expect_counts(Script::Script const& script, Script::Script::Definition const& definition,
+                   std::string const& claim) {
+    StateSpace::RunOptions options;
+    options.max_states = 100'000; // an example that has become infinite is to fail, not to hang
+    auto const terms = StateSpace::explore(definition.term, script.processes(), options);
+    EXPECT_EQ(counts_of(terms.lts, terms.outcome, script.session()), claim) << definition.name;
+    auto const machine =
+        StateSpace::explore_by_machine(definition.term, script.processes(), options);
+    EXPECT_EQ(machine.run.refusal, "") << definition.name;
+    EXPECT_EQ(counts_of(machine.run.lts, machine.run.outcome, script.session()), claim)
+        << definition.name;
 }
 
 void check_example(std::filesystem::path const& file) {
@@ -68,7 +78,7 @@ void check_example(std::filesystem::path const& file) {
     for (Claim const& claim : claims_of(text)) {
         auto const* const definition = script->find(claim.process);
         ASSERT_NE(definition, nullptr) << claim.process << " is not defined";
-        EXPECT_EQ(counts_of(*script, *definition), claim.counts) << claim.process;
+        expect_counts(*script, *definition, claim.counts);
         claims_default |= definition == &script->definitions().back();
     }
     EXPECT_TRUE(claims_default) << "nothing is said of the process that the command explores";

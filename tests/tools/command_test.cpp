@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <array>
 #include <cstdio>
@@ -63,8 +64,10 @@ TEST_F(CommandTest, explores_the_process_defined_last_or_the_one_named) {
     write("m.csp", two_processes);
     Answer const last = calder("explore m.csp");
     EXPECT_EQ(last.exit_code, 0) << last.errors;
-    EXPECT_EQ(last.output, "process      Q\nstates       4\ntransitions  4\ncomplete     yes\n"
-                           "time         # s\npeak memory  # MiB\n");
+    EXPECT_EQ(
+        last.output,
+        "process      Q\nengine       terms\nstates       4\ntransitions  4\ncomplete     yes\n"
+        "time         # s\npeak memory  # MiB\n");
     EXPECT_EQ(last.errors, "");
     EXPECT_NE(calder("explore m.csp --process P").output.find("states       3\n"),
               std::string::npos);
@@ -106,6 +109,83 @@ TEST_F(CommandTest, writes_files) {
     EXPECT_EQ(read("m.aut"), "des (0, 1, 1)\n(0, \"a\", 0)\n");
     EXPECT_EQ(calder("explore m.csp --output m.dot").exit_code, 0);
     EXPECT_EQ(read("m.dot").substr(0, 7), "digraph");
+}
+
+char const* const ring = "channel a, b, c, d\n"
+                         "NODE = a -> b -> NODE\n"
+                         "PAIR = NODE [| {b} |] NODE[[b <- c]]\n"
+                         "STUCK = NODE [| {a, b} |] a -> c -> STOP\n";
+
+TEST_F(CommandTest, both_engines_and_any_number_of_threads_give_the_same) {
+    write("m.csp", ring);
+    std::string const words = "explore m.csp --process PAIR --output ";
+    EXPECT_EQ(calder(words + "terms.aut --engine terms").exit_code, 0);
+    for (std::string const threads : {"1", "2", "5"}) {
+        Answer const answer = calder(words + "machine.aut --threads " + threads);
+        EXPECT_EQ(answer.exit_code, 0) << answer.errors;
+        EXPECT_NE(answer.output.find("engine       machine of 2 components\n"), std::string::npos)
+            << answer.output;
+        EXPECT_EQ(read("machine.aut"), read("terms.aut"));
+    }
+    EXPECT_EQ(calder(words + "x.aut --engine tree").exit_code, 2);
+    EXPECT_EQ(calder(words + "x.aut --threads 0").exit_code, 2);
+}
+
+TEST_F(CommandTest, a_trace_of_a_machine_names_who_takes_part) {
+    write("m.csp", ring);
+    EXPECT_NE(calder("explore m.csp --process STUCK --deadlock")
+                  .output.find("deadlock     after a, c\n"
+                               "             a               NODE, a -> …\n"
+                               "             c               a -> …\n"),
+              std::string::npos);
+    Answer const twins = calder("explore m.csp --process STUCK --deadlock --engine terms");
+    EXPECT_NE(twins.output.find("deadlock     after a, c\ntime"), std::string::npos)
+        << twins.output;
+    write("twins.csp", "channel a\nP = a -> STOP\nQ = P ||| P\n");
+    EXPECT_NE(calder("explore twins.csp --deadlock")
+                  .output.find("             a               P#1\n"
+                               "             a               P#2\n"),
+              std::string::npos);
+}
+
+TEST_F(CommandTest, prints_machines) {
+    write("m.csp", ring);
+    Answer const text = calder("machine m.csp --process STUCK");
+    EXPECT_EQ(text.exit_code, 0) << text.errors;
+    EXPECT_EQ(text.output, "STUCK starts in part 0\n\n"
+                           "components\n"
+                           "  part 1: NODE, 2 states, 2 transitions\n"
+                           "    alphabet {a, b}\n"
+                           "  part 2: a -> …, 3 states, 2 transitions\n"
+                           "    alphabet {a, c}\n\n"
+                           "constructs\n"
+                           "  part 0: [|…|] over part 1, part 2\n"
+                           "    alphabet {a, c}\n"
+                           "    format 0: 0, 1 run\n"
+                           "      tick -> format 0: 0 by tick, 1 by tick\n"
+                           "      a -> format 0: 0 by a, 1 by a\n"
+                           "      b -> format 0: 0 by b, 1 by b\n"
+                           "      tick -> format 0: 0 by tick, 1 by tick\n"
+                           "      c -> format 0: 1 by c\n");
+    Answer const json = calder("machine m.csp --process STUCK --json");
+    EXPECT_EQ(json.exit_code, 0) << json.errors;
+    auto const machine = nlohmann::json::parse(json.output);
+    EXPECT_EQ(machine["parts"][1]["name"], "NODE");
+    EXPECT_EQ(machine["parts"][0]["arguments"], (std::vector<int>{1, 2}));
+    EXPECT_EQ(machine["parts"][0]["formats"][0]["rules"][0]["participants"].size(), 2U);
+}
+
+TEST_F(CommandTest, recursion_that_no_machine_can_follow_is_told_where_it_stands) {
+    write("m.csp", "channel a\nQ = a -> Q\nP = a -> (P ||| Q)\n");
+    std::string const note = "m.csp:3:1: note: 'P' comes back inside argument 0 of '|||'\n";
+    Answer const machine = calder("machine m.csp");
+    EXPECT_EQ(machine.exit_code, 2);
+    EXPECT_NE(machine.errors.find(note), std::string::npos) << machine.errors;
+    Answer const explored = calder("explore m.csp --max-states 9");
+    EXPECT_EQ(explored.exit_code, 3);
+    EXPECT_NE(explored.output.find("engine       terms\nstates       9\n"), std::string::npos);
+    EXPECT_NE(explored.errors.find(note), std::string::npos) << explored.errors;
+    EXPECT_EQ(calder("explore m.csp --max-states 9 --quiet").errors, "");
 }
 
 TEST_F(CommandTest, prints_and_describes) {
@@ -209,10 +289,19 @@ TEST_F(CommandTest, a_term_at_the_nesting_limit_is_explored) {
 
 TEST_F(CommandTest, an_interrupted_exploration_tells_what_it_found) {
     write("wide.csp", "channel a\nP = a -> (P ||| P)\n");
-    Answer const answer = calder("explore wide.csp", "timeout --preserve-status -s INT 1");
-    EXPECT_EQ(answer.exit_code, 3) << answer.errors;
-    EXPECT_NE(answer.output.find("complete     no: it was interrupted\n"), std::string::npos)
-        << answer.output;
+    std::string network = "channel a : {0..39}\nN = a.0 -> a.0 -> STOP";
+    for (int node = 1; node < 40; ++node) {
+        std::string const event = "a." + std::to_string(node);
+        network += " ||| " + event + " -> " + event + " -> STOP";
+    }
+    write("network.csp", network + "\n");
+    for (std::string const words : {"explore wide.csp", "explore network.csp --threads 1",
+                                    "explore network.csp --threads 3"}) {
+        Answer const answer = calder(words, "timeout --preserve-status -s INT 1");
+        EXPECT_EQ(answer.exit_code, 3) << answer.errors;
+        EXPECT_NE(answer.output.find("complete     no: it was interrupted\n"), std::string::npos)
+            << answer.output;
+    }
 }
 
 /// The example that the README shows, and its output there.

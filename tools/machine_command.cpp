@@ -1,0 +1,42 @@
+#include "tools/machine_command.h"
+
+#include "tools/command_error.h"
+#include "tools/interruption.h"
+#include "tools/machine_text.h"
+
+#include <fmt/core.h>
+
+#include <cstdio>
+
+namespace Calder::Tools {
+
+int print_machine(MachineOptions const& options) {
+    auto const script = read_input(options.input);
+    auto const& definition = chosen_process(*script, options.input);
+    StateSpace::TermGraph graph = StateSpace::make_term_graph(definition.term, script->processes());
+    std::string const notes = recursion_notes(graph.refused, *script, options.input.file);
+    StateSpace::Compilation compilation;
+    {
+        InterruptionWatch const watch;
+        StateSpace::CompilationOptions bounds;
+        bounds.max_memory = default_memory_limit();
+        bounds.progress = [&](StateSpace::Progress const&) { return !watch.interrupted(); };
+        compilation =
+            StateSpace::compile(StateSpace::make_term_graph(definition.term, script->processes()),
+                                script->processes(), bounds);
+    }
+    if (!compilation.machine) {
+        fmt::print(stderr, "calder: {} has no machine: {}\n{}", definition.name,
+                   compilation.refusal.empty() ? std::string(describe(compilation.outcome))
+                                               : compilation.refusal,
+                   notes);
+        return compilation.outcome == StateSpace::Outcome::complete ? exit_bad_input
+                                                                    : exit_stopped_early;
+    }
+    ComponentNames const names(*script, *compilation.machine);
+    ShownMachine const shown{definition.name, *compilation.machine, *script, names};
+    fmt::print("{}", options.json ? machine_json(shown) : machine_text(shown));
+    return exit_holds;
+}
+
+} // namespace Calder::Tools

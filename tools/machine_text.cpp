@@ -1,0 +1,173 @@
+#include "tools/machine_text.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
+namespace Calder::Tools {
+
+using HighLevelMachine::ComponentEvent;
+using HighLevelMachine::UnCompiledFormat;
+using HighLevelMachine::UnCompiledRule;
+using Json = nlohmann::ordered_json;
+using StateSpace::Component;
+using StateSpace::Part;
+
+namespace {
+
+std::string event_name(ShownMachine const& shown, unsigned event) {
+    return shown.script.session().event_object(event)->name();
+}
+
+template <typename List, typename Text> std::string joined(List const& list, Text const& text) {
+    std::string result;
+    for (auto const& each : list) {
+        result += (result.empty() ? "" : ", ") + text(each);
+    }
+    return result;
+}
+
+std::string alphabet_text(ShownMachine const& shown, BitSet const& alphabet) {
+    return "{" + joined(alphabet, [&](unsigned event) { return event_name(shown, event); }) + "}";
+}
+
+std::string rule_text(ShownMachine const& shown, UnCompiledRule const& rule) {
+    std::string const takers =
+        joined(rule.component_events, [&](ComponentEvent const& participant) {
+            return participant.event == ProcessCompiler::no_event
+                       ? fmt::format("{} waits", participant.component)
+                       : fmt::format("{} by {}", participant.component,
+                                     event_name(shown, participant.event));
+        });
+    return fmt::format("      {} -> format {}{}\n", event_name(shown, rule.event),
+                       rule.target_format, takers.empty() ? "" : ": " + takers);
+}
+
+std::string format_text(ShownMachine const& shown, Part const& part, unsigned number) {
+    UnCompiledFormat const& format = part.formats[number];
+    if (part.passed_through[number] != StateSpace::none) {
+        return fmt::format("    format {}: argument {} alone, unchanged\n", number,
+                           part.passed_through[number]);
+    }
+    std::string text = format.active_components.empty()
+                           ? fmt::format("    format {}: no argument runs\n", number)
+                           : fmt::format("    format {}: {} run\n", number,
+                                         joined(format.active_components, [](unsigned argument) {
+                                             return std::to_string(argument);
+                                         }));
+    for (UnCompiledRule const& rule : format.rules) {
+        text += rule_text(shown, rule);
+    }
+    return text;
+}
+
+std::string construct_text(ShownMachine const& shown, StateSpace::PartNumber number) {
+    Part const& part = shown.machine.parts[number];
+    std::string text = fmt::format(
+        "  part {}: {} over {}\n    alphabet {}\n", number,
+        operator_text(*part.term, shown.script.session()),
+        joined(part.arguments,
+               [](StateSpace::PartNumber each) { return fmt::format("part {}", each); }),
+        alphabet_text(shown, part.alphabet));
+    for (unsigned format = 0; format < part.formats.size(); ++format) {
+        text += format_text(shown, part, format);
+    }
+    return text;
+}
+
+Json alphabet_json(ShownMachine const& shown, BitSet const& alphabet) {
+    Json events = Json::array();
+    for (unsigned const event : alphabet) {
+        events.push_back(event_name(shown, event));
+    }
+    return events;
+}
+
+Json rule_json(ShownMachine const& shown, UnCompiledRule const& rule) {
+    Json participants = Json::array();
+    for (ComponentEvent const& participant : rule.component_events) {
+        if (participant.event != ProcessCompiler::no_event) {
+            participants.push_back({{"argument", participant.component},
+                                    {"event", event_name(shown, participant.event)}});
+        }
+    }
+    return {{"event", event_name(shown, rule.event)},
+            {"target", rule.target_format},
+            {"participants", std::move(participants)}};
+}
+
+Json part_json(ShownMachine const& shown, StateSpace::PartNumber number) {
+    Part const& part = shown.machine.parts[number];
+    Json json{{"part", number}};
+    if (!part.is_construct()) {
+        Component const& component = *shown.machine.components[part.component];
+        json["component"] = part.component;
+        json["name"] = shown.names.name(part.component);
+        json["states"] = component.state_count();
+        json["transitions"] = component.transition_count();
+        json["alphabet"] = alphabet_json(shown, part.alphabet);
+        return json;
+    }
+    json["construct"] = operator_text(*part.term, shown.script.session());
+    json["arguments"] = part.arguments;
+    json["alphabet"] = alphabet_json(shown, part.alphabet);
+    for (UnCompiledFormat const& format : part.formats) {
+        Json rules = Json::array();
+        for (UnCompiledRule const& rule : format.rules) {
+            rules.push_back(rule_json(shown, rule));
+        }
+        json["formats"].push_back(
+            {{"running", format.active_components}, {"rules", std::move(rules)}});
+    }
+    return json;
+}
+
+} // namespace
+
+std::string machine_text(ShownMachine const& shown) {
+    StateSpace::Machine const& machine = shown.machine;
+    std::string components;
+    std::string constructs;
+    for (StateSpace::PartNumber number = 0; number < machine.parts.size(); ++number) {
+        Part const& part = machine.parts[number];
+        if (part.is_construct()) {
+            constructs += construct_text(shown, number);
+            continue;
+        }
+        Component const& component = *machine.components[part.component];
+        components +=
+            fmt::format("  part {}: {}, {} states, {} transitions\n    alphabet {}\n", number,
+                        shown.names.name(part.component), component.state_count(),
+                        component.transition_count(), alphabet_text(shown, part.alphabet));
+    }
+    return fmt::format("{} starts in part {}\n\ncomponents\n{}\nconstructs\n{}", shown.process,
+                       machine.start, components, constructs.empty() ? "  none\n" : constructs);
+}
+
+std::string machine_json(ShownMachine const& shown) {
+    Json parts = Json::array();
+    for (StateSpace::PartNumber number = 0; number < shown.machine.parts.size(); ++number) {
+        parts.push_back(part_json(shown, number));
+    }
+    Json const machine{
+        {"process", shown.process}, {"start", shown.machine.start}, {"parts", std::move(parts)}};
+    return machine.dump(2) + "\n";
+}
+
+std::string recursion_notes(std::vector<StateSpace::RefusedRecursion> const& all,
+                            Script::Script const& script, std::string const& file) {
+    std::string notes;
+    for (StateSpace::RefusedRecursion const& refused : all) {
+        for (ProcessCompiler::NamedProcessPointer const& name : refused.names) {
+            auto const* const definition = script.find(name->name());
+            notes +=
+                fmt::format("{}:{}:{}: note: '{}' comes back inside argument {} of '{}'\n", file,
+                            definition->location.line, definition->location.column, name->name(),
+                            refused.argument, operator_text(*refused.construct, script.session()));
+        }
+    }
+    return notes;
+}
+
+} // namespace Calder::Tools
