@@ -1,5 +1,6 @@
 #include "state_space/machine/layout.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace Calder::StateSpace {
@@ -14,9 +15,8 @@ Layout::Layout(std::vector<Component const*> const& components, unsigned reserve
             ++m_word_count;
             used = 0;
         }
-        // A slot of no bits may stand behind the last bit: any shift does where all that is read is
-        // masked away.
-        unsigned const shift = bits == 0 ? 0 : used;
+        // A slot of no bits may stand behind the last bit, where a word cannot be shifted to.
+        unsigned const shift = std::min(used, word_bits - 1);
         m_slots.push_back({component, m_word_count - 1, shift, (Word{1} << bits) - 1});
         used += bits;
     }

@@ -5,6 +5,7 @@
 #include "state_space/memory.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <new>
 
@@ -61,7 +62,8 @@ class Runner {
     bool take(SearchJob& job);
     bool take_row(SearchJob const& job, std::size_t first, std::size_t last);
     void end_row(std::uint64_t never_repeated);
-    void prefetch(SearchJob const& job, std::size_t step) const;
+    StateNumber target_of(SearchJob const& job, std::size_t step);
+    void begin_looking_ahead(SearchJob const& job);
     std::uint64_t sources_wanted() const;
     bool look_around();
 
@@ -80,6 +82,9 @@ class Runner {
     std::uint64_t m_transitions = 0;
     StateNumber m_depth = 0;
     StateNumber m_level_end = 1;
+    /// Of the steps to come, the states that they most likely lead to: step i is at i modulo the
+    /// distance.
+    std::array<StateNumber, state_distance> m_ahead{};
     Clock::time_point m_last_look = Clock::now();
     Outcome m_outcome = Outcome::complete;
 };
@@ -147,9 +152,7 @@ bool Runner::take(SearchJob& job) {
         job.widen(m_states->width());
     }
     m_states->make_room(job.steps().size());
-    for (std::size_t step = 0; step < std::min(bucket_distance, job.steps().size()); ++step) {
-        m_states->prefetch_bucket(job.hash(step));
-    }
+    begin_looking_ahead(job);
     std::size_t first = 0;
     for (std::size_t source = 0; source < job.source_count(); ++source) {
         if (!take_row(job, first, job.row_end(source))) {
@@ -165,9 +168,7 @@ bool Runner::take_row(SearchJob const& job, std::size_t first, std::size_t last)
     Steps const& steps = job.steps();
     std::uint64_t never_repeated = 0;
     for (std::size_t step = first; step < last; ++step) {
-        prefetch(job, step);
-        StateNumber const target =
-            m_states->find_or_add(steps.words(step), job.hash(step), m_options.max_states);
+        StateNumber const target = target_of(job, step);
         if (target == no_state) {
             return false;
         }
@@ -197,12 +198,30 @@ void Runner::end_row(std::uint64_t never_repeated) {
     }
 }
 
-void Runner::prefetch(SearchJob const& job, std::size_t step) const {
-    if (step + bucket_distance < job.steps().size()) {
+/// no_state when it is one too many.
+StateNumber Runner::target_of(SearchJob const& job, std::size_t step) {
+    std::size_t const steps = job.steps().size();
+    StateNumber& ahead = m_ahead[step % state_distance];
+    StateNumber const likely = ahead;
+    if (step + bucket_distance < steps) {
         m_states->prefetch_bucket(job.hash(step + bucket_distance));
     }
-    if (step + state_distance < job.steps().size()) {
-        m_states->prefetch_state(job.hash(step + state_distance));
+    if (step + state_distance < steps) {
+        ahead = m_states->prefetch_state(job.hash(step + state_distance));
+    }
+    Word const* const words = job.steps().words(step);
+    return likely != no_state && m_states->is_state(likely, words)
+               ? likely
+               : m_states->find_or_add(words, job.hash(step), m_options.max_states);
+}
+
+void Runner::begin_looking_ahead(SearchJob const& job) {
+    std::size_t const steps = job.steps().size();
+    for (std::size_t step = 0; step < std::min(bucket_distance, steps); ++step) {
+        m_states->prefetch_bucket(job.hash(step));
+    }
+    for (std::size_t step = 0; step < std::min(state_distance, steps); ++step) {
+        m_ahead[step] = m_states->prefetch_state(job.hash(step));
     }
 }
 

@@ -12,6 +12,9 @@ constexpr std::size_t block_size = 64;
 /// Larger components do not filter: their tables would cost more than the lookups that they save.
 constexpr StateNumber most_filtering_states = 1 << 12;
 
+/// Slots side by side are looked up together while their bits have no more values than these.
+constexpr Word most_joint_values = 255;
+
 } // namespace
 
 SuccessorTable::SuccessorTable(Layout const& layout, FlatRules const& flat,
@@ -22,9 +25,8 @@ SuccessorTable::SuccessorTable(Layout const& layout, FlatRules const& flat,
         add_rule(flat, number, targets[number]);
     }
     mark_repeating_rules(flat);
-    std::vector<std::uint32_t> filter_of_slot(layout.slots().size(), none);
     for (std::size_t first = 0; first < m_rules.size(); first += block_size) {
-        add_block(first, filter_of_slot);
+        add_block(first);
     }
 }
 
@@ -114,38 +116,63 @@ void SuccessorTable::mark_group(FlatRules const& flat, std::size_t first, std::s
     }
 }
 
-/// `filter_of_slot` is `none` everywhere before and after.
-void SuccessorTable::add_block(std::size_t first_rule, std::vector<std::uint32_t>& filter_of_slot) {
+void SuccessorTable::add_block(std::size_t first_rule) {
     std::size_t const count = std::min(block_size, m_rules.size() - first_rule);
     Word const all = count == block_size ? ~Word{0} : (Word{1} << count) - 1;
     auto const first_filter = static_cast<std::uint32_t>(m_filters.size());
-    std::vector<std::uint32_t> slots;
+    std::vector<SlotFilter> slots;
     for (std::size_t i = 0; i < count; ++i) {
         Rule const& rule = m_rules[first_rule + i];
         for (std::uint32_t t = rule.first_taker; t != rule.last_taker; ++t) {
             Taker const& taker = m_takers[t];
-            StateNumber const states = taker.component->state_count();
-            if (states > most_filtering_states) {
-                continue;
-            }
-            if (filter_of_slot[taker.slot] == none) {
-                filter_of_slot[taker.slot] = static_cast<std::uint32_t>(m_filters.size());
-                slots.push_back(taker.slot);
-                m_filters.push_back({taker.word, taker.shift, taker.mask, m_rule_sets.size()});
-                m_rule_sets.resize(m_rule_sets.size() + states, all);
-            }
-            Word* const sets = &m_rule_sets[m_filters[filter_of_slot[taker.slot]].first_set];
-            for (StateNumber state = 0; state < states; ++state) {
-                if (taker.component->successors(state, taker.event_index).empty()) {
-                    sets[state] &= ~(Word{1} << i);
-                }
+            if (taker.component->state_count() <= most_filtering_states) {
+                slots.push_back({taker.slot, t, Word{1} << i});
             }
         }
     }
-    for (std::uint32_t const slot : slots) {
-        filter_of_slot[slot] = none;
+    std::sort(slots.begin(), slots.end(), [](SlotFilter const& left, SlotFilter const& right) {
+        return left.slot < right.slot;
+    });
+    for (std::size_t first = 0; first < slots.size();) {
+        first = add_filter(slots, first, all);
     }
     m_blocks.push_back({first_filter, static_cast<std::uint32_t>(m_filters.size()), all});
+}
+
+/// One filter for the slot that `slots[first]` is about and, while they are small, for those behind
+/// it. Returns where the next filter begins.
+std::size_t SuccessorTable::add_filter(std::vector<SlotFilter> const& slots, std::size_t first,
+                                       Word all) {
+    Layout::Slot const& begin = m_layout.slots()[slots[first].slot];
+    Filter filter{begin.word, begin.shift, begin.mask, m_rule_sets.size()};
+    std::size_t last = first;
+    for (; last < slots.size(); ++last) {
+        Layout::Slot const& slot = m_layout.slots()[slots[last].slot];
+        Word const mask = filter.mask | slot.mask << (slot.shift - filter.shift);
+        if (slots[last].slot != slots[first].slot &&
+            (slot.word != filter.word || mask > most_joint_values)) {
+            break;
+        }
+        filter.mask = mask;
+    }
+    m_filters.push_back(filter);
+    m_rule_sets.resize(m_rule_sets.size() + filter.mask + 1, all);
+    for (std::size_t i = first; i < last; ++i) {
+        close(filter, m_takers[slots[i].taker], slots[i].rule);
+    }
+    return last;
+}
+
+/// Takes the rule out of the sets of all values in which the taker cannot take part.
+void SuccessorTable::close(Filter const& filter, Taker const& taker, Word rule) {
+    for (Word value = 0; value <= filter.mask; ++value) {
+        Word const state = (value >> (taker.shift - filter.shift)) & taker.mask;
+        if (state >= taker.component->state_count() ||
+            taker.component->successors(static_cast<StateNumber>(state), taker.event_index)
+                .empty()) {
+            m_rule_sets[filter.first_set + value] &= ~rule;
+        }
+    }
 }
 
 void SuccessorTable::append(Rule const& rule, Word const* state, Steps& steps,

@@ -11,8 +11,8 @@ namespace Calder::StateSpace {
 ///
 /// Rules stand in blocks of 64. For each slot that takes part in a block there is, by the state of
 /// the slot's component, the set of the block's rules that this slot lets happen; the sets of all
-/// slots together leave the rules that can fire, in order, with 64 rules tried at once. What they
-/// lead to is then looked up slot by slot.
+/// slots together leave the rules that can fire, in order, with 64 rules tried at once. Small slots
+/// side by side are looked up together. What the rules lead to is then looked up slot by slot.
 ///
 /// The transitions of a state are a set. Two rules can report the same transition only where they
 /// have one event; a rule is known to be on its own when it changes a slot in which no other rule
@@ -44,12 +44,12 @@ class SuccessorTable {
     Layout const& layout() const noexcept { return m_layout; }
 
   private:
-    /// A slot whose states decide about rules of a block.
+    /// Slots whose states decide about rules of a block.
     struct Filter {
         std::uint32_t word;
         std::uint32_t shift;
         Word mask;
-        std::size_t first_set; // in m_rule_sets, then by state
+        std::size_t first_set; // in m_rule_sets, then by the bits under the mask
     };
     struct Block {
         std::uint32_t first_filter;
@@ -80,7 +80,16 @@ class SuccessorTable {
     void mark_repeating_rules(FlatRules const& flat);
     void mark_group(FlatRules const& flat, std::size_t first, std::size_t last,
                     std::vector<std::uint32_t>& takers_of_slot);
-    void add_block(std::size_t first_rule, std::vector<std::uint32_t>& filter_of_slot);
+    /// A taker of a rule of a block, the rule being one bit.
+    struct SlotFilter {
+        std::uint32_t slot;
+        std::uint32_t taker;
+        Word rule;
+    };
+
+    void add_block(std::size_t first_rule);
+    std::size_t add_filter(std::vector<SlotFilter> const& slots, std::size_t first, Word all);
+    void close(Filter const& filter, Taker const& taker, Word rule);
 
     Word enabled(Block const& block, Word const* state) const noexcept {
         Word rules = block.all;

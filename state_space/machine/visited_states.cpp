@@ -1,6 +1,7 @@
 #include "state_space/machine/visited_states.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Calder::StateSpace {
 
@@ -28,18 +29,27 @@ void VisitedStates::make_room(std::uint64_t count) {
 }
 
 void VisitedStates::widen(std::uint32_t width) {
-    StateNumber state = 0;
-    for (unsigned number = 0; number < m_blocks.size(); ++number) {
-        LargeArray<Word> wide = make_large_array<Word>(size_of(number) * width);
-        for (; state < m_size && block_of(state) == number; ++state) {
-            Word* const place = &wide[std::size_t{state - first_of(number)} * width];
-            std::copy_n(words(state), m_width, place);
-            std::fill_n(place + m_width, width - m_width, Word{0});
+    std::vector<LargeArray<Word>> const narrow = std::move(m_blocks);
+    std::uint32_t const narrow_width = std::exchange(m_width, width);
+    m_blocks.clear();
+    for (unsigned number = 0; number < narrow.size(); ++number) {
+        put_block(number, make_large_array<Word>(size_of(number) * width));
+        StateNumber const first = first_of(number);
+        for (StateNumber state = first; state < m_size && block_of(state) == number; ++state) {
+            Word* const place = writable_words(state);
+            std::copy_n(&narrow[number][std::size_t{state - first} * narrow_width], narrow_width,
+                        place);
+            std::fill_n(place + narrow_width, width - narrow_width, Word{0});
         }
-        m_blocks[number] = std::move(wide);
     }
-    m_width = width;
     fill_buckets(m_bucket_count);
+}
+
+/// The bases are numbers, as pointers in front of a block would be no pointers.
+void VisitedStates::put_block(unsigned number, LargeArray<Word> block) {
+    m_bases[number] = reinterpret_cast<std::uintptr_t>(block.get()) -
+                      std::size_t{first_of(number)} * m_width * sizeof(Word);
+    m_blocks.push_back(std::move(block));
 }
 
 std::uint64_t VisitedStates::memory_bytes() const noexcept {
@@ -84,9 +94,9 @@ void VisitedStates::insert(StateNumber state, std::uint64_t hash) noexcept {
 StateNumber VisitedStates::add(std::size_t bucket, Word const* words, std::uint64_t hash) {
     unsigned const block = block_of(m_size);
     if (block == m_blocks.size()) {
-        m_blocks.push_back(make_large_array<Word>(size_of(block) * m_width));
+        put_block(block, make_large_array<Word>(size_of(block) * m_width));
     }
-    copy_words(words, &m_blocks[block][std::size_t{m_size - first_of(block)} * m_width], m_width);
+    copy_words(words, writable_words(m_size), m_width);
     m_buckets[bucket].append(m_size, tag_of(hash));
     return m_size++;
 }

@@ -34,8 +34,8 @@ class VisitedStates {
     std::uint32_t width() const noexcept { return m_width; }
 
     Word const* words(StateNumber state) const noexcept {
-        unsigned const block = block_of(state);
-        return &m_blocks[block][std::size_t{state - first_of(block)} * m_width];
+        return reinterpret_cast<Word const*>(m_bases[block_of(state)] +
+                                             std::size_t{state} * m_width * sizeof(Word));
     }
 
     static std::uint64_t hash(Word const* words, std::uint32_t width) noexcept {
@@ -49,12 +49,22 @@ class VisitedStates {
     void prefetch_bucket(std::uint64_t hash) const noexcept {
         __builtin_prefetch(&m_buckets[bucket_of(hash)]);
     }
-    void prefetch_state(std::uint64_t hash) const noexcept {
+    /// Also tells which state it will be, most likely; no_state where none is likely.
+    StateNumber prefetch_state(std::uint64_t hash) const noexcept {
         Bucket const& bucket = m_buckets[bucket_of(hash)];
         unsigned const matches = bucket.matches(tag_of(hash));
-        if (matches != 0) {
-            __builtin_prefetch(words(bucket.numbers[first_of_set(matches)]));
+        if (matches == 0) {
+            return no_state;
         }
+        StateNumber const likely = bucket.numbers[first_of_set(matches)];
+        __builtin_prefetch(words(likely));
+        return likely;
+    }
+
+    bool is_state(StateNumber state, Word const* other) const noexcept {
+        Word const* const known = words(state);
+        return *known == *other &&
+               (m_width == 1 || std::equal(known + 1, known + m_width, other + 1));
     }
 
     /// The state of these words, which is added when it is new; no_state when it is new and there
@@ -65,7 +75,7 @@ class VisitedStates {
             Bucket const& bucket = m_buckets[place];
             for (unsigned rest = bucket.matches(tag_of(hash)); rest != 0; rest &= rest - 1) {
                 StateNumber const known = bucket.numbers[first_of_set(rest)];
-                if (are_equal(known, words)) {
+                if (is_state(known, words)) {
                     return known;
                 }
             }
@@ -142,10 +152,9 @@ class VisitedStates {
     std::size_t next(std::size_t bucket) const noexcept {
         return bucket + 1 == m_bucket_count ? 0 : bucket + 1;
     }
-    bool are_equal(StateNumber state, Word const* other) const noexcept {
-        Word const* const known = words(state);
-        return *known == *other &&
-               (m_width == 1 || std::equal(known + 1, known + m_width, other + 1));
+    void put_block(unsigned number, LargeArray<Word> block);
+    Word* writable_words(StateNumber state) noexcept {
+        return const_cast<Word*>(words(state));
     }
     StateNumber add(std::size_t bucket, Word const* words, std::uint64_t hash);
     void insert(StateNumber state, std::uint64_t hash) noexcept;
@@ -155,6 +164,8 @@ class VisitedStates {
     std::uint32_t m_width;
     StateNumber m_size = 0;
     std::vector<LargeArray<Word>> m_blocks;
+    /// By block: where its words would begin if it had the states before it, too.
+    std::array<std::uintptr_t, 33 - first_block_bits> m_bases{};
     LargeArray<Bucket> m_buckets;
     std::size_t m_bucket_count = 0;
 };
