@@ -158,9 +158,9 @@ class Compiler {
         for (std::vector<VertexNumber> const& members : m_graph.components) {
             for (bool changed = true; changed;) {
                 changed = false;
-                for (VertexNumber const member : members) {
-                    if (m_part_of[member] != none && m_graph.vertices[member].is_construct &&
-                        describe(m_machine->parts[m_part_of[member]])) {
+                for (auto member = members.rbegin(); member != members.rend(); ++member) {
+                    if (m_part_of[*member] != none && m_graph.vertices[*member].is_construct &&
+                        describe(m_machine->parts[m_part_of[*member]])) {
                         changed = members.size() > 1;
                     }
                 }

@@ -43,7 +43,8 @@ struct FlatRules {
     /// A slot of the target whose component starts afresh.
     static constexpr std::uint32_t fresh = none;
 
-    /// Ascending by event, those of one event in the order of the constructs' rules; no two alike.
+    /// Ascending by event, those of one event in the order of the constructs' rules, where doubles
+    /// side by side count once.
     std::vector<Rule> rules;
     std::vector<Participant> participants; // rule after rule
     std::vector<std::uint32_t> sources; // rule after rule: for each slot of the target, whose state

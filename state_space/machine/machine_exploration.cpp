@@ -76,6 +76,7 @@ MachineExploration explore_by_machine(ProcessPointer const& start, NamedProcessS
         result.run = refused(refusal.what());
     }
     if (!result.run.refusal.empty()) {
+        result.run = refused(std::move(result.run.refusal));
         result.states.reset();
         result.machine.reset();
     }

@@ -25,7 +25,7 @@ MachineExploration explore_by_machine(ProcessCompiler::ProcessPointer const& sta
 std::vector<std::uint32_t> components_in(MachineExploration const& exploration, StateNumber state);
 
 /// Which of them take part in the step to `target` with `event`: the slots, ascending, by the first
-/// rule that leads so. Empty when no component takes part, and when there is no such step.
+/// rule that leads so; it must be a step that was explored. Empty when no component takes part.
 std::vector<std::uint32_t> slots_taking_part(MachineExploration const& exploration,
                                              StateNumber source, unsigned event,
                                              StateNumber target);

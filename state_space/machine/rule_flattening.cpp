@@ -145,7 +145,8 @@ std::uint32_t RuleFlattening::place_of(unsigned argument, std::vector<unsigned> 
     return found == active.end() ? none : static_cast<std::uint32_t>(found - active.begin());
 }
 
-/// By event, and without repetitions: some constructs list a rule twice.
+/// By event. Some constructs list a rule twice: where the two meet, one goes. Others may stay, as
+/// the transitions of a state are a set in any case.
 FlatRules RuleFlattening::sorted() const {
     auto const same = [this](FlatRules::Rule const& left, FlatRules::Rule const& right) {
         auto const left_participants = m_flat.participants_of(left);

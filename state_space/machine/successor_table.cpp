@@ -81,7 +81,7 @@ void SuccessorTable::mark_repeating_rules(FlatRules const& flat) {
         while (last < m_rules.size() && flat.rules[last].event == flat.rules[first].event) {
             ++last;
         }
-        if (last - first > 1) {
+        if (last - first > 1 || !flat.rules[first].stays()) {
             mark_group(flat, first, last, takers_of_slot);
         }
         first = last;

@@ -16,7 +16,8 @@ namespace Calder::StateSpace {
 ///
 /// The transitions of a state are a set. Two rules can report the same transition only where they
 /// have one event; a rule is known to be on its own when it changes a slot in which no other rule
-/// of the event takes part. The steps of all others are marked.
+/// of the event takes part. The steps of all others are marked; so are those of a rule that leaves
+/// the configuration, which can forget what was chosen.
 ///
 /// After it is made it does not change, and threads may share it.
 class SuccessorTable {

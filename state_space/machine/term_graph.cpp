@@ -133,13 +133,14 @@ class LevelDecision {
     }
 
   private:
-    /// Whether any of the members becomes a construct.
+    /// Whether any of the members becomes a construct. Goes from what was found last to what was
+    /// found first, as what is inside decides.
     bool decide(std::vector<VertexNumber> const& members) {
         bool any = false;
         for (bool changed = true; changed;) {
             changed = false;
-            for (VertexNumber const member : members) {
-                Vertex& vertex = m_graph.vertices[member];
+            for (auto member = members.rbegin(); member != members.rend(); ++member) {
+                Vertex& vertex = m_graph.vertices[*member];
                 if (!vertex.is_construct && wants_to_be_construct(vertex)) {
                     vertex.is_construct = changed = any = true;
                 }

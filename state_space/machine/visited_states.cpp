@@ -1,7 +1,6 @@
 #include "state_space/machine/visited_states.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace Calder::StateSpace {
 
@@ -29,27 +28,28 @@ void VisitedStates::make_room(std::uint64_t count) {
 }
 
 void VisitedStates::widen(std::uint32_t width) {
-    std::vector<LargeArray<Word>> const narrow = std::move(m_blocks);
-    std::uint32_t const narrow_width = std::exchange(m_width, width);
-    m_blocks.clear();
-    for (unsigned number = 0; number < narrow.size(); ++number) {
-        put_block(number, make_large_array<Word>(size_of(number) * width));
-        StateNumber const first = first_of(number);
-        for (StateNumber state = first; state < m_size && block_of(state) == number; ++state) {
-            Word* const place = writable_words(state);
-            std::copy_n(&narrow[number][std::size_t{state - first} * narrow_width], narrow_width,
-                        place);
-            std::fill_n(place + narrow_width, width - narrow_width, Word{0});
-        }
+    std::vector<LargeArray<Word>> wide;
+    for (unsigned number = 0; number < m_blocks.size(); ++number) {
+        wide.push_back(make_large_array<Word>(size_of(number) * width));
+    }
+    for (StateNumber state = 0; state < m_size; ++state) {
+        unsigned const number = block_of(state);
+        Word* const place = &wide[number][std::size_t{state - first_of(number)} * width];
+        std::copy_n(words(state), m_width, place);
+        std::fill_n(place + m_width, width - m_width, Word{0});
+    }
+    m_width = width;
+    m_blocks = std::move(wide);
+    for (unsigned number = 0; number < m_blocks.size(); ++number) {
+        set_base(number);
     }
     fill_buckets(m_bucket_count);
 }
 
 /// The bases are numbers, as pointers in front of a block would be no pointers.
-void VisitedStates::put_block(unsigned number, LargeArray<Word> block) {
-    m_bases[number] = reinterpret_cast<std::uintptr_t>(block.get()) -
-                      std::size_t{first_of(number)} * m_width * sizeof(Word);
-    m_blocks.push_back(std::move(block));
+void VisitedStates::set_base(unsigned block) {
+    m_bases[block] = reinterpret_cast<std::uintptr_t>(m_blocks[block].get()) -
+                     std::size_t{first_of(block)} * m_width * sizeof(Word);
 }
 
 std::uint64_t VisitedStates::memory_bytes() const noexcept {
@@ -94,7 +94,8 @@ void VisitedStates::insert(StateNumber state, std::uint64_t hash) noexcept {
 StateNumber VisitedStates::add(std::size_t bucket, Word const* words, std::uint64_t hash) {
     unsigned const block = block_of(m_size);
     if (block == m_blocks.size()) {
-        put_block(block, make_large_array<Word>(size_of(block) * m_width));
+        m_blocks.push_back(make_large_array<Word>(size_of(block) * m_width));
+        set_base(block);
     }
     copy_words(words, writable_words(m_size), m_width);
     m_buckets[bucket].append(m_size, tag_of(hash));

@@ -90,7 +90,8 @@ class VisitedStates {
     /// found any more, but the states are still there.
     void make_room(std::uint64_t count);
 
-    /// Makes every state `width` words long, the new ones zero.
+    /// Makes every state `width` words long, the new ones zero. Where that throws std::bad_alloc,
+    /// the states are as before, though perhaps not to be found any more.
     void widen(std::uint32_t width);
 
     std::uint64_t memory_bytes() const noexcept;
@@ -152,7 +153,7 @@ class VisitedStates {
     std::size_t next(std::size_t bucket) const noexcept {
         return bucket + 1 == m_bucket_count ? 0 : bucket + 1;
     }
-    void put_block(unsigned number, LargeArray<Word> block);
+    void set_base(unsigned block);
     Word* writable_words(StateNumber state) noexcept {
         return const_cast<Word*>(words(state));
     }

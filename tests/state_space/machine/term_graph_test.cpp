@@ -1,0 +1,229 @@
+#include "state_space/machine/term_graph.h"
+#include "tests/state_space/machine/fake_construct.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <pthread.h>
+#include <random>
+
+namespace Calder::StateSpace {
+namespace {
+
+using ProcessCompiler::NamedProcess;
+using ProcessCompiler::NamedProcessSource;
+using ProcessCompiler::ProcessPointer;
+using Testing::CompilationLevel;
+using Testing::FakeConstruct;
+using Testing::leaf;
+
+using Names = std::vector<std::string>;
+using Terms = std::vector<ProcessPointer>;
+
+constexpr std::nullopt_t as_wished = std::nullopt;
+
+ProcessPointer leveled(std::string name, std::optional<CompilationLevel> level, Terms const& terms,
+                       std::set<unsigned> forbidden = {}) {
+    auto* const made = new FakeConstruct(std::move(name), terms);
+    made->level = level;
+    made->forbids_recursion = std::move(forbidden);
+    return made;
+}
+
+ProcessPointer high(std::string name, Terms const& terms, std::set<unsigned> forbidden = {}) {
+    return leveled(std::move(name), CompilationLevel::high, terms, std::move(forbidden));
+}
+
+ProcessPointer low(std::string name, Terms const& terms, std::set<unsigned> forbidden = {}) {
+    return leveled(std::move(name), CompilationLevel::low, terms, std::move(forbidden));
+}
+
+std::string name_of(TermGraph::Vertex const& vertex) {
+    return vertex.is_name ? static_cast<NamedProcess const&>(*vertex.term).name()
+                          : static_cast<Testing::FakeProcess const&>(*vertex.term).name;
+}
+
+Names constructs_of(TermGraph const& graph) {
+    Names names;
+    for (TermGraph::Vertex const& vertex : graph.vertices) {
+        if (vertex.is_construct) {
+            names.push_back(name_of(vertex));
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+TEST(MachineTermGraph, a_term_is_a_construct_if_it_or_something_inside_prefers_the_high_level) {
+    ProcessPointer const a = leaf("a", {{}});
+    NamedProcessSource source;
+    source.define("N", high("H", {a}));
+    source.define("M", a);
+    ProcessPointer const n = source.reference("N");
+    ProcessPointer const m = source.reference("M");
+    struct {
+        char const* shape;
+        ProcessPointer term;
+        Names constructs;
+    } const rows[] = {
+        {"no arguments", high("H", {}), {}},
+        {"high over a leaf", high("H", {a}), {"H"}},
+        {"low over a leaf", low("L", {a}), {}},
+        {"low over high", low("L", {a, high("H", {a})}), {"H", "L"}},
+        {"low over low over high", low("L", {low("K", {high("H", {a})})}), {"H", "K", "L"}},
+        {"high over low", high("H", {low("L", {a})}), {"H"}},
+        {"as wished, with nothing wished", leveled("W", as_wished, {low("L", {a})}), {}},
+        {"as wished over high", leveled("W", as_wished, {high("H", {a})}), {"H", "W"}},
+        {"high beside low", high("R", {low("L", {a}), high("H", {a})}), {"H", "R"}},
+        {"low over high without arguments", low("L", {high("H", {})}), {}},
+        {"low over a name of high", low("L", {n}), {"H", "L", "N"}},
+        {"low over a name of a leaf", low("L", {m}), {}},
+        {"high over a name of a leaf", high("R", {m}), {"R"}},
+    };
+    for (auto const& row : rows) {
+        EXPECT_EQ(constructs_of(make_term_graph(row.term, source)), row.constructs) << row.shape;
+    }
+}
+
+TEST(MachineTermGraph, equal_terms_are_one_vertex) {
+    auto const same = [] { return high("S", {leaf("a", {{}}), leaf("a", {{}})}); };
+    TermGraph const graph = make_term_graph(high("R", {same(), leaf("b", {{}}), same()}), {});
+    ASSERT_EQ(graph.vertices.size(), 4U);
+    EXPECT_EQ(graph.vertices[0].next, (std::vector<VertexNumber>{1, 2, 1}));
+    EXPECT_EQ(graph.vertices[1].next, (std::vector<VertexNumber>{3, 3}));
+    EXPECT_EQ(name_of(graph.vertices[2]), "b0");
+}
+
+TEST(MachineTermGraph, a_name_leads_to_what_it_stands_for) {
+    NamedProcessSource source;
+    source.define("P", high("H", {source.reference("Q")}));
+    source.define("Q", leaf("a", {{}}));
+    TermGraph const graph = make_term_graph(source.reference("P"), source);
+    ASSERT_EQ(graph.vertices.size(), 4U);
+    Names names;
+    for (TermGraph::Vertex const& vertex : graph.vertices) {
+        names.push_back(name_of(vertex));
+        EXPECT_EQ(vertex.is_name, names.back() == "P" || names.back() == "Q");
+    }
+    EXPECT_EQ(names, (Names{"P", "H", "Q", "a0"}));
+    for (VertexNumber vertex = 0; vertex < 3; ++vertex) {
+        EXPECT_EQ(graph.vertices[vertex].next, std::vector<VertexNumber>{vertex + 1});
+    }
+}
+
+TEST(MachineTermGraph, recursion_is_refused_where_a_construct_forbids_it) {
+    struct {
+        char const* what;
+        std::set<unsigned> forbidden_by_outer, forbidden_by_inner;
+        bool inner_is_high;
+        Names constructs;
+        Names refused; // the construct, its argument, the names on the cycle
+    } const rows[] = {
+        {"allowed", {}, {}, true, {"Inner", "Outer", "P", "Q", "Top"}, {}},
+        {"forbidden off the cycle", {0}, {1}, true, {"Inner", "Outer", "P", "Q", "Top"}, {}},
+        {"forbidden outside", {1}, {}, true, {"Top"}, {"Outer", "1", "Q", "P"}},
+        {"forbidden inside", {}, {0}, true, {"Top"}, {"Inner", "0", "Q", "P"}},
+        {"forbidden for what is not compiled", {1}, {0}, false, {"Top"}, {}},
+    };
+    for (auto const& row : rows) {
+        NamedProcessSource source;
+        ProcessPointer const q = source.reference("Q"); // comes up before P
+        ProcessPointer const p = source.reference("P");
+        ProcessPointer const a = leaf("a", {{}});
+        source.define("P", low("Outer", {a, q}, row.forbidden_by_outer));
+        source.define("Q",
+                      leveled("Inner",
+                              row.inner_is_high ? CompilationLevel::high : CompilationLevel::low,
+                              {p, a}, row.forbidden_by_inner));
+        TermGraph const graph = make_term_graph(high("Top", {p}, {0}), source);
+        EXPECT_EQ(constructs_of(graph), row.constructs) << row.what;
+        Names refused;
+        for (RefusedRecursion const& each : graph.refused) {
+            refused.push_back(static_cast<FakeConstruct const&>(*each.construct).name);
+            refused.push_back(std::to_string(each.argument));
+            for (auto const& name : each.names) {
+                refused.push_back(name->name());
+            }
+        }
+        EXPECT_EQ(refused, row.refused) << row.what;
+    }
+}
+
+/// By vertex: what can be reached from it in any number of steps.
+std::vector<std::set<VertexNumber>> reachable(TermGraph const& graph) {
+    std::vector<std::set<VertexNumber>> found(graph.vertices.size());
+    for (VertexNumber start = 0; start < graph.vertices.size(); ++start) {
+        std::vector<VertexNumber> waiting{start};
+        while (!waiting.empty()) {
+            VertexNumber const vertex = waiting.back();
+            waiting.pop_back();
+            if (found[start].insert(vertex).second) {
+                auto const& next = graph.vertices[vertex].next;
+                waiting.insert(waiting.end(), next.begin(), next.end());
+            }
+        }
+    }
+    return found;
+}
+
+TEST(MachineTermGraph, components_are_what_reaches_each_other_and_come_after_what_they_lead_to) {
+    for (unsigned seed = 0; seed < 40; ++seed) {
+        std::mt19937 random(seed);
+        NamedProcessSource source;
+        unsigned const size = 3 + seed / 2;
+        for (unsigned i = 0; i < size; ++i) {
+            Terms arguments;
+            for (unsigned count = static_cast<unsigned>(random() % 3); count > 0; --count) {
+                arguments.push_back(source.reference(std::to_string(random() % size)));
+            }
+            source.define(std::to_string(i), low("C" + std::to_string(i), arguments));
+        }
+        TermGraph const graph = make_term_graph(source.reference("0"), source);
+        auto const reached = reachable(graph);
+        std::vector<std::size_t> component_of(graph.vertices.size(), graph.components.size());
+        for (std::size_t number = 0; number < graph.components.size(); ++number) {
+            for (VertexNumber const member : graph.components[number]) {
+                component_of[member] = number;
+            }
+        }
+        for (VertexNumber i = 0; i < graph.vertices.size(); ++i) {
+            ASSERT_LT(component_of[i], graph.components.size()) << seed;
+            for (VertexNumber const j : reached[i]) {
+                ASSERT_EQ(component_of[i] == component_of[j], reached[j].count(i) > 0) << seed;
+                ASSERT_GE(component_of[i], component_of[j]) << seed;
+            }
+        }
+    }
+}
+
+void follow_a_long_chain_of_names() {
+    constexpr unsigned length = 100'000;
+    NamedProcessSource source;
+    for (unsigned i = 0; i < length; ++i) {
+        source.define(std::to_string(i), source.reference(std::to_string(i + 1)));
+    }
+    source.define(std::to_string(length), high("H", {leaf("a", {{}})}));
+    TermGraph graph = make_term_graph(source.reference("0"), source);
+    EXPECT_EQ(graph.vertices.size(), length + 3);
+    EXPECT_EQ(constructs_of(graph).size(), length + 2);
+    Compilation const compilation = compile(std::move(graph), source);
+    ASSERT_NE(compilation.machine, nullptr);
+    EXPECT_EQ(compilation.machine->parts.size(), 2U);
+}
+
+TEST(MachineTermGraph, a_long_chain_of_names_needs_no_stack) {
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{1} << 20), 0);
+    pthread_t thread{};
+    auto const body = [](void*) -> void* {
+        follow_a_long_chain_of_names();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, body, nullptr), 0);
+    ASSERT_EQ(pthread_join(thread, nullptr), 0);
+    pthread_attr_destroy(&attributes);
+}
+
+} // namespace
+} // namespace Calder::StateSpace
