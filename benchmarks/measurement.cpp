@@ -69,6 +69,41 @@ void measure_exploration(benchmark::State& state, ProcessPointer const& start,
     report_transitions(state, transitions, allocations() - before);
 }
 
+void measure_machine(benchmark::State& state, ProcessPointer const& start,
+                     NamedProcessSource const& source, StateSpace::RunOptions const& options) {
+    std::uint64_t transitions = 0;
+    for (auto _ : state) {
+        auto const [run, machine, states, refused] =
+            StateSpace::explore_by_machine(start, source, options);
+        if (!machine) {
+            state.SkipWithError("there is no machine");
+            return;
+        }
+        transitions += run.transition_count;
+        state.counters["states"] = run.state_count;
+        state.counters["bytes/state"] =
+            static_cast<double>(run.states->memory_bytes()) / static_cast<double>(run.state_count);
+        state.counters["transitions"] = static_cast<double>(run.transition_count);
+    }
+    state.counters["transitions/s"] =
+        benchmark::Counter(static_cast<double>(transitions), benchmark::Counter::kIsRate);
+}
+
+void measure_compilation(benchmark::State& state, ProcessPointer const& start,
+                         NamedProcessSource const& source) {
+    for (auto _ : state) {
+        StateSpace::Compilation const compilation =
+            StateSpace::compile(StateSpace::make_term_graph(start, source), source);
+        if (!compilation.machine) {
+            state.SkipWithError("there is no machine");
+            return;
+        }
+        StateSpace::MachineStates const states(*compilation.machine);
+        benchmark::DoNotOptimize(states.width());
+        state.counters["components"] = static_cast<double>(compilation.machine->components.size());
+    }
+}
+
 void measure_visit(benchmark::State& state, ProcessPointer const& term,
                    NamedProcessSource const& source) {
     std::uint64_t transitions = 0;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "process_compiler/named_process_source.h"
-#include "state_space/exploration.h"
+#include "state_space/machine/machine_exploration.h"
 
 #include <benchmark/benchmark.h>
 
@@ -22,8 +22,18 @@ void report_transitions(benchmark::State& state, std::uint64_t transitions,
 void measure_exploration(benchmark::State& state, ProcessCompiler::ProcessPointer const& start,
                          ProcessCompiler::NamedProcessSource const& source);
 
-/// The same for nothing but asking `term` for its transitions, over and over: what is measured is
-/// the construct alone.
+/// Compiles `start` and runs the machine again and again; counts the same but for allocations, and
+/// of the bytes those of the states and their table.
+void measure_machine(benchmark::State& state, ProcessCompiler::ProcessPointer const& start,
+                     ProcessCompiler::NamedProcessSource const& source,
+                     StateSpace::RunOptions const& options);
+
+/// Compiles `start` again and again, up to the table of its first configuration.
+void measure_compilation(benchmark::State& state, ProcessCompiler::ProcessPointer const& start,
+                         ProcessCompiler::NamedProcessSource const& source);
+
+/// Asks `term` for its transitions, over and over, and counts those and allocations: what is measured
+/// is the construct alone.
 void measure_visit(benchmark::State& state, ProcessCompiler::ProcessPointer const& term,
                    ProcessCompiler::NamedProcessSource const& source);
 

@@ -22,10 +22,8 @@ constexpr std::chrono::milliseconds between_looks(5);
 constexpr std::size_t bucket_distance = 32;
 constexpr std::size_t state_distance = 16;
 
-/// Steps wanted of one job: alone, what stays in the fastest cache; among several threads, what
-/// makes handing it over cheap.
-constexpr std::uint64_t steps_alone = 1024;
-constexpr std::uint64_t steps_among_several = 4096;
+/// Steps wanted of one job: what stays in a core's own cache, and makes handing it over cheap.
+constexpr std::uint64_t steps_wanted = 4096;
 constexpr std::uint64_t most_sources = 1024;
 
 class Runner {
@@ -142,8 +140,7 @@ void Runner::fill(SearchJob& job) {
 
 /// By how many successors the states had so far.
 std::uint64_t Runner::sources_wanted() const {
-    std::uint64_t const steps = m_options.threads > 1 ? steps_among_several : steps_alone;
-    return std::clamp<std::uint64_t>(steps * (m_explored + 1) / (m_transitions + 1), 1,
+    return std::clamp<std::uint64_t>(steps_wanted * (m_explored + 1) / (m_transitions + 1), 1,
                                      most_sources);
 }
 

@@ -9,8 +9,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <iostream>
 #include <optional>
+#include <sstream>
 
 namespace Calder::Oracle {
 namespace {
@@ -153,6 +155,17 @@ TEST(Machine, most_random_models_are_compared_and_many_state_by_state) {
     }
     EXPECT_GT(compared, models / 2);
     EXPECT_GT(state_by_state, models / 100);
+}
+
+/// Users read of the differences in the documentation.
+TEST(Machine, every_deliberate_difference_is_documented) {
+    std::stringstream text;
+    text << std::ifstream(CALDER_DOCS "/machines.md").rdbuf();
+    for (DeliberateDifference const& row : deliberate_differences()) {
+        std::string const line = std::string("| ") + row.construct + " | " + row.where + " | " +
+                                 row.by_transitions + " | " + row.by_formats + " |\n";
+        EXPECT_NE(text.str().find(line), std::string::npos) << line;
+    }
 }
 
 TEST(Machine, differs_where_it_is_meant_to) {

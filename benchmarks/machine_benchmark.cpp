@@ -1,0 +1,90 @@
+#include "benchmarks/measurement.h"
+#include "benchmarks/philosophers.h"
+#include "csp/rename_operator.h"
+
+namespace Calder::Benchmarks {
+namespace {
+
+using StateSpace::RunOptions;
+
+RunOptions counting(unsigned threads, StateSpace::StateNumber max_states = StateSpace::no_state) {
+    RunOptions options;
+    options.threads = threads;
+    options.max_states = max_states;
+    options.keep_transitions = false;
+    return options;
+}
+
+/// Arguments: philosophers, threads.
+void philosophers(benchmark::State& state) {
+    Philosophers const model(static_cast<unsigned>(state.range(0)));
+    measure_machine(state, model.start, model.source,
+                    counting(static_cast<unsigned>(state.range(1))));
+}
+BENCHMARK(philosophers)
+    ->ArgsProduct({{5, 6, 7, 8, 9, 10, 11}, {1}})
+    ->Args({9, 2})
+    ->Args({10, 2})
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+
+/// The same with the transitions kept.
+void philosophers_kept(benchmark::State& state) {
+    Philosophers const model(static_cast<unsigned>(state.range(0)));
+    RunOptions options = counting(1);
+    options.keep_transitions = true;
+    measure_machine(state, model.start, model.source, options);
+}
+BENCHMARK(philosophers_kept)->Arg(9)->Unit(benchmark::kMillisecond);
+
+/// Argument: components. As many philosophers as there are forks, up to a million states.
+void growth_with_components(benchmark::State& state) {
+    Philosophers const model(static_cast<unsigned>(state.range(0)) / 2);
+    measure_machine(state, model.start, model.source, counting(1, 1'000'000));
+}
+BENCHMARK(growth_with_components)
+    ->Arg(10)
+    ->Arg(20)
+    ->Arg(50)
+    ->Arg(100)
+    ->Arg(200)
+    ->Arg(500)
+    ->Arg(1000)
+    ->Unit(benchmark::kMillisecond);
+
+/// Argument: states, of eleven philosophers.
+void growth_with_states(benchmark::State& state) {
+    Philosophers const model(11);
+    measure_machine(state, model.start, model.source,
+                    counting(1, static_cast<StateSpace::StateNumber>(state.range(0))));
+}
+BENCHMARK(growth_with_states)
+    ->RangeMultiplier(10)
+    ->Range(10'000, 10'000'000)
+    ->Unit(benchmark::kMillisecond);
+
+/// Argument: components, all different.
+void compile_philosophers(benchmark::State& state) {
+    Philosophers const model(static_cast<unsigned>(state.range(0)) / 2);
+    measure_compilation(state, model.start, model.source);
+}
+BENCHMARK(compile_philosophers)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+/// Argument: components, all one but for a renaming each.
+void compile_renamed(benchmark::State& state) {
+    auto const count = static_cast<unsigned>(state.range(0));
+    NamedProcessSource source;
+    ProcessPointer const node = two_states(source, 0);
+    OwningArray<ProcessPointer> ring(count);
+    for (unsigned i = 0; i < count; ++i) {
+        FixedArray<std::pair<unsigned, unsigned>> pairs(2);
+        pairs[0] = {first_visible_event, first_visible_event + 2 + i};
+        pairs[1] = {first_visible_event + 1, first_visible_event + 2 + (i + 1) % count};
+        ring[i] = new OperatorProcess(new RenameOperator(pairs), node);
+    }
+    measure_compilation(state, new InterleaveProcess(ring), source);
+}
+BENCHMARK(compile_renamed)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+} // namespace
+} // namespace Calder::Benchmarks
