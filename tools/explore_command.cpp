@@ -32,15 +32,6 @@ unsigned thread_count(ExploreOptions const& options) {
     return options.threads.value_or(std::max(std::thread::hardware_concurrency(), 1U));
 }
 
-StateSpace::Run run_of(StateSpace::Exploration exploration) {
-    StateSpace::Run run;
-    run.state_count = exploration.lts.state_count();
-    run.transition_count = exploration.lts.transition_count();
-    run.outcome = exploration.outcome;
-    run.lts = std::move(exploration.lts);
-    return run;
-}
-
 /// By the machine, if it is wanted and there is one; otherwise by terms.
 StateSpace::MachineExploration explore(Script::Script const& script,
                                        Script::Script::Definition const& definition,
@@ -68,7 +59,8 @@ StateSpace::MachineExploration explore(Script::Script const& script,
                        recursion_notes(result.refused, script, options.input.file));
         }
     }
-    result.run = run_of(StateSpace::explore(definition.term, script.processes(), bounds));
+    result.run =
+        StateSpace::run_of(StateSpace::explore(definition.term, script.processes(), bounds));
     return result;
 }
 

@@ -11,15 +11,6 @@ using ProcessCompiler::ProcessPointer;
 
 namespace {
 
-Run run_of(Exploration exploration) {
-    Run run;
-    run.state_count = exploration.lts.state_count();
-    run.transition_count = exploration.lts.transition_count();
-    run.outcome = exploration.outcome;
-    run.lts = std::move(exploration.lts);
-    return run;
-}
-
 Run refused(std::string reason) {
     Run run;
     run.refusal = std::move(reason);

@@ -64,6 +64,7 @@ class Runner {
     void begin_looking_ahead(SearchJob const& job);
     std::uint64_t sources_wanted() const;
     bool look_around();
+    bool is_memory_short(std::uint64_t resident) const;
 
     bool stop(Outcome outcome) {
         m_outcome = outcome;
@@ -78,6 +79,7 @@ class Runner {
     StateNumber m_handed_out = 0; // states whose successors are being looked for, or known
     StateNumber m_explored = 0;
     std::uint64_t m_transitions = 0;
+    std::uint64_t m_transitions_at_look = 0;
     StateNumber m_depth = 0;
     StateNumber m_level_end = 1;
     /// Of the steps to come, the states that they most likely lead to: step i is at i modulo the
@@ -229,13 +231,10 @@ bool Runner::look_around() {
     }
     m_last_look = now;
     std::uint64_t const resident = resident_bytes();
-    // Until the next look, about as many steps as an earlier period of that length had at most.
-    constexpr std::uint64_t steps_ahead = 1 << 18;
-    if (m_options.max_memory != 0 &&
-        resident + m_states->growth_bytes(steps_ahead) + m_builder.growth_bytes(steps_ahead) >
-            m_options.max_memory) {
+    if (is_memory_short(resident)) {
         return stop(Outcome::memory_limit);
     }
+    m_transitions_at_look = m_transitions;
     StateNumber const states = m_states->size();
     return !m_options.progress ||
            m_options.progress(Progress{states, m_transitions, m_explored, states - m_explored,
@@ -243,7 +242,25 @@ bool Runner::look_around() {
            stop(Outcome::interrupted);
 }
 
+/// Whether the limit would be passed before the next look, if twice as much happens until then as
+/// since the last one.
+bool Runner::is_memory_short(std::uint64_t resident) const {
+    std::uint64_t const steps = 2 * (m_transitions - m_transitions_at_look) + steps_wanted;
+    return m_options.max_memory != 0 &&
+           resident + m_states->growth_bytes(steps) + m_builder.growth_bytes(steps) >
+               m_options.max_memory;
+}
+
 } // namespace
+
+Run run_of(Exploration exploration) {
+    Run run;
+    run.state_count = exploration.lts.state_count();
+    run.transition_count = exploration.lts.transition_count();
+    run.outcome = exploration.outcome;
+    run.lts = std::move(exploration.lts);
+    return run;
+}
 
 Run run(MachineStates& machine, RunOptions const& options) {
     return Runner(machine, options).run();

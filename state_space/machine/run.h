@@ -27,6 +27,9 @@ struct Run {
     std::unique_ptr<VisitedStates const> states{};
 };
 
+/// What an exploration term by term found, in the same form.
+Run run_of(Exploration exploration);
+
 /// Explores what the machine can do, breadth-first: states are numbered in the order in which they
 /// are first reached, the transitions of a state ascending by event. An early end leaves what
 /// `explore` would leave.

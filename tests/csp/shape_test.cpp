@@ -17,6 +17,7 @@
 #include "csp/synchronising_interrupt_operator.h"
 #include "tests/csp/construct_test.h"
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 
@@ -213,6 +214,51 @@ TEST_F(OperatorShapeTest, answers_by_argument_and_questions_that_end_the_program
                         [&](unsigned index) { return op.process_state(index); });
         expect_by_index(shape.discarded_by, [&](unsigned index) { return op.discarded_by(index); });
         expect_by_index(shape.turned_on_by, [&](unsigned index) { return op.turned_on_by(index); });
+    }
+}
+
+/// Whether argument `index` runs in the format.
+bool runs_in(HighLevelMachine::UnCompiledFormat const& format, unsigned index) {
+    auto const& active = format.active_components;
+    return std::find(active.begin(), active.end(), index) != active.end();
+}
+
+/// A host learns from the answers and from the formats how the arguments run: both must say the
+/// same. `construct` is a process or an operator of `count` arguments.
+template <typename Construct> void expect_one_account(Construct const& construct, unsigned count) {
+    std::vector<BitSet> const alphabets(count, BitSet{tau, tick, 3, 4});
+    auto const formats = construct.high_level_formats(alphabets);
+    bool any_runs = false;
+    for (unsigned index = 0; index < count; ++index) {
+        SCOPED_TRACE(index);
+        bool const runs = runs_in(formats->front(), index);
+        any_runs = any_runs || runs;
+        EXPECT_EQ(construct.process_state(index) == ArgumentState::on, runs);
+        bool is_turned_on = false;
+        for (auto const& rule : formats->front().rules) {
+            if (!runs && runs_in(formats->at(rule.target_format), index)) {
+                is_turned_on = true;
+                EXPECT_EQ(construct.turned_on_by(index) == TurnedOnBy::silent_step,
+                          rule.event == tau);
+            }
+        }
+        EXPECT_NE(is_turned_on, runs);
+    }
+    EXPECT_EQ(construct.recursion_type() == RecursionType::starts_none, !any_runs);
+}
+
+TEST_F(OperatorShapeTest, answers_and_formats_agree_on_which_arguments_run_and_when) {
+    for (Shape const& shape : shapes()) {
+        SCOPED_TRACE(shape.name);
+        if (shape.argument_count > 0) {
+            expect_one_account(*shape.term, shape.argument_count);
+        }
+    }
+    for (OperatorShape const& shape : operator_shapes()) {
+        SCOPED_TRACE(shape.name);
+        auto const [precedence, associativity] = shape.print_information;
+        bool const is_postfix = precedence == 10 || precedence == 1; // hide, project; rename
+        expect_one_account(*shape.op, is_postfix ? 1 : 2);
     }
 }
 
