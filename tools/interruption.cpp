@@ -1,22 +1,45 @@
 #include "tools/interruption.h"
 
+#include <atomic>
 #include <csignal>
+#include <cstdint>
+#include <ctime>
 
 namespace Calder::Tools {
 
 namespace {
 
-volatile std::sig_atomic_t signal_came = 0;
-
 constexpr int watched[] = {SIGINT, SIGTERM};
+
+/// Who sends a signal to the command and to its process group sends it twice at once, and two
+/// threads may each get one. Only what comes later than this, in nanoseconds, is a second wish.
+constexpr std::int64_t same_wish = 200'000'000;
+
+/// When the first signal came; 0 before.
+std::atomic<std::int64_t> first_signal = 0;
+static_assert(std::atomic<std::int64_t>::is_always_lock_free); // else no signal handler may use it
+
+std::int64_t now() {
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
+void note_signal(int signal) {
+    std::int64_t first = 0;
+    if (!first_signal.compare_exchange_strong(first, now()) && now() - first > same_wish) {
+        std::signal(signal, SIG_DFL);
+        std::raise(signal);
+    }
+}
 
 } // namespace
 
 InterruptionWatch::InterruptionWatch() {
-    signal_came = 0;
+    first_signal = 0;
     struct sigaction action {};
-    action.sa_handler = [](int) { signal_came = 1; };
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    action.sa_handler = note_signal;
+    action.sa_flags = SA_RESTART;
     for (int const signal : watched) {
         sigaction(signal, &action, nullptr);
     }
@@ -29,7 +52,7 @@ InterruptionWatch::~InterruptionWatch() {
 }
 
 bool InterruptionWatch::interrupted() const {
-    return signal_came != 0;
+    return first_signal != 0;
 }
 
 } // namespace Calder::Tools
