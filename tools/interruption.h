@@ -3,7 +3,7 @@
 namespace Calder::Tools {
 
 /// While one lives, the first Ctrl-C (SIGINT) or SIGTERM is only noted, so that what was found so
-/// far can be told; a second one ends the program as usual.
+/// far can be told; one that comes a moment later ends the program as usual.
 class InterruptionWatch {
   public:
     InterruptionWatch();

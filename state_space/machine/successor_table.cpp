@@ -148,9 +148,11 @@ std::size_t SuccessorTable::add_filter(std::vector<SlotFilter> const& slots, std
     std::size_t last = first;
     for (; last < slots.size(); ++last) {
         Layout::Slot const& slot = m_layout.slots()[slots[last].slot];
+        if (slot.word != filter.word) {
+            break;
+        }
         Word const mask = filter.mask | slot.mask << (slot.shift - filter.shift);
-        if (slots[last].slot != slots[first].slot &&
-            (slot.word != filter.word || mask > most_joint_values)) {
+        if (slots[last].slot != slots[first].slot && mask > most_joint_values) {
             break;
         }
         filter.mask = mask;

@@ -41,15 +41,9 @@ void VisitedStates::widen(std::uint32_t width) {
     m_width = width;
     m_blocks = std::move(wide);
     for (unsigned number = 0; number < m_blocks.size(); ++number) {
-        set_base(number);
+        m_begins[number] = m_blocks[number].get();
     }
     fill_buckets(m_bucket_count);
-}
-
-/// The bases are numbers, as pointers in front of a block would be no pointers.
-void VisitedStates::set_base(unsigned block) {
-    m_bases[block] = reinterpret_cast<std::uintptr_t>(m_blocks[block].get()) -
-                     std::size_t{first_of(block)} * m_width * sizeof(Word);
 }
 
 std::uint64_t VisitedStates::memory_bytes() const noexcept {
@@ -95,9 +89,9 @@ StateNumber VisitedStates::add(std::size_t bucket, Word const* words, std::uint6
     unsigned const block = block_of(m_size);
     if (block == m_blocks.size()) {
         m_blocks.push_back(make_large_array<Word>(size_of(block) * m_width));
-        set_base(block);
+        m_begins[block] = m_blocks[block].get();
     }
-    copy_words(words, writable_words(m_size), m_width);
+    copy_words(words, m_begins[block] + std::size_t{m_size - first_of(block)} * m_width, m_width);
     m_buckets[bucket].append(m_size, tag_of(hash));
     return m_size++;
 }

@@ -34,8 +34,8 @@ class VisitedStates {
     std::uint32_t width() const noexcept { return m_width; }
 
     Word const* words(StateNumber state) const noexcept {
-        return reinterpret_cast<Word const*>(m_bases[block_of(state)] +
-                                             std::size_t{state} * m_width * sizeof(Word));
+        unsigned const block = block_of(state);
+        return m_begins[block] + std::size_t{state - first_of(block)} * m_width;
     }
 
     static std::uint64_t hash(Word const* words, std::uint32_t width) noexcept {
@@ -153,7 +153,6 @@ class VisitedStates {
     std::size_t next(std::size_t bucket) const noexcept {
         return bucket + 1 == m_bucket_count ? 0 : bucket + 1;
     }
-    void set_base(unsigned block);
     Word* writable_words(StateNumber state) noexcept {
         return const_cast<Word*>(words(state));
     }
@@ -165,8 +164,8 @@ class VisitedStates {
     std::uint32_t m_width;
     StateNumber m_size = 0;
     std::vector<LargeArray<Word>> m_blocks;
-    /// By block: where its words would begin if it had the states before it, too.
-    std::array<std::uintptr_t, 33 - first_block_bits> m_bases{};
+    /// Where each block begins, closer at hand than its owner.
+    std::array<Word*, 33 - first_block_bits> m_begins{};
     LargeArray<Bucket> m_buckets;
     std::size_t m_bucket_count = 0;
 };

@@ -13,15 +13,23 @@ std::atomic<std::size_t> allocations = 0;
 // The operators of the whole program. In a file of their own: where g++ 12 sees one of a pair and
 // not the other, it takes them for mismatched.
 
-void* operator new(std::size_t size) {
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
     ++allocations;
-    if (void* const block = std::malloc(size)) {
+    return std::malloc(size);
+}
+
+void* operator new(std::size_t size) {
+    if (void* const block = operator new(size, std::nothrow)) {
         return block;
     }
     throw std::bad_alloc();
 }
 
 void operator delete(void* block) noexcept {
+    std::free(block);
+}
+
+void operator delete(void* block, std::nothrow_t const&) noexcept {
     std::free(block);
 }
 
