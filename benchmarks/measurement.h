@@ -32,8 +32,8 @@ void measure_machine(benchmark::State& state, ProcessCompiler::ProcessPointer co
 void measure_compilation(benchmark::State& state, ProcessCompiler::ProcessPointer const& start,
                          ProcessCompiler::NamedProcessSource const& source);
 
-/// Asks `term` for its transitions, over and over, and counts those and allocations: what is measured
-/// is the construct alone.
+/// Asks `term` for its transitions, over and over, and counts those and allocations: what is
+/// measured is the construct alone.
 void measure_visit(benchmark::State& state, ProcessCompiler::ProcessPointer const& term,
                    ProcessCompiler::NamedProcessSource const& source);
 

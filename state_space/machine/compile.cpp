@@ -168,7 +168,7 @@ class Compiler {
         }
     }
 
-    /// Formats and alphabet by the present alphabets of the arguments; whether the alphabet changed.
+    /// Formats and alphabet by the present alphabets of the arguments; whether the alphabet grew.
     bool describe(Part& part) {
         std::vector<BitSet> alphabets;
         alphabets.reserve(part.arguments.size());

@@ -76,9 +76,9 @@ class Configurations {
     /// The numbers of the components, by slot.
     std::vector<std::uint32_t> components(ConfigurationNumber number) const;
 
-    /// Made on first use, from those of the configuration's subtrees, which are kept as well. Throws
-    /// MachineRefusal when there are more rules than `most_rules`, or when the tree is too deep for
-    /// the stack. The reference stays good.
+    /// Made on first use, from those of the configuration's subtrees, which are kept as well. The
+    /// reference stays good. Throws MachineRefusal when there are more rules than `most_rules`, or
+    /// when the tree is too deep for the stack.
     FlatRules const& rules(ConfigurationNumber number);
 
     static constexpr std::size_t most_rules = std::size_t{1} << 22;

@@ -54,8 +54,9 @@ struct CompilationOptions {
     std::function<bool(Progress const&)> progress = nullptr;
 };
 
-/// Compiles the start of the graph, where no recursion was refused, by what the constructs say of themselves; no construct is known
-/// here. The demands on `source` are those of `explore`.
+/// Compiles the start of the graph by what the constructs say of themselves; no construct is known
+/// here. Refuses a graph in which recursion was refused. The demands on `source` are those of
+/// `explore`.
 Compilation compile(TermGraph graph, ProcessCompiler::NamedProcessSource const& source,
                     CompilationOptions const& options = {});
 

@@ -63,8 +63,8 @@ class SuccessorSearch {
     SearchJob& free_job() noexcept { return m_places[(m_oldest + m_in_use) % m_places.size()].job; }
     void submit();
 
-    /// The job that was submitted first, once it is done; there must be one. It is the owner's until
-    /// `release_oldest`.
+    /// The job that was submitted first, once it is done; there must be one. It is the owner's
+    /// until `release_oldest`.
     SearchJob& oldest();
     void release_oldest();
 

@@ -173,8 +173,8 @@ class LevelDecision {
         }
     }
 
-    /// Whether the step to argument `index`, within the component, is one of a cycle; a component of
-    /// one vertex need not have any.
+    /// Whether the step to argument `index`, within the component, is one of a cycle; a component
+    /// of one vertex need not have any.
     bool is_on_cycle(std::vector<VertexNumber> const& members, Vertex const& vertex,
                      unsigned index) const {
         return members.size() > 1 || vertex.next[index] == members.front();

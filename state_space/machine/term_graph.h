@@ -29,8 +29,8 @@ struct TermGraph {
         std::vector<VertexNumber> next{};
         bool is_name = false;
         /// Whether it becomes a construct of the machine; otherwise it is explored as it stands.
-        /// A term does if it prefers the high level, or if something inside it does: a prefix before
-        /// a network must not make one component of the network.
+        /// A term does if it prefers the high level, or if something inside it does: a prefix
+        /// before a network must not make one component of the network.
         bool is_construct = false;
     };
 

@@ -17,11 +17,12 @@ namespace Calder::StateSpace {
 
 /// The states of a machine that were reached, numbered in the order in which they were added.
 ///
-/// The words of the states stand in blocks that never move, each as large as all before it. Beside them is an open-addressing table
-/// of buckets of one cache line: 12 numbers, and of each a byte of its state's hash, so that a
-/// search touches the words of few states other than the one it finds. A full bucket goes on in the
-/// next one. The table grows by being made anew from the states, the old one being given back
-/// first; so the two never stand there together. 8 bytes a word, and 6 to 13 bytes a state.
+/// The words of the states stand in blocks that never move, each as large as all before it. Beside
+/// them is an open-addressing table of buckets of one cache line: 12 numbers, and of each a byte of
+/// its state's hash, so that a search touches the words of few states other than the one it finds.
+/// A full bucket goes on in the next one. The table grows by being made anew from the states, the
+/// old one being given back first, so that the two never stand there together. 8 bytes a word, and
+/// 6 to 13 bytes a state.
 ///
 /// A search has three stages, of which the first two only ask for memory ahead of time:
 /// `prefetch_bucket`, `prefetch_state`, `find_or_add`.
@@ -38,6 +39,8 @@ class VisitedStates {
         return m_begins[block] + std::size_t{state - first_of(block)} * m_width;
     }
 
+    /// Word by word a multiplication, its high half brought down before the next, and at the end a
+    /// thorough mixing: a bucket is taken from the upper bits, a tag from the lower ones.
     static std::uint64_t hash(Word const* words, std::uint32_t width) noexcept {
         std::uint64_t folded = words[0];
         for (std::uint32_t i = 1; i < width; ++i) {

@@ -53,7 +53,10 @@ bool explore_both(Model const& model, Explored& explored) {
     options.max_states = states_compared * 20;
     MachineExploration machine = explore_by_machine(start, source, options);
     explored.machine = std::move(machine.run);
-    return machine.machine != nullptr; // else it is one component, or has one without end
+    // Without a machine it is one component, or has one without end. Time and memory depend on the
+    // day; that a machine has too many states does not.
+    return machine.machine != nullptr && (explored.machine.outcome == Outcome::complete ||
+                                          explored.machine.outcome == Outcome::state_limit);
 }
 
 /// A term that is explored as it stands, and that never terminates.

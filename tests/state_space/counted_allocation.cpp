@@ -10,7 +10,7 @@ std::atomic<std::size_t> allocations = 0;
 
 } // namespace
 
-// The thread sanitizer brings its own operators and lets nobody replace them: nothing is counted there.
+// The thread sanitizer brings its own operators and lets nobody replace them: nothing is counted.
 #if defined(__has_feature)
 #if __has_feature(thread_sanitizer)
 #define CALDER_OPERATORS_ARE_TAKEN
