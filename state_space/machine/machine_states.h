@@ -3,7 +3,7 @@
 #include "state_space/machine/configurations.h"
 #include "state_space/machine/successor_table.h"
 
-#include <deque>
+#include <memory>
 
 namespace Calder::StateSpace {
 
@@ -18,8 +18,6 @@ class MachineStates {
     explicit MachineStates(Machine const& machine);
     MachineStates(MachineStates const&) = delete;
     MachineStates& operator=(MachineStates const&) = delete;
-
-    Machine const& machine() const noexcept { return m_machine; }
 
     /// Enough for the words of every configuration met so far and of all that these lead to.
     std::uint32_t width() const noexcept { return m_width; }

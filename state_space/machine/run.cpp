@@ -124,7 +124,7 @@ void Runner::hand_out_work() {
 /// A table that is made on the way may need wider states: the job ends before such a state.
 void Runner::fill(SearchJob& job) {
     std::uint64_t const wanted = sources_wanted();
-    job.clear(m_handed_out, m_states->width());
+    job.clear(m_states->width());
     while (m_handed_out < m_states->size() && job.source_count() < wanted) {
         SuccessorTable const& table =
             m_machine.table(m_machine.configuration_of(m_states->words(m_handed_out)));
@@ -133,7 +133,7 @@ void Runner::fill(SearchJob& job) {
             if (job.source_count() > 0) {
                 return;
             }
-            job.clear(m_handed_out, m_states->width());
+            job.clear(m_states->width());
         }
         job.add_source(m_states->words(m_handed_out), table);
         ++m_handed_out;

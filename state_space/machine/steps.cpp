@@ -1,7 +1,5 @@
 #include "state_space/machine/steps.h"
 
-#include "state_space/memory.h"
-
 #include <algorithm>
 
 namespace Calder::StateSpace {
@@ -13,10 +11,6 @@ void Steps::widen(std::uint32_t width) {
     }
     m_words = std::move(wide);
     m_width = width;
-}
-
-std::uint64_t Steps::memory_bytes() const noexcept {
-    return allocated_bytes(m_events) + allocated_bytes(m_words);
 }
 
 } // namespace Calder::StateSpace

@@ -50,8 +50,6 @@ class Steps {
     /// Makes every successor `width` words long, the new ones zero.
     void widen(std::uint32_t width);
 
-    std::uint64_t memory_bytes() const noexcept;
-
   private:
     std::size_t m_size = 0;
     std::uint32_t m_width = 1;

@@ -6,8 +6,7 @@
 
 namespace Calder::StateSpace {
 
-void SearchJob::clear(StateNumber first, std::uint32_t width) {
-    m_first = first;
+void SearchJob::clear(std::uint32_t width) {
     m_width = width;
     m_sources.clear();
     m_tables.clear();

@@ -14,8 +14,8 @@ namespace Calder::StateSpace {
 /// that a thread needs to find them.
 class SearchJob {
   public:
-    /// For states from `first` on, of `width` words each.
-    void clear(StateNumber first, std::uint32_t width);
+    /// For states of `width` words each.
+    void clear(std::uint32_t width);
     void add_source(Word const* state, SuccessorTable const& table);
 
     /// Finds the successors. What it throws is kept until `rethrow`.
@@ -25,7 +25,6 @@ class SearchJob {
     /// Makes the successors longer; see Steps.
     void widen(std::uint32_t width);
 
-    StateNumber first() const noexcept { return m_first; }
     std::size_t source_count() const noexcept { return m_tables.size(); }
     Steps const& steps() const noexcept { return m_steps; }
     std::uint64_t hash(std::size_t step) const noexcept { return m_hashes[step]; }
@@ -35,7 +34,6 @@ class SearchJob {
   private:
     void hash_steps();
 
-    StateNumber m_first = 0;
     std::uint32_t m_width = 1;
     std::vector<Word> m_sources;
     std::vector<SuccessorTable const*> m_tables; // by source

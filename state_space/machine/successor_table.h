@@ -42,8 +42,6 @@ class SuccessorTable {
     std::optional<std::size_t> rule_between(Word const* state, unsigned event,
                                             std::vector<Word> const& target) const;
 
-    Layout const& layout() const noexcept { return m_layout; }
-
   private:
     /// Slots whose states decide about rules of a block.
     struct Filter {
