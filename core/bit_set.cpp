@@ -1,5 +1,7 @@
 #include "core/bit_set.h"
 
+#include <algorithm>
+
 namespace Calder {
 
 BitSet::BitSet(std::initializer_list<unsigned> events) {
@@ -23,6 +25,17 @@ void BitSet::setunion(BitSet const& other) {
     for (std::size_t word = 0; word < other.m_words.size(); ++word) {
         m_words[word] |= other.m_words[word];
     }
+}
+
+BitSet BitSet::without(BitSet const& other) const {
+    BitSet rest = *this;
+    for (std::size_t word = 0; word < std::min(m_words.size(), other.m_words.size()); ++word) {
+        rest.m_words[word] &= ~other.m_words[word];
+    }
+    while (!rest.m_words.empty() && rest.m_words.back() == 0) {
+        rest.m_words.pop_back();
+    }
+    return rest;
 }
 
 std::size_t BitSet::size() const noexcept {

@@ -13,8 +13,8 @@ namespace Calder {
 
 /// A set of event numbers, kept as a bit map: event e is bit e mod 64 of word e div 64.
 ///
-/// Space is one bit for every number up to the largest ever inserted. There is no removal, so the
-/// last word is never zero and equal sets have equal maps.
+/// Space is one bit for every number up to the largest one. The last word is never zero, so equal
+/// sets have equal maps.
 class CALDER_CORE_EXPORT BitSet {
   public:
     class const_iterator;
@@ -29,6 +29,9 @@ class CALDER_CORE_EXPORT BitSet {
 
     /// Adds every member of `other`.
     void setunion(BitSet const& other);
+
+    /// The members that are not in `other`.
+    [[nodiscard]] BitSet without(BitSet const& other) const;
 
     bool member(unsigned event) const noexcept {
         std::size_t const word = event / word_bits;

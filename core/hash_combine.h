@@ -18,4 +18,20 @@ constexpr std::uint64_t hash_combine(std::uint64_t h, std::uint64_t k) noexcept 
     return b * multiplier;
 }
 
+/// The length of a sequence and what each element contributes, in order, mixed.
+template <typename Sequence, typename Word>
+std::uint64_t hash_sequence(Sequence const& elements, Word const& word) {
+    std::uint64_t hash = hash_combine(0xc1, elements.size());
+    for (auto const& element : elements) {
+        hash = hash_combine(hash, word(element));
+    }
+    return hash;
+}
+
+/// The same of pairs of numbers.
+template <typename Pairs> std::uint64_t hash_pairs(Pairs const& pairs) {
+    return hash_sequence(pairs,
+                         [](auto const& pair) { return hash_combine(pair.first, pair.second); });
+}
+
 } // namespace Calder

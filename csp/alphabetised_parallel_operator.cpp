@@ -3,21 +3,12 @@
 #include "core/hash_combine.h"
 #include "csp/colours.h"
 #include "csp/operator_helpers.h"
+#include "csp/visit_each.h"
 #include "process_compiler/printing.h"
-
-#include <algorithm>
 
 namespace Calder::ProcessCompiler::CSP {
 
 namespace {
-
-constexpr unsigned alphabetised_parallel_kind = 0;
-constexpr std::uint64_t hash_seed = 0x36d;
-
-/// The other operator as one of this kind; only asked of such a one.
-AlphabetisedParallelOperator const& as_alphabetised_parallel(Operator const& other) {
-    return static_cast<AlphabetisedParallelOperator const&>(other);
-}
 
 /// Sets the runs of all arguments on `event`: of those that have it in their alphabet, their
 /// transitions; of the others, the entry at the end by which they stay as they are. False when one
@@ -38,11 +29,11 @@ bool find_runs(FixedArray<BitSet> const& alphabets, SyncVectors const& vectors, 
 } // namespace
 
 AlphabetisedParallelOperator::AlphabetisedParallelOperator(std::vector<BitSet> const& alphabets)
-    : alphabets_(alphabets.size()) {
+    : m_alphabets(alphabets.size()) {
     for (std::size_t i = 0; i < alphabets.size(); ++i) {
-        alphabets_[i] = alphabets[i];
-        alphabets_[i].insert(tick);
-        alphabet_union_.setunion(alphabets_[i]);
+        m_alphabets[i] = alphabets[i];
+        m_alphabets[i].insert(tick);
+        m_alphabet_union.setunion(m_alphabets[i]);
     }
 }
 
@@ -55,27 +46,24 @@ bool AlphabetisedParallelOperator::visit_transitions(NamedProcessSource const& s
         return true;
     }
     SynchronisedVisit visit(self(), arguments, visitor);
-    TransitionVisitor const argument_visitor = [this, &visit](unsigned event,
-                                                              ProcessPointer const& successor) {
-        if (event == tau) {
-            return visit.move(tau, successor);
-        }
-        return !alphabets_[visit.moving].member(event) || visit.keep(event, successor);
-    };
-    for (; visit.moving < arguments.size(); ++visit.moving) {
-        if (!arguments[visit.moving]->visit_transitions(source, argument_visitor)) {
-            return false;
-        }
+    if (!visit_each(arguments, visit.moving, source,
+                    [this, &visit](unsigned event, ProcessPointer const& successor) {
+                        if (event == tau) {
+                            return visit.move(tau, successor);
+                        }
+                        return !m_alphabets[visit.moving].member(event) ||
+                               visit.keep(event, successor);
+                    })) {
+        return false;
     }
     sort_sync_vectors(visit.vectors);
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         visit.vectors[i].emplace_back(no_event, arguments[i]); // by which it stays as it is
     }
     CartProductScratch scratch(arguments.size());
-    for (unsigned const event : alphabet_union_) {
-        if (find_runs(alphabets_, visit.vectors, event, scratch) &&
-            !cart_product(arguments, visit.vectors, scratch.start, scratch.end,
-                          scratch.joint_arguments, scratch.current, visitor, event, visit.op)) {
+    for (unsigned const event : m_alphabet_union) {
+        if (find_runs(m_alphabets, visit.vectors, event, scratch) &&
+            !visit.combine(scratch, event)) {
             return false;
         }
     }
@@ -89,23 +77,21 @@ AlphabetisedParallelOperator::high_level_formats(std::vector<BitSet> const& alph
     HighLevelMachine::UnCompiledFormat& running = formats->at(0);
     activate_first_components(running, count);
     BitSet all;
+    bool can_terminate = true;
     for (unsigned index = 0; index < count; ++index) {
-        all.setunion(alphabets_[index]);
+        all.setunion(m_alphabets[index]);
+        can_terminate = can_terminate && alphabets[index].member(tick);
     }
     for (unsigned const event : all) {
         HighLevelMachine::UnCompiledRule& rule = append_rule(running, event, 0);
         for (unsigned index = 0; index < count; ++index) {
-            if (alphabets_[index].member(event)) {
+            if (m_alphabets[index].member(event)) {
                 rule.component_events.emplace_back(std::pair(index, event));
             }
         }
     }
-    auto const has = [](unsigned event) {
-        return [event](BitSet const& alphabet) { return alphabet.member(event); };
-    };
-    if (std::all_of(alphabets.begin(), alphabets.end(), has(tick))) {
-        append_rule(running, tick, 0,
-                    HighLevelMachine::every_component(count, tick)); // a second time
+    if (can_terminate) {
+        append_joint_rules(running, count, {tick}); // a second time
     }
     for (unsigned index = 0; index < count; ++index) {
         if (alphabets[index].member(tau)) {
@@ -117,42 +103,32 @@ AlphabetisedParallelOperator::high_level_formats(std::vector<BitSet> const& alph
 
 std::uint64_t AlphabetisedParallelOperator::hash_code() const {
     return m_hash.get([this] {
-        std::uint64_t hash = hash_combine(0xc1, alphabets_.size());
-        for (BitSet const& alphabet : alphabets_) {
-            hash = hash_combine(hash, alphabet.folded_words());
-        }
-        return hash_combine(hash_seed, hash);
+        return hash_combine(shape.hash_seed, hash_sequence(m_alphabets, [](BitSet const& alphabet) {
+                                return alphabet.folded_words();
+                            }));
     });
 }
 
 bool AlphabetisedParallelOperator::operator==(Operator const& other) const {
-    return other.operator_kind() == alphabetised_parallel_kind &&
-           has_same_elements(alphabets_, as_alphabetised_parallel(other).alphabets_);
+    return other.operator_kind() == shape.kind &&
+           has_same_elements(m_alphabets, same_kind(other).m_alphabets);
 }
 
 bool AlphabetisedParallelOperator::operator!=(Operator const& other) const {
-    return other.operator_kind() != alphabetised_parallel_kind ||
-           !has_same_elements(alphabets_, as_alphabetised_parallel(other).alphabets_);
-}
-
-unsigned AlphabetisedParallelOperator::operator_kind() const {
-    return alphabetised_parallel_kind;
-}
-
-bool AlphabetisedParallelOperator::is_commutative() const {
-    return true;
+    return other.operator_kind() != shape.kind ||
+           !has_same_elements(m_alphabets, same_kind(other).m_alphabets);
 }
 
 void AlphabetisedParallelOperator::pretty_print(Printer& printer) const {
-    printer << " […||…] "; // never with its alphabets
+    printer << shape.symbol;
 }
 
 void AlphabetisedParallelOperator::pretty_print_description(Printer& printer) const {
-    printer << "Alphabetised Parallel with process alphabets:\n";
+    printer << shape.description << "\n";
     printer.indent += 4;
-    for (unsigned index = 0; index < alphabets_.size(); ++index) {
+    for (unsigned index = 0; index < m_alphabets.size(); ++index) {
         printer << printer.format_number(index) << ": ";
-        print_event_set(printer, alphabets_[index]);
+        print_event_set(printer, m_alphabets[index]);
         printer << "\n";
     }
     printer.indent -= 4;
@@ -161,26 +137,18 @@ void AlphabetisedParallelOperator::pretty_print_description(Printer& printer) co
 void AlphabetisedParallelOperator::pretty_print_operator_process(
     Printer& printer, OperatorProcess const& process) const {
     if (printer.abbreviate) {
-        nary_operator(printer, "SKIP", process);
+        nary_operator(printer, shape.text_when_empty, process);
         return;
     }
     printer << "|| (a, p) : {";
     for (unsigned index = 0; index < process.argument_count(); ++index) {
         printer << "(";
-        print_event_set(printer, alphabets_[index]);
+        print_event_set(printer, m_alphabets[index]);
         printer << ", ";
         print_within_budget(printer, *process.argument(index));
         printer << ")";
     }
     printer << "} @ [a] p";
-}
-
-std::pair<unsigned, unsigned> AlphabetisedParallelOperator::pretty_print_information() const {
-    return {8, non_associative};
-}
-
-bool AlphabetisedParallelOperator::pretty_print_is_same_operator(Operator const& other) const {
-    return other.operator_kind() == alphabetised_parallel_kind;
 }
 
 } // namespace Calder::ProcessCompiler::CSP

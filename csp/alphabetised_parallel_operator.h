@@ -1,7 +1,6 @@
 #pragma once
 
-#include "csp/export.h"
-#include "csp/static_operator.h"
+#include "csp/shaped.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -18,13 +17,31 @@ namespace Calder::ProcessCompiler::CSP {
 ///     || .. (Ai, Pi) ..  --tau-->  || .. (Ai, Pi') ..
 ///
 /// The silent steps come first, argument by argument, then the events ascending.
-class CALDER_CSP_EXPORT AlphabetisedParallelOperator : public StaticOperator<Operator> {
+class CALDER_CSP_EXPORT AlphabetisedParallelOperator
+    : public ShapedOperator<AlphabetisedParallelOperator> {
   public:
+    static constexpr Shape shape = {
+        .kind = 0,
+        .hash_seed = 0x36d,
+        .recursion_type = RecursionType::keeps_running,
+        .allow_recursion = Arguments::none,
+        .run_at_start = Arguments::every,
+        .discarded = Arguments::none,
+        .turned_on_by = never_asked,
+        .level = Level::high,
+        .commutative = true,
+        .precedence = 8,
+        .associativity = non_associative,
+        .symbol = " […||…] ", // never with its alphabets
+        .description = "Alphabetised Parallel with process alphabets:",
+        .text_when_empty = "SKIP",
+    };
+
     /// One alphabet an argument; tick is added to each.
     explicit AlphabetisedParallelOperator(std::vector<BitSet> const& alphabets);
     ~AlphabetisedParallelOperator() override;
 
-    FixedArray<BitSet> const& alphabets() const { return alphabets_; }
+    FixedArray<BitSet> const& alphabets() const { return m_alphabets; }
 
     bool visit_transitions(NamedProcessSource const& source, TransitionVisitor const& visitor,
                            ProcessArray const& arguments) const override;
@@ -36,19 +53,14 @@ class CALDER_CSP_EXPORT AlphabetisedParallelOperator : public StaticOperator<Ope
     bool operator==(Operator const& other) const override;
     bool operator!=(Operator const& other) const override;
 
-    unsigned operator_kind() const override;
-    bool is_commutative() const override;
-
     void pretty_print(Printer& printer) const override;
     void pretty_print_description(Printer& printer) const override;
     void pretty_print_operator_process(Printer& printer,
                                        OperatorProcess const& process) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
-    bool pretty_print_is_same_operator(Operator const& other) const override;
 
   private:
-    BitSet alphabet_union_;
-    OwningArray<BitSet> alphabets_;
+    BitSet m_alphabet_union;
+    OwningArray<BitSet> m_alphabets;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

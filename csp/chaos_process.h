@@ -8,8 +8,24 @@ namespace Calder::ProcessCompiler::CSP {
 ///
 ///     -------------------------     --------------------------------------------------
 ///     CHAOS(A)  --tau-->  STOP      CHAOS(A)  --tau-->  [] e in A: (e -> CHAOS(A))
-class CALDER_CSP_EXPORT ChaosProcess : public EventSetProcess {
+class CALDER_CSP_EXPORT ChaosProcess : public EventSetProcess<ChaosProcess> {
   public:
+    static constexpr Shape shape = {
+        .kind = 17,
+        .hash_seed = 0x183b,
+        .recursion_type = RecursionType::starts_none,
+        .allow_recursion = never_asked,
+        .run_at_start = never_asked,
+        .discarded = never_asked,
+        .turned_on_by = never_asked,
+        .level = Level::low,
+        .commutative = never_asked, // a panic says so in words
+        .precedence = 0,
+        .associativity = non_associative,
+        .symbol = "CHAOS",
+        .description = "Chaos over event set:",
+    };
+
     ChaosProcess(Session& session, EventSet const& events);
     explicit ChaosProcess(BitSet const& events);
     ~ChaosProcess() override;
@@ -17,15 +33,8 @@ class CALDER_CSP_EXPORT ChaosProcess : public EventSetProcess {
     bool visit_transitions(NamedProcessSource const& source,
                            TransitionVisitor const& visitor) const override;
 
-    std::uint64_t hash_code() const override;
-    ProcessPointer clone(bool deep) const override;
-
-    unsigned kind() const override;
     /// Panics with "Unary operator cannot be commutative".
     bool is_commutative() const override;
-
-    void pretty_print_operator(Printer& printer) const override;
-    void pretty_print_operator_description(Printer& printer) const override;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -2,16 +2,8 @@
 
 #include "csp/colours.h"
 #include "csp/shared_stop.h"
-#include "process_compiler/printing.h"
 
 namespace Calder::ProcessCompiler::CSP {
-
-namespace {
-
-constexpr unsigned exception_kind = 1;
-constexpr std::uint64_t hash_seed = 0x3d7;
-
-} // namespace
 
 ExceptionOperator::ExceptionOperator(BitSet const& exception_events)
     : EventSetOperator(exception_events) {}
@@ -29,7 +21,7 @@ bool ExceptionOperator::visit_transitions(NamedProcessSource const& source,
         OperatorPointer const op;
         ProcessPointer const& handler;
         TransitionVisitor const& visitor;
-    } const step{events_, self(), arguments[1], visitor};
+    } const step{m_events, self(), arguments[1], visitor};
     return arguments[0]->visit_transitions(
         source, [&step](unsigned event, ProcessPointer const& successor) {
             if (event == tick) {
@@ -47,7 +39,7 @@ void ExceptionOperator::visit_high_level_transitions(std::vector<BitSet> const& 
                                                      ProcessArray const& arguments) const {
     ProcessPointer const same(new OperatorProcess(self(), arguments));
     for (unsigned const event : alphabets[0]) {
-        if (events_.member(event)) {
+        if (m_events.member(event)) {
             visitor({event}, event, arguments[1], true);
         } else {
             visitor({event}, event, same, false);
@@ -58,70 +50,11 @@ void ExceptionOperator::visit_high_level_transitions(std::vector<BitSet> const& 
 std::unique_ptr<Formats>
 ExceptionOperator::high_level_formats(std::vector<BitSet> const& alphabets) const {
     auto formats = std::make_unique<Formats>(2);
-    HighLevelMachine::UnCompiledFormat& before = formats->at(0);
-    activate_first_components(before, 1);
-    for (unsigned const event : alphabets[0]) {
-        append_rule(before, event, events_.member(event) ? 1 : 0, {std::pair(0, event)});
-    }
+    activate_first_components(formats->at(0), 1);
+    append_argument_rules(formats->at(0), 0, alphabets[0],
+                          [this](unsigned event) { return m_events.member(event) ? 1U : 0U; });
     make_identity_format(*formats, 1, alphabets[1], 1);
     return formats;
-}
-
-std::uint64_t ExceptionOperator::hash_code() const {
-    return hash_from(hash_seed);
-}
-
-unsigned ExceptionOperator::operator_kind() const {
-    return exception_kind;
-}
-
-RecursionType ExceptionOperator::recursion_type() const {
-    return RecursionType::keeps_running;
-}
-
-bool ExceptionOperator::allows_recursion(unsigned index) const {
-    return index == 1;
-}
-
-ArgumentState ExceptionOperator::process_state(unsigned index) const {
-    return index == 0 ? ArgumentState::on : ArgumentState::off;
-}
-
-bool ExceptionOperator::discarded_by(unsigned) const {
-    return false;
-}
-
-TurnedOnBy ExceptionOperator::turned_on_by(unsigned) const {
-    return TurnedOnBy::visible_event;
-}
-
-CompilationLevel ExceptionOperator::preferred_compilation_level(bool high_wished) const {
-    return as_wished(high_wished);
-}
-
-bool ExceptionOperator::is_commutative() const {
-    return false;
-}
-
-void ExceptionOperator::pretty_print(Printer& printer) const {
-    print_bracketed_set(printer, "[|", events_, "|>");
-}
-
-void ExceptionOperator::pretty_print_description(Printer& printer) const {
-    print_event_set_description(printer, "Exception with event set:", events_);
-}
-
-void ExceptionOperator::pretty_print_operator_process(Printer& printer,
-                                                      OperatorProcess const& process) const {
-    print_infix(printer, process);
-}
-
-std::pair<unsigned, unsigned> ExceptionOperator::pretty_print_information() const {
-    return {8, non_associative};
-}
-
-bool ExceptionOperator::pretty_print_is_same_operator(Operator const& other) const {
-    return other.operator_kind() == exception_kind;
 }
 
 } // namespace Calder::ProcessCompiler::CSP

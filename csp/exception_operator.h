@@ -16,8 +16,25 @@ namespace Calder::ProcessCompiler::CSP {
 ///     P [|A|> Q  --tick-->  STOP
 ///
 /// Of formats and high-level transitions, tick is an event like any other.
-class CALDER_CSP_EXPORT ExceptionOperator : public EventSetOperator {
+class CALDER_CSP_EXPORT ExceptionOperator : public EventSetOperator<ExceptionOperator> {
   public:
+    static constexpr Shape shape = {
+        .kind = 1,
+        .hash_seed = 0x3d7,
+        .recursion_type = RecursionType::keeps_running,
+        .allow_recursion = Arguments::second,
+        .run_at_start = Arguments::first,
+        .discarded = Arguments::none,
+        .turned_on_by = TurnedOnBy::visible_event,
+        .level = Level::as_wished,
+        .commutative = false,
+        .precedence = 8,
+        .associativity = non_associative,
+        .symbol = "[|",
+        .symbol_end = "|>",
+        .description = "Exception with event set:",
+    };
+
     explicit ExceptionOperator(BitSet const& exception_events);
     ExceptionOperator(Session& session, EventSet const& exception_events);
     ~ExceptionOperator() override;
@@ -30,24 +47,6 @@ class CALDER_CSP_EXPORT ExceptionOperator : public EventSetOperator {
                                       ProcessArray const& arguments) const override;
     std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
-
-    std::uint64_t hash_code() const override;
-
-    unsigned operator_kind() const override;
-    RecursionType recursion_type() const override;
-    bool allows_recursion(unsigned index) const override;
-    ArgumentState process_state(unsigned index) const override;
-    bool discarded_by(unsigned index) const override;
-    TurnedOnBy turned_on_by(unsigned index) const override;
-    CompilationLevel preferred_compilation_level(bool high_wished) const override;
-    bool is_commutative() const override;
-
-    void pretty_print(Printer& printer) const override;
-    void pretty_print_description(Printer& printer) const override;
-    void pretty_print_operator_process(Printer& printer,
-                                       OperatorProcess const& process) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
-    bool pretty_print_is_same_operator(Operator const& other) const override;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -13,8 +13,25 @@ namespace Calder::ProcessCompiler::CSP {
 ///                                                   e not tau
 ///
 /// Tick decides the choice like a visible event.
-class CALDER_CSP_EXPORT ExternalChoiceProcess : public NaryProcess {
+class CALDER_CSP_EXPORT ExternalChoiceProcess : public NaryProcess<ExternalChoiceProcess> {
   public:
+    static constexpr Shape shape = {
+        .kind = 10,
+        .hash_seed = 0x493,
+        .recursion_type = RecursionType::ends_others,
+        .allow_recursion = Arguments::every,
+        .run_at_start = Arguments::every,
+        .discarded = Arguments::every,
+        .turned_on_by = never_asked,
+        .level = Level::as_wished,
+        .commutative = true,
+        .precedence = 6,
+        .associativity = left_associative,
+        .symbol = " [] ",
+        .description = "External Choice",
+        .text_when_empty = "STOP",
+    };
+
     explicit ExternalChoiceProcess(unsigned count);
     explicit ExternalChoiceProcess(ProcessArray const& arguments);
     ExternalChoiceProcess(ProcessArray const& arguments, unsigned index,
@@ -26,22 +43,6 @@ class CALDER_CSP_EXPORT ExternalChoiceProcess : public NaryProcess {
 
     std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
-
-    std::uint64_t hash_code() const override;
-    ProcessPointer clone(bool deep) const override;
-
-    unsigned kind() const override;
-    RecursionType recursion_type() const override;
-    bool allows_recursion(unsigned index) const override;
-    ArgumentState process_state(unsigned index) const override;
-    bool discarded_by(unsigned index) const override;
-    TurnedOnBy turned_on_by(unsigned index) const override;
-    CompilationLevel preferred_compilation_level(bool high_wished) const override;
-
-    void pretty_print(Printer& printer) const override;
-    void pretty_print_operator(Printer& printer) const override;
-    void pretty_print_operator_description(Printer& printer) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

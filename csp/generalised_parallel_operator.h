@@ -1,7 +1,6 @@
 #pragma once
 
 #include "csp/event_set_operator.h"
-#include "csp/static_operator.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -17,8 +16,28 @@ namespace Calder::ProcessCompiler::CSP {
 ///     P1 [|A|] .. [|A|] Pn  --e-->  P1' [|A|] .. [|A|] Pn'
 ///
 /// The independent transitions come first, argument by argument.
-class CALDER_CSP_EXPORT GeneralisedParallelOperator : public StaticOperator<EventSetOperator> {
+class CALDER_CSP_EXPORT GeneralisedParallelOperator
+    : public EventSetOperator<GeneralisedParallelOperator> {
   public:
+    static constexpr Shape shape = {
+        .kind = 2,
+        .hash_seed = 0x551,
+        .recursion_type = RecursionType::keeps_running,
+        .allow_recursion = Arguments::none,
+        .run_at_start = Arguments::every,
+        .discarded = Arguments::none,
+        .turned_on_by = never_asked,
+        .level = Level::high,
+        .commutative = true,
+        .precedence = 8,
+        .associativity = non_associative,
+        .symbol = "[|",
+        .symbol_end = "|]",
+        .description = "Generalised Parallel synchronising:",
+        .text_when_empty = "SKIP",
+        .same_operator = SameOperator::with_equal_parameters,
+    };
+
     /// Tick is added to the set.
     explicit GeneralisedParallelOperator(BitSet const& synchronised);
     ~GeneralisedParallelOperator() override;
@@ -28,18 +47,6 @@ class CALDER_CSP_EXPORT GeneralisedParallelOperator : public StaticOperator<Even
 
     std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
-
-    std::uint64_t hash_code() const override;
-
-    unsigned operator_kind() const override;
-    bool is_commutative() const override;
-
-    void pretty_print(Printer& printer) const override;
-    void pretty_print_description(Printer& printer) const override;
-    void pretty_print_operator_process(Printer& printer,
-                                       OperatorProcess const& process) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
-    bool pretty_print_is_same_operator(Operator const& other) const override;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -12,21 +12,30 @@ namespace Calder::ProcessCompiler::CSP {
 ///     e in A                            e not in A
 ///
 /// Tick is an event like any other, and hiding stays after it.
-class CALDER_CSP_EXPORT HideOperator : public RelabellingOperator {
+class CALDER_CSP_EXPORT HideOperator : public RelabellingOperator<HideOperator> {
   public:
+    static constexpr Shape shape = {
+        .kind = 4,
+        .hash_seed = 0x62b,
+        .recursion_type = RecursionType::keeps_running,
+        .allow_recursion = Arguments::none,
+        .run_at_start = Arguments::every,
+        .discarded = Arguments::none,
+        .turned_on_by = never_asked,
+        .level = Level::high,
+        .commutative = false,
+        .precedence = 10,
+        .associativity = left_associative,
+        .symbol = "\\",
+        .description = "Hiding event set:",
+    };
+
     explicit HideOperator(BitSet const& hidden_events);
     HideOperator(Session& session, EventSet const& hidden_events);
     ~HideOperator() override;
 
-    std::uint64_t hash_code() const override;
-
-    unsigned operator_kind() const override;
-
-    void pretty_print(Printer& printer) const override;
-    void pretty_print_description(Printer& printer) const override;
-
-  protected:
-    unsigned event_outside(unsigned event) const override;
+    /// The event of the whole when the argument performs `event`.
+    unsigned event_outside(unsigned event) const;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

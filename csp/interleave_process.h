@@ -16,8 +16,25 @@ namespace Calder::ProcessCompiler::CSP {
 ///     P1 ||| .. ||| Pn  --tick-->  STOP
 ///
 /// The termination is reported once, after everything else.
-class CALDER_CSP_EXPORT InterleaveProcess : public NaryProcess {
+class CALDER_CSP_EXPORT InterleaveProcess : public NaryProcess<InterleaveProcess> {
   public:
+    static constexpr Shape shape = {
+        .kind = 13,
+        .hash_seed = 0x8e1,
+        .recursion_type = RecursionType::keeps_running,
+        .allow_recursion = Arguments::none,
+        .run_at_start = Arguments::every,
+        .discarded = Arguments::none,
+        .turned_on_by = never_asked,
+        .level = Level::high,
+        .commutative = true,
+        .precedence = 9,
+        .associativity = left_associative,
+        .symbol = " ||| ",
+        .description = "Interleave",
+        .text_when_empty = "SKIP",
+    };
+
     explicit InterleaveProcess(unsigned count);
     explicit InterleaveProcess(ProcessArray const& arguments);
     InterleaveProcess(ProcessArray const& arguments, unsigned index,
@@ -29,22 +46,6 @@ class CALDER_CSP_EXPORT InterleaveProcess : public NaryProcess {
 
     std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
-
-    std::uint64_t hash_code() const override;
-    ProcessPointer clone(bool deep) const override;
-
-    unsigned kind() const override;
-    RecursionType recursion_type() const override;
-    bool allows_recursion(unsigned index) const override;
-    ArgumentState process_state(unsigned index) const override;
-    bool discarded_by(unsigned index) const override;
-    TurnedOnBy turned_on_by(unsigned index) const override;
-    CompilationLevel preferred_compilation_level(bool high_wished) const override;
-
-    void pretty_print(Printer& printer) const override;
-    void pretty_print_operator(Printer& printer) const override;
-    void pretty_print_operator_description(Printer& printer) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

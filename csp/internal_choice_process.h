@@ -9,8 +9,25 @@ namespace Calder::ProcessCompiler::CSP {
 ///
 ///     ------------------------------------
 ///     P1 |~| .. |~| Pn  --tau-->  Pi
-class CALDER_CSP_EXPORT InternalChoiceProcess : public NaryProcess {
+class CALDER_CSP_EXPORT InternalChoiceProcess : public NaryProcess<InternalChoiceProcess> {
   public:
+    static constexpr Shape shape = {
+        .kind = 11,
+        .hash_seed = 0x709,
+        .recursion_type = RecursionType::starts_none,
+        .allow_recursion = Arguments::every,
+        .run_at_start = Arguments::none,
+        .discarded = never_asked,
+        .turned_on_by = TurnedOnBy::silent_step,
+        .level = Level::as_wished,
+        .commutative = true,
+        .precedence = 7,
+        .associativity = left_associative,
+        .symbol = " |~| ",
+        .description = "Internal Choice",
+        .text_when_empty = "STOP",
+    };
+
     explicit InternalChoiceProcess(unsigned count);
     explicit InternalChoiceProcess(ProcessArray const& arguments);
     ~InternalChoiceProcess() override;
@@ -23,22 +40,6 @@ class CALDER_CSP_EXPORT InternalChoiceProcess : public NaryProcess {
                                       HighLevelVisitor const& visitor) const override;
     std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
-
-    std::uint64_t hash_code() const override;
-    ProcessPointer clone(bool deep) const override;
-
-    unsigned kind() const override;
-    RecursionType recursion_type() const override;
-    bool allows_recursion(unsigned index) const override;
-    ArgumentState process_state(unsigned index) const override;
-    bool discarded_by(unsigned index) const override;
-    TurnedOnBy turned_on_by(unsigned index) const override;
-    CompilationLevel preferred_compilation_level(bool high_wished) const override;
-
-    void pretty_print(Printer& printer) const override;
-    void pretty_print_operator(Printer& printer) const override;
-    void pretty_print_operator_description(Printer& printer) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -16,8 +16,24 @@ namespace Calder::ProcessCompiler::CSP {
 ///     -----------------------------        ----------------------
 ///     P /\ Q  --tau-->  P /\ Q'            P /\ Q  --e-->  Q'
 ///                                          e not tau
-class CALDER_CSP_EXPORT InterruptProcess : public BinaryProcess {
+class CALDER_CSP_EXPORT InterruptProcess : public BinaryProcess<InterruptProcess> {
   public:
+    static constexpr Shape shape = {
+        .kind = 12,
+        .hash_seed = 0x7ed,
+        .recursion_type = RecursionType::ends_others,
+        .allow_recursion = Arguments::second,
+        .run_at_start = Arguments::every,
+        .discarded = Arguments::all_but_first,
+        .turned_on_by = never_asked,
+        .level = Level::high,
+        .commutative = false,
+        .precedence = 5,
+        .associativity = left_associative,
+        .symbol = " /\\ ",
+        .description = "Interrupt",
+    };
+
     InterruptProcess();
     InterruptProcess(ProcessPointer const& first, ProcessPointer const& second);
     ~InterruptProcess() override;
@@ -27,21 +43,6 @@ class CALDER_CSP_EXPORT InterruptProcess : public BinaryProcess {
 
     std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
-
-    std::uint64_t hash_code() const override;
-    ProcessPointer clone(bool deep) const override;
-
-    unsigned kind() const override;
-    RecursionType recursion_type() const override;
-    bool allows_recursion(unsigned index) const override;
-    ArgumentState process_state(unsigned index) const override;
-    bool discarded_by(unsigned index) const override;
-    TurnedOnBy turned_on_by(unsigned index) const override;
-    CompilationLevel preferred_compilation_level(bool high_wished) const override;
-
-    void pretty_print_operator(Printer& printer) const override;
-    void pretty_print_operator_description(Printer& printer) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

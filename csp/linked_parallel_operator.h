@@ -1,7 +1,6 @@
 #pragma once
 
-#include "csp/export.h"
-#include "csp/static_operator.h"
+#include "csp/shaped.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -20,8 +19,25 @@ namespace Calder::ProcessCompiler::CSP {
 ///     e on the left of no link             e on the right of no link
 ///
 /// P's own steps come first, then Q's, then the links in their order.
-class CALDER_CSP_EXPORT LinkedParallelOperator : public StaticOperator<Operator> {
+class CALDER_CSP_EXPORT LinkedParallelOperator : public ShapedOperator<LinkedParallelOperator> {
   public:
+    static constexpr Shape shape = {
+        .kind = 3,
+        .hash_seed = 0xa75,
+        .recursion_type = RecursionType::keeps_running,
+        .allow_recursion = Arguments::none,
+        .run_at_start = Arguments::every,
+        .discarded = Arguments::none,
+        .turned_on_by = never_asked,
+        .level = Level::high,
+        .commutative = false,
+        .precedence = 8,
+        .associativity = non_associative,
+        .symbol = " [",
+        .symbol_end = "] ",
+        .description = "Link Parallel synchronising:",
+    };
+
     using Links = FixedArray<std::pair<unsigned, unsigned>>;
 
     /// Pairs (left event, right event); tick <-> tick is added as the last one.
@@ -38,20 +54,15 @@ class CALDER_CSP_EXPORT LinkedParallelOperator : public StaticOperator<Operator>
     bool operator==(Operator const& other) const override;
     bool operator!=(Operator const& other) const override;
 
-    unsigned operator_kind() const override;
-    bool is_commutative() const override;
-
     void pretty_print(Printer& printer) const override;
     void pretty_print_description(Printer& printer) const override;
     void pretty_print_operator_process(Printer& printer,
                                        OperatorProcess const& process) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
-    bool pretty_print_is_same_operator(Operator const& other) const override;
 
   private:
-    Links links_;
-    BitSet left_linked_;
-    BitSet right_linked_;
+    Links m_links;
+    BitSet m_left_linked;
+    BitSet m_right_linked;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

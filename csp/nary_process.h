@@ -1,38 +1,59 @@
 #pragma once
 
-#include "csp/export.h"
-#include "process_compiler/process.h"
+#include "core/hash_combine.h"
+#include "core/kept_references.h"
+#include "csp/shaped.h"
+#include "process_compiler/argument_array.h"
+#include "process_compiler/printing.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
-/// What the process constructs with any number of arguments share: the arguments and their
-/// comparison. The arguments stand in a FixedArray and so are never released.
-class CALDER_CSP_EXPORT NaryProcess : public CompilableProcess {
+/// What the process constructs with any number of arguments share: the arguments, their identity
+/// and the form `P1 op .. op Pn`. The arguments stand in a FixedArray and so are never released.
+template <typename Construct> class NaryProcess : public ShapedProcess<Construct> {
   public:
-    ~NaryProcess() override;
+    ~NaryProcess() override { record_kept_references(m_arguments); }
 
-    unsigned argument_count() const override;
-    ProcessPointer const& argument(unsigned index) const override;
-    void set_arguments(ProcessArray const& arguments) override;
+    unsigned argument_count() const override { return static_cast<unsigned>(m_arguments.size()); }
+    ProcessPointer const& argument(unsigned index) const override { return m_arguments[index]; }
+    void set_arguments(ProcessArray const& arguments) override {
+        replace_arguments(m_arguments, arguments);
+    }
 
+    std::uint64_t hash_code() const override {
+        return this->m_hash.get([this] {
+            return hash_combine(Construct::shape.hash_seed, hash_arguments(m_arguments));
+        });
+    }
     /// Order matters, although the constructs are commutative.
-    bool operator==(Process const& other) const override;
-    bool operator!=(Process const& other) const override;
+    bool operator==(Process const& other) const override {
+        return other.kind() == this->kind() &&
+               arguments_equal(m_arguments, this->same_kind(other).m_arguments);
+    }
+    bool operator!=(Process const& other) const override {
+        return other.kind() != this->kind() ||
+               !arguments_equal(m_arguments, this->same_kind(other).m_arguments);
+    }
+    ProcessPointer clone(bool deep) const override {
+        if (deep) {
+            return new Construct(clone_arguments(m_arguments));
+        }
+        return new Construct(argument_count());
+    }
 
-    bool is_commutative() const override;
-
-    bool pretty_print_is_same_operator(Process const& other) const override;
+    void pretty_print(Printer& printer) const override {
+        nary_operator(printer, Construct::shape.text_when_empty, *this);
+    }
 
   protected:
     /// `count` arguments that are null until `set_arguments`.
-    explicit NaryProcess(unsigned count);
-    explicit NaryProcess(ProcessArray const& arguments);
+    explicit NaryProcess(unsigned count) : m_arguments(count) {}
+    explicit NaryProcess(ProcessArray const& arguments) : m_arguments(arguments) {}
     /// The same arguments with the one at `index` replaced.
-    NaryProcess(ProcessArray const& arguments, unsigned index, ProcessPointer const& replacement);
+    NaryProcess(ProcessArray const& arguments, unsigned index, ProcessPointer const& replacement)
+        : m_arguments(arguments, index, replacement) {}
 
-    std::uint64_t hash_from(std::uint64_t seed) const;
-
-    ProcessArray arguments_;
+    ProcessArray m_arguments;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

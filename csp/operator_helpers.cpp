@@ -32,8 +32,7 @@ bool has_lower_event(std::pair<unsigned, ProcessPointer> const& left,
 
 void sort_sync_vectors(SyncVectors& vectors) noexcept {
     for (SyncVector& vector : vectors) {
-        std::sort(vector.begin(), vector.end(),
-                  [](auto const& left, auto const& right) { return left.first < right.first; });
+        std::sort(vector.begin(), vector.end(), has_lower_event);
     }
 }
 

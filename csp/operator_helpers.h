@@ -74,6 +74,17 @@ struct SynchronisedVisit {
         return visitor(event, new OperatorProcess(op, arguments, moving, successor));
     }
 
+    /// Combines what was kept, on each event of `synchronised` that every argument can perform.
+    bool combine_on(BitSet const& synchronised) {
+        sort_sync_vectors(vectors);
+        return cart_product_synchronised_events(synchronised, vectors, arguments, visitor, op);
+    }
+    /// Combines the runs of `scratch`; the whole performs `event`.
+    bool combine(CartProductScratch& scratch, unsigned event) const {
+        return cart_product(arguments, vectors, scratch.start, scratch.end, scratch.joint_arguments,
+                            scratch.current, visitor, event, op);
+    }
+
     /// Room made at once, so that most vectors are allocated once a visit.
     static constexpr std::size_t usual_candidates = 16;
 

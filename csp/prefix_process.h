@@ -11,13 +11,29 @@ namespace Calder::ProcessCompiler::CSP {
 ///     a -> P  --a-->  P
 ///
 /// A prefix built from a session has no continuation until `set_arguments`.
-class CALDER_CSP_EXPORT PrefixProcess : public PrefixedProcess {
+class CALDER_CSP_EXPORT PrefixProcess : public PrefixedProcess<PrefixProcess, unsigned> {
   public:
+    static constexpr Shape shape = {
+        .kind = 14,
+        .hash_seed = 0xc41,
+        .recursion_type = RecursionType::starts_none,
+        .allow_recursion = Arguments::every,
+        .run_at_start = Arguments::none,
+        .discarded = never_asked,
+        .turned_on_by = TurnedOnBy::visible_event,
+        .level = Level::low,
+        .commutative = false,
+        .precedence = 2,
+        .associativity = right_associative,
+        .symbol = "->",
+        .description = "Prefix ",
+    };
+
     PrefixProcess(Session& session, EventPointer const& event);
     PrefixProcess(unsigned const& event, ProcessPointer const& destination);
     ~PrefixProcess() override;
 
-    unsigned event() const { return event_; }
+    unsigned event() const { return m_offer; }
 
     bool visit_transitions(NamedProcessSource const& source,
                            TransitionVisitor const& visitor) const override;
@@ -27,19 +43,8 @@ class CALDER_CSP_EXPORT PrefixProcess : public PrefixedProcess {
     std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
 
-    std::uint64_t hash_code() const override;
-    bool operator==(Process const& other) const override;
-    bool operator!=(Process const& other) const override;
-    ProcessPointer clone(bool deep) const override;
-
-    unsigned kind() const override;
-    bool is_commutative() const override;
-
     void pretty_print(Printer& printer) const override;
     void pretty_print_operator_description(Printer& printer) const override;
-
-  private:
-    unsigned event_;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

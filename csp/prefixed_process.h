@@ -1,44 +1,60 @@
 #pragma once
 
-#include "csp/export.h"
-#include "process_compiler/process.h"
+#include "core/hash_combine.h"
+#include "csp/shaped.h"
+#include "process_compiler/printing.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
-/// What the two prefixes share: the continuation, which is off until an event of the prefix happens
-/// and then is all that is left.
-class CALDER_CSP_EXPORT PrefixedProcess : public CompilableProcess {
+/// What the two prefixes share: what they offer (an event or a set of events), and the
+/// continuation, which is off until one of these events happens and then is all that is left.
+template <typename Construct, typename Offer> class PrefixedProcess
+    : public ShapedProcess<Construct> {
   public:
-    ~PrefixedProcess() override;
-
-    ProcessPointer const& destination() const { return destination_; }
-    unsigned argument_count() const override;
+    ProcessPointer const& destination() const { return m_destination; }
+    unsigned argument_count() const override { return 1; }
     /// The continuation, whatever the index.
-    ProcessPointer const& argument(unsigned index) const override;
-    void set_arguments(ProcessArray const& arguments) override;
+    ProcessPointer const& argument(unsigned) const override { return m_destination; }
+    void set_arguments(ProcessArray const& arguments) override { m_destination = arguments[0]; }
 
-    bool needs_memoisation() const override;
+    bool needs_memoisation() const override { return false; }
 
-    RecursionType recursion_type() const override;
-    bool allows_recursion(unsigned index) const override;
-    ArgumentState process_state(unsigned index) const override;
-    /// Aborts: the only argument has no others that could throw it away.
-    bool discarded_by(unsigned index) const override;
-    TurnedOnBy turned_on_by(unsigned index) const override;
-    CompilationLevel preferred_compilation_level(bool high_wished) const override;
-
-    void pretty_print_operator(Printer& printer) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
-    bool pretty_print_is_same_operator(Process const& other) const override;
+    std::uint64_t hash_code() const override {
+        return this->m_hash.get([this] {
+            std::uint64_t const hash = hash_combine(Construct::shape.hash_seed, hash_word(m_offer));
+            return hash_combine(hash, hash_of(m_destination));
+        });
+    }
+    bool operator==(Process const& other) const override {
+        return other.kind() == this->kind() && m_offer == this->same_kind(other).m_offer &&
+               *m_destination == *this->same_kind(other).m_destination;
+    }
+    bool operator!=(Process const& other) const override {
+        return other.kind() != this->kind() || m_offer != this->same_kind(other).m_offer ||
+               *m_destination != *this->same_kind(other).m_destination;
+    }
+    ProcessPointer clone(bool deep) const override {
+        return new Construct(m_offer, deep ? m_destination->clone(true) : nullptr);
+    }
 
   protected:
-    explicit PrefixedProcess(ProcessPointer const& destination);
+    PrefixedProcess(Offer const& offer, ProcessPointer const& destination)
+        : m_offer(offer), m_destination(destination) {}
 
     /// Two formats: one without rules yet, and the continuation alone.
-    std::unique_ptr<Formats>
-    formats_before_continuation(std::vector<BitSet> const& alphabets) const;
+    static std::unique_ptr<Formats>
+    formats_before_continuation(std::vector<BitSet> const& alphabets) {
+        auto formats = std::make_unique<Formats>(2);
+        make_identity_format(*formats, 1, alphabets[0], 0);
+        return formats;
+    }
 
-    ProcessPointer destination_;
+    Offer m_offer;
+    ProcessPointer m_destination;
+
+  private:
+    static std::uint64_t hash_word(unsigned event) { return event; }
+    static std::uint64_t hash_word(BitSet const& events) { return events.folded_words(); }
 };
 
 } // namespace Calder::ProcessCompiler::CSP

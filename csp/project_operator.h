@@ -12,21 +12,30 @@ namespace Calder::ProcessCompiler::CSP {
 ///     e in A or tick                    otherwise
 ///
 /// Tau stays tau whatever the set, and projection stays after a tick.
-class CALDER_CSP_EXPORT ProjectOperator : public RelabellingOperator {
+class CALDER_CSP_EXPORT ProjectOperator : public RelabellingOperator<ProjectOperator> {
   public:
+    static constexpr Shape shape = {
+        .kind = 8,
+        .hash_seed = 0x189b,
+        .recursion_type = RecursionType::keeps_running,
+        .allow_recursion = Arguments::none,
+        .run_at_start = Arguments::every,
+        .discarded = Arguments::none,
+        .turned_on_by = never_asked,
+        .level = Level::high,
+        .commutative = false,
+        .precedence = 10,
+        .associativity = left_associative,
+        .symbol = "|\\",
+        .description = "Projecting event set:",
+    };
+
     explicit ProjectOperator(BitSet const& projected_events);
     ProjectOperator(Session& session, EventSet const& projected_events);
     ~ProjectOperator() override;
 
-    std::uint64_t hash_code() const override;
-
-    unsigned operator_kind() const override;
-
-    void pretty_print(Printer& printer) const override;
-    void pretty_print_description(Printer& printer) const override;
-
-  protected:
-    unsigned event_outside(unsigned event) const override;
+    /// The event of the whole when the argument performs `event`.
+    unsigned event_outside(unsigned event) const;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -1,38 +1,51 @@
 #pragma once
 
 #include "csp/event_set_operator.h"
-#include "csp/static_operator.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
 /// What hiding and projection share: one argument that runs unchanged while each of its events is
-/// performed as another one, by the set.
+/// performed as another one, by the set, and the form `P op A`.
 ///
 ///             P --e--> P'
 ///     --------------------------- f = event_outside(e)
 ///     P op A  --f-->  P' op A
-class CALDER_CSP_EXPORT RelabellingOperator : public StaticOperator<EventSetOperator> {
+template <typename Construct> class RelabellingOperator : public EventSetOperator<Construct> {
   public:
-    ~RelabellingOperator() override;
-
     bool visit_transitions(NamedProcessSource const& source, TransitionVisitor const& visitor,
-                           ProcessArray const& arguments) const override;
+                           ProcessArray const& arguments) const override {
+        struct {
+            Construct const& relabelling;
+            OperatorPointer const op;
+            TransitionVisitor const& visitor;
+        } const step{this->same_kind(*this), this->self(), visitor};
+        return arguments[0]->visit_transitions(
+            source, [&step](unsigned event, ProcessPointer const& successor) {
+                return step.visitor(step.relabelling.event_outside(event),
+                                    new OperatorProcess(step.op, successor));
+            });
+    }
 
     std::unique_ptr<Formats>
-    high_level_formats(std::vector<BitSet> const& alphabets) const override;
+    high_level_formats(std::vector<BitSet> const& alphabets) const override {
+        auto formats = std::make_unique<Formats>(1);
+        activate_first_components(formats->at(0), 1);
+        append_argument_rules(formats->at(0), 0, alphabets[0], [this](unsigned event) {
+            return HighLevelMachine::Move{this->same_kind(*this).event_outside(event), 0};
+        });
+        return formats;
+    }
 
-    bool is_commutative() const override;
-
+    void pretty_print(Printer& printer) const override {
+        print_postfix_set(printer, Construct::shape.symbol, this->m_events);
+    }
     void pretty_print_operator_process(Printer& printer,
-                                       OperatorProcess const& process) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
-    bool pretty_print_is_same_operator(Operator const& other) const override;
+                                       OperatorProcess const& process) const override {
+        print_postfix(printer, process);
+    }
 
   protected:
-    using StaticOperator::StaticOperator;
-
-    /// The event of the whole when the argument performs `event`.
-    virtual unsigned event_outside(unsigned event) const = 0;
+    using EventSetOperator<Construct>::EventSetOperator;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -12,22 +12,6 @@ namespace Calder::ProcessCompiler::CSP {
 
 namespace {
 
-constexpr unsigned rename_kind = 5;
-constexpr std::uint64_t hash_seed = 0xe27;
-
-/// The other operator as one of this kind; only asked of such a one.
-RenameOperator const& as_rename(Operator const& other) {
-    return static_cast<RenameOperator const&>(other);
-}
-
-std::uint64_t hash_of_pairs(FixedArray<std::pair<unsigned, unsigned>> const& pairs) {
-    std::uint64_t hash = hash_combine(0xc1, pairs.size());
-    for (auto const& [from, to] : pairs) {
-        hash = hash_combine(hash, hash_combine(from, to));
-    }
-    return hash_combine(hash_seed, hash);
-}
-
 /// `a -> b` as the printer would print it, without its budget.
 std::string pair_text(Printer const& printer, unsigned from, unsigned to) {
     std::ostringstream text;
@@ -47,11 +31,11 @@ std::string pair_text(Printer const& printer, unsigned from, unsigned to) {
 // The hash runs over the pairs as given: operators that differ only in the order of their pairs are
 // equal and hash differently.
 RenameOperator::RenameOperator(FixedArray<std::pair<unsigned, unsigned>> const& pairs) {
-    event_map_.reserve(std::max<std::size_t>(pairs.size(), 1));
+    m_event_map.reserve(std::max<std::size_t>(pairs.size(), 1));
     for (auto const& pair : pairs) {
-        event_map_.insert(pair); // in front of those with the same key
+        m_event_map.insert(pair); // in front of those with the same key
     }
-    m_hash.keep(hash_of_pairs(pairs));
+    m_hash.keep(hash_combine(shape.hash_seed, hash_pairs(pairs)));
 }
 
 RenameOperator::~RenameOperator() = default;
@@ -63,7 +47,7 @@ bool RenameOperator::visit_transitions(NamedProcessSource const& source,
         std::unordered_multimap<unsigned, unsigned> const& event_map;
         OperatorPointer const op;
         TransitionVisitor const& visitor;
-    } const step{event_map_, self(), visitor};
+    } const step{m_event_map, self(), visitor};
     return arguments[0]->visit_transitions(
         source, [&step](unsigned event, ProcessPointer const& successor) {
             if (event == tick) {
@@ -88,7 +72,7 @@ RenameOperator::high_level_formats(std::vector<BitSet> const& alphabets) const {
     HighLevelMachine::UnCompiledFormat& running = formats->at(0);
     activate_first_components(running, 1);
     for (unsigned const event : alphabets[0]) {
-        auto [target, end] = event_map_.equal_range(event);
+        auto [target, end] = m_event_map.equal_range(event);
         if (target == end) {
             append_rule(running, event, 0, {std::pair(0, event)});
         }
@@ -104,19 +88,11 @@ std::uint64_t RenameOperator::hash_code() const {
 }
 
 bool RenameOperator::operator==(Operator const& other) const {
-    return other.operator_kind() == rename_kind && event_map_ == as_rename(other).event_map_;
+    return other.operator_kind() == shape.kind && m_event_map == same_kind(other).m_event_map;
 }
 
 bool RenameOperator::operator!=(Operator const& other) const {
-    return other.operator_kind() != rename_kind || event_map_ != as_rename(other).event_map_;
-}
-
-unsigned RenameOperator::operator_kind() const {
-    return rename_kind;
-}
-
-bool RenameOperator::is_commutative() const {
-    return false;
+    return other.operator_kind() != shape.kind || m_event_map != same_kind(other).m_event_map;
 }
 
 void RenameOperator::pretty_print(Printer& printer) const {
@@ -124,37 +100,30 @@ void RenameOperator::pretty_print(Printer& printer) const {
         printer << "[[…]]";
         return;
     }
-    char const* separator = "[[";
-    for (auto const& [from, to] : event_map_) {
+    char const* separator = "";
+    printer << shape.symbol;
+    for (auto const& [from, to] : m_event_map) {
         printer << separator;
         print_event(printer, from);
         printer << " <- ";
         print_event(printer, to);
         separator = ", ";
     }
-    printer << (event_map_.empty() ? "[[]]" : "]]");
+    printer << shape.symbol_end;
 }
 
 void RenameOperator::pretty_print_description(Printer& printer) const {
     std::vector<std::string> lines;
-    for (auto const& [from, to] : event_map_) {
+    for (auto const& [from, to] : m_event_map) {
         lines.push_back(pair_text(printer, from, to));
     }
     std::sort(lines.begin(), lines.end());
-    print_lines_description(printer, "Rename with event map:", lines);
+    print_lines_description(printer, shape.description, lines);
 }
 
 void RenameOperator::pretty_print_operator_process(Printer& printer,
                                                    OperatorProcess const& process) const {
     print_postfix(printer, process);
-}
-
-std::pair<unsigned, unsigned> RenameOperator::pretty_print_information() const {
-    return {1, left_associative};
-}
-
-bool RenameOperator::pretty_print_is_same_operator(Operator const& other) const {
-    return other.operator_kind() == rename_kind;
 }
 
 } // namespace Calder::ProcessCompiler::CSP

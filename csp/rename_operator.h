@@ -1,7 +1,6 @@
 #pragma once
 
-#include "csp/export.h"
-#include "csp/static_operator.h"
+#include "csp/shaped.h"
 
 #include <unordered_map>
 
@@ -17,8 +16,25 @@ namespace Calder::ProcessCompiler::CSP {
 ///
 /// Of transitions, tick is never renamed; of formats, it is an event like any other. Several
 /// targets of one event come in the reverse of the order in which they were given.
-class CALDER_CSP_EXPORT RenameOperator : public StaticOperator<Operator> {
+class CALDER_CSP_EXPORT RenameOperator : public ShapedOperator<RenameOperator> {
   public:
+    static constexpr Shape shape = {
+        .kind = 5,
+        .hash_seed = 0xe27,
+        .recursion_type = RecursionType::keeps_running,
+        .allow_recursion = Arguments::none,
+        .run_at_start = Arguments::every,
+        .discarded = Arguments::none,
+        .turned_on_by = never_asked,
+        .level = Level::high,
+        .commutative = false,
+        .precedence = 1,
+        .associativity = left_associative,
+        .symbol = "[[",
+        .symbol_end = "]]",
+        .description = "Rename with event map:",
+    };
+
     /// Pairs (event of the argument, event of the whole). Duplicates are kept.
     explicit RenameOperator(FixedArray<std::pair<unsigned, unsigned>> const& pairs);
     ~RenameOperator() override;
@@ -33,18 +49,13 @@ class CALDER_CSP_EXPORT RenameOperator : public StaticOperator<Operator> {
     bool operator==(Operator const& other) const override;
     bool operator!=(Operator const& other) const override;
 
-    unsigned operator_kind() const override;
-    bool is_commutative() const override;
-
     void pretty_print(Printer& printer) const override;
     void pretty_print_description(Printer& printer) const override;
     void pretty_print_operator_process(Printer& printer,
                                        OperatorProcess const& process) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
-    bool pretty_print_is_same_operator(Operator const& other) const override;
 
   private:
-    std::unordered_multimap<unsigned, unsigned> event_map_;
+    std::unordered_multimap<unsigned, unsigned> m_event_map;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

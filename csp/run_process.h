@@ -8,23 +8,30 @@ namespace Calder::ProcessCompiler::CSP {
 ///
 ///     ------------------------- e in A
 ///     RUN(A)  --e-->  RUN(A)
-class CALDER_CSP_EXPORT RunProcess : public EventSetProcess {
+class CALDER_CSP_EXPORT RunProcess : public EventSetProcess<RunProcess> {
   public:
+    static constexpr Shape shape = {
+        .kind = 18,
+        .hash_seed = 0x1a4d,
+        .recursion_type = RecursionType::starts_none,
+        .allow_recursion = never_asked,
+        .run_at_start = never_asked,
+        .discarded = never_asked,
+        .turned_on_by = never_asked,
+        .level = Level::low,
+        .commutative = false,
+        .precedence = 0,
+        .associativity = non_associative,
+        .symbol = "RUN",
+        .description = "Run over event set:",
+    };
+
     RunProcess(Session& session, EventSet const& events);
     explicit RunProcess(BitSet const& events);
     ~RunProcess() override;
 
     bool visit_transitions(NamedProcessSource const& source,
                            TransitionVisitor const& visitor) const override;
-
-    std::uint64_t hash_code() const override;
-    ProcessPointer clone(bool deep) const override;
-
-    unsigned kind() const override;
-    bool is_commutative() const override;
-
-    void pretty_print_operator(Printer& printer) const override;
-    void pretty_print_operator_description(Printer& printer) const override;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

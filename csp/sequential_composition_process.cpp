@@ -4,13 +4,6 @@
 
 namespace Calder::ProcessCompiler::CSP {
 
-namespace {
-
-constexpr unsigned sequential_composition_kind = 15;
-constexpr std::uint64_t hash_seed = 0xf0d;
-
-} // namespace
-
 SequentialCompositionProcess::SequentialCompositionProcess() = default;
 
 SequentialCompositionProcess::SequentialCompositionProcess(ProcessPointer const& first,
@@ -24,8 +17,8 @@ bool SequentialCompositionProcess::visit_transitions(NamedProcessSource const& s
     struct {
         ProcessPointer const& second;
         TransitionVisitor const& visitor;
-    } const step{second_, visitor};
-    return first_->visit_transitions(
+    } const step{m_second, visitor};
+    return m_first->visit_transitions(
         source, [&step](unsigned event, ProcessPointer const& successor) {
             if (event == tick) {
                 return step.visitor(tau, step.second);
@@ -39,7 +32,7 @@ void SequentialCompositionProcess::visit_high_level_transitions(
     ProcessPointer const same = self();
     for (unsigned const event : alphabets[0]) {
         if (event == tick) {
-            visitor({tick}, tau, second_, true);
+            visitor({tick}, tau, m_second, true);
         } else {
             visitor({event}, event, same, false);
         }
@@ -48,66 +41,14 @@ void SequentialCompositionProcess::visit_high_level_transitions(
 
 std::unique_ptr<Formats>
 SequentialCompositionProcess::high_level_formats(std::vector<BitSet> const& alphabets) const {
+    using HighLevelMachine::Move;
     auto formats = std::make_unique<Formats>(2);
-    HighLevelMachine::UnCompiledFormat& before = formats->at(0);
-    before.active_components = {0};
-    for (unsigned const event : alphabets[0]) {
-        append_rule(before, event == tick ? tau : event, event == tick ? 1 : 0,
-                    {std::pair(0, event)});
-    }
+    activate_first_components(formats->at(0), 1);
+    append_argument_rules(formats->at(0), 0, alphabets[0], [](unsigned event) {
+        return event == tick ? Move{tau, 1} : Move{event, 0};
+    });
     make_identity_format(*formats, 1, alphabets[1], 1);
     return formats;
-}
-
-std::uint64_t SequentialCompositionProcess::hash_code() const {
-    return hash_from(hash_seed);
-}
-
-ProcessPointer SequentialCompositionProcess::clone(bool deep) const {
-    if (deep) {
-        return new SequentialCompositionProcess(first_->clone(true), second_->clone(true));
-    }
-    return new SequentialCompositionProcess();
-}
-
-unsigned SequentialCompositionProcess::kind() const {
-    return sequential_composition_kind;
-}
-
-RecursionType SequentialCompositionProcess::recursion_type() const {
-    return RecursionType::keeps_running;
-}
-
-bool SequentialCompositionProcess::allows_recursion(unsigned index) const {
-    return index == 1;
-}
-
-ArgumentState SequentialCompositionProcess::process_state(unsigned index) const {
-    return index == 0 ? ArgumentState::on : ArgumentState::off;
-}
-
-bool SequentialCompositionProcess::discarded_by(unsigned) const {
-    return false;
-}
-
-TurnedOnBy SequentialCompositionProcess::turned_on_by(unsigned) const {
-    return TurnedOnBy::silent_step;
-}
-
-CompilationLevel SequentialCompositionProcess::preferred_compilation_level(bool high_wished) const {
-    return as_wished(high_wished);
-}
-
-void SequentialCompositionProcess::pretty_print_operator(Printer& printer) const {
-    printer << " ; ";
-}
-
-void SequentialCompositionProcess::pretty_print_operator_description(Printer& printer) const {
-    printer << "Sequential Composition";
-}
-
-std::pair<unsigned, unsigned> SequentialCompositionProcess::pretty_print_information() const {
-    return {3, right_associative};
 }
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -10,8 +10,25 @@ namespace Calder::ProcessCompiler::CSP {
 ///     -------------------------       ---------------------
 ///     P ; Q  --e-->  P' ; Q           P ; Q  --tau-->  Q
 ///     e not tick
-class CALDER_CSP_EXPORT SequentialCompositionProcess : public BinaryProcess {
+class CALDER_CSP_EXPORT SequentialCompositionProcess
+    : public BinaryProcess<SequentialCompositionProcess> {
   public:
+    static constexpr Shape shape = {
+        .kind = 15,
+        .hash_seed = 0xf0d,
+        .recursion_type = RecursionType::keeps_running,
+        .allow_recursion = Arguments::second,
+        .run_at_start = Arguments::first,
+        .discarded = Arguments::none,
+        .turned_on_by = TurnedOnBy::silent_step,
+        .level = Level::as_wished,
+        .commutative = false,
+        .precedence = 3,
+        .associativity = right_associative,
+        .symbol = " ; ",
+        .description = "Sequential Composition",
+    };
+
     SequentialCompositionProcess();
     SequentialCompositionProcess(ProcessPointer const& first, ProcessPointer const& second);
     ~SequentialCompositionProcess() override;
@@ -23,21 +40,6 @@ class CALDER_CSP_EXPORT SequentialCompositionProcess : public BinaryProcess {
                                       HighLevelVisitor const& visitor) const override;
     std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
-
-    std::uint64_t hash_code() const override;
-    ProcessPointer clone(bool deep) const override;
-
-    unsigned kind() const override;
-    RecursionType recursion_type() const override;
-    bool allows_recursion(unsigned index) const override;
-    ArgumentState process_state(unsigned index) const override;
-    bool discarded_by(unsigned index) const override;
-    TurnedOnBy turned_on_by(unsigned index) const override;
-    CompilationLevel preferred_compilation_level(bool high_wished) const override;
-
-    void pretty_print_operator(Printer& printer) const override;
-    void pretty_print_operator_description(Printer& printer) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -12,8 +12,24 @@ namespace Calder::ProcessCompiler::CSP {
 ///                                                                  e not tau
 ///
 /// The timeout is reported first.
-class CALDER_CSP_EXPORT SlidingChoiceProcess : public BinaryProcess {
+class CALDER_CSP_EXPORT SlidingChoiceProcess : public BinaryProcess<SlidingChoiceProcess> {
   public:
+    static constexpr Shape shape = {
+        .kind = 16,
+        .hash_seed = 0x101f,
+        .recursion_type = RecursionType::ends_others,
+        .allow_recursion = Arguments::every,
+        .run_at_start = Arguments::first,
+        .discarded = Arguments::every,
+        .turned_on_by = TurnedOnBy::silent_step,
+        .level = Level::as_wished,
+        .commutative = false,
+        .precedence = 4,
+        .associativity = left_associative,
+        .symbol = " [> ",
+        .description = "Sliding Choice",
+    };
+
     SlidingChoiceProcess();
     SlidingChoiceProcess(ProcessPointer const& first, ProcessPointer const& second);
     ~SlidingChoiceProcess() override;
@@ -23,21 +39,6 @@ class CALDER_CSP_EXPORT SlidingChoiceProcess : public BinaryProcess {
 
     std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
-
-    std::uint64_t hash_code() const override;
-    ProcessPointer clone(bool deep) const override;
-
-    unsigned kind() const override;
-    RecursionType recursion_type() const override;
-    bool allows_recursion(unsigned index) const override;
-    ArgumentState process_state(unsigned index) const override;
-    bool discarded_by(unsigned index) const override;
-    TurnedOnBy turned_on_by(unsigned index) const override;
-    CompilationLevel preferred_compilation_level(bool high_wished) const override;
-
-    void pretty_print_operator(Printer& printer) const override;
-    void pretty_print_operator_description(Printer& printer) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

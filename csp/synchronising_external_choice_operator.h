@@ -22,8 +22,28 @@ namespace Calder::ProcessCompiler::CSP {
 ///     e not in A, not tau, not tick             tick not in A
 ///
 /// Of formats, tick is an event like any other.
-class CALDER_CSP_EXPORT SynchronisingExternalChoiceOperator : public EventSetOperator {
+class CALDER_CSP_EXPORT SynchronisingExternalChoiceOperator
+    : public EventSetOperator<SynchronisingExternalChoiceOperator> {
   public:
+    static constexpr Shape shape = {
+        .kind = 6,
+        .hash_seed = 0x132d,
+        .recursion_type = RecursionType::ends_others,
+        .allow_recursion = Arguments::every,
+        .run_at_start = Arguments::every,
+        .discarded = Arguments::none,
+        .turned_on_by = never_asked,
+        .level = Level::as_wished,
+        .commutative = false,
+        .precedence = 6,
+        .associativity = left_associative,
+        .symbol = "[+",
+        .symbol_end = "+]",
+        .description = "Synchronising External Choice synchronising on:",
+        .text_when_empty = "STOP",
+        .same_operator = SameOperator::with_equal_parameters,
+    };
+
     explicit SynchronisingExternalChoiceOperator(BitSet const& synchronised_events);
     ~SynchronisingExternalChoiceOperator() override;
 
@@ -32,24 +52,6 @@ class CALDER_CSP_EXPORT SynchronisingExternalChoiceOperator : public EventSetOpe
 
     std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
-
-    std::uint64_t hash_code() const override;
-
-    unsigned operator_kind() const override;
-    RecursionType recursion_type() const override;
-    bool allows_recursion(unsigned index) const override;
-    ArgumentState process_state(unsigned index) const override;
-    bool discarded_by(unsigned index) const override;
-    TurnedOnBy turned_on_by(unsigned index) const override;
-    CompilationLevel preferred_compilation_level(bool high_wished) const override;
-    bool is_commutative() const override;
-
-    void pretty_print(Printer& printer) const override;
-    void pretty_print_description(Printer& printer) const override;
-    void pretty_print_operator_process(Printer& printer,
-                                       OperatorProcess const& process) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
-    bool pretty_print_is_same_operator(Operator const& other) const override;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

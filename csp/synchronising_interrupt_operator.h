@@ -28,8 +28,27 @@ namespace Calder::ProcessCompiler::CSP {
 ///
 /// What the visitor answers while Q is asked does not keep the joint transitions from being
 /// offered.
-class CALDER_CSP_EXPORT SynchronisingInterruptOperator : public EventSetOperator {
+class CALDER_CSP_EXPORT SynchronisingInterruptOperator
+    : public EventSetOperator<SynchronisingInterruptOperator> {
   public:
+    static constexpr Shape shape = {
+        .kind = 7,
+        .hash_seed = 0x152b,
+        .recursion_type = RecursionType::ends_others,
+        .allow_recursion = Arguments::second,
+        .run_at_start = Arguments::every,
+        .discarded = Arguments::all_but_first,
+        .turned_on_by = never_asked,
+        .level = Level::high,
+        .commutative = false,
+        .precedence = 5,
+        .associativity = left_associative,
+        .symbol = "/+",
+        .symbol_end = "+\\",
+        .description = "Synchronising Interrupt synchronising on:",
+        .same_operator = SameOperator::with_equal_parameters,
+    };
+
     explicit SynchronisingInterruptOperator(BitSet const& synchronised_events);
     ~SynchronisingInterruptOperator() override;
 
@@ -38,24 +57,6 @@ class CALDER_CSP_EXPORT SynchronisingInterruptOperator : public EventSetOperator
 
     std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
-
-    std::uint64_t hash_code() const override;
-
-    unsigned operator_kind() const override;
-    RecursionType recursion_type() const override;
-    bool allows_recursion(unsigned index) const override;
-    ArgumentState process_state(unsigned index) const override;
-    bool discarded_by(unsigned index) const override;
-    TurnedOnBy turned_on_by(unsigned index) const override;
-    CompilationLevel preferred_compilation_level(bool high_wished) const override;
-    bool is_commutative() const override;
-
-    void pretty_print(Printer& printer) const override;
-    void pretty_print_description(Printer& printer) const override;
-    void pretty_print_operator_process(Printer& printer,
-                                       OperatorProcess const& process) const override;
-    std::pair<unsigned, unsigned> pretty_print_information() const override;
-    bool pretty_print_is_same_operator(Operator const& other) const override;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -7,11 +7,7 @@
 namespace Calder::ProcessCompiler {
 
 std::uint64_t hash_arguments(ProcessArray const& arguments) {
-    std::uint64_t hash = hash_combine(0xc1, arguments.size());
-    for (ProcessPointer const& argument : arguments) {
-        hash = hash_combine(hash, hash_of(argument));
-    }
-    return hash;
+    return hash_sequence(arguments, hash_of);
 }
 
 bool arguments_equal(ProcessArray const& left, ProcessArray const& right) {

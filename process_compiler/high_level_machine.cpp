@@ -22,6 +22,12 @@ std::vector<ComponentEvent> every_component(unsigned count, unsigned event) {
     return participants;
 }
 
+void append_joint_rules(UnCompiledFormat& format, unsigned count, BitSet const& events) {
+    for (unsigned const event : events) {
+        append_rule(format, event, 0, every_component(count, event));
+    }
+}
+
 void activate_first_components(UnCompiledFormat& format, unsigned count) {
     format.active_components.resize(count);
     std::iota(format.active_components.begin(), format.active_components.end(), 0U);
@@ -32,9 +38,7 @@ void make_identity_format(std::deque<UnCompiledFormat>& formats, unsigned index,
     UnCompiledFormat& format = formats.at(index);
     format.active_components.assign(1, component);
     format.rules.clear();
-    for (unsigned const event : alphabet) {
-        append_rule(format, event, index, {std::pair(component, event)});
-    }
+    append_argument_rules(format, component, alphabet, [index](unsigned) { return index; });
 }
 
 void make_stop_format(std::deque<UnCompiledFormat>& formats, unsigned index) {

@@ -5,6 +5,7 @@
 
 #include <concepts>
 #include <deque>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -54,9 +55,37 @@ CALDER_PROCESS_COMPILER_EXPORT UnCompiledRule&
 append_rule(UnCompiledFormat& format, unsigned event, unsigned target_format,
             std::vector<ComponentEvent> component_events = {});
 
+/// What the machine does while one of its arguments performs an event.
+struct Move {
+    unsigned event;
+    unsigned target_format;
+};
+
+/// Appends to `format` the rules of an argument that moves alone: for each event of `alphabet`,
+/// ascending, the one by which `component` performs it. `answer(event)` is the Move that the machine
+/// makes, or only its target format where the machine performs the same event.
+template <std::invocable<unsigned> Answer>
+void append_argument_rules(UnCompiledFormat& format, unsigned component, BitSet const& alphabet,
+                           Answer const& answer) {
+    for (unsigned const event : alphabet) {
+        Move move{};
+        if constexpr (std::same_as<std::invoke_result_t<Answer const&, unsigned>, Move>) {
+            move = answer(event);
+        } else {
+            move = {event, answer(event)};
+        }
+        append_rule(format, move.event, move.target_format, {std::pair(component, event)});
+    }
+}
+
 /// Arguments 0 to `count` - 1, all performing `event`.
 CALDER_PROCESS_COMPILER_EXPORT std::vector<ComponentEvent> every_component(unsigned count,
                                                                            unsigned event);
+
+/// Appends to `format`, to which they lead back as format 0, the rules of events that arguments 0 to
+/// `count` - 1 perform together: one for each of `events`, ascending.
+CALDER_PROCESS_COMPILER_EXPORT void append_joint_rules(UnCompiledFormat& format, unsigned count,
+                                                       BitSet const& events);
 
 /// Lets arguments 0 to `count` - 1 run in `format`.
 CALDER_PROCESS_COMPILER_EXPORT void activate_first_components(UnCompiledFormat& format,

@@ -1,0 +1,1 @@
+#include "csp/constructs.h" // which checks the table when the library is built
