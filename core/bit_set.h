@@ -60,10 +60,12 @@ class CALDER_CORE_EXPORT BitSet {
 
 class BitSet::const_iterator {
   public:
-    using iterator_category = std::forward_iterator_tag;
+    // Forward, but for the older rules a forward iterator would have to refer to what it names.
+    using iterator_concept = std::forward_iterator_tag;
+    using iterator_category = std::input_iterator_tag;
     using value_type = unsigned;
     using difference_type = std::ptrdiff_t;
-    using pointer = unsigned const*;
+    using pointer = void;
     using reference = unsigned;
 
     const_iterator() = default;

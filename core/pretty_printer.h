@@ -41,12 +41,16 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
     PrettyPrinter(PrettyPrinter const&) = delete;
     PrettyPrinter& operator=(PrettyPrinter const&) = delete;
 
-    /// Writes what is pending, without a final newline. An exception of the stream ends the
-    /// program.
-    ~PrettyPrinter() {
+    /// Flushes. An exception ends the program: who wants to hear of it flushes before, and silences
+    /// a printer that is given up.
+    ~PrettyPrinter() { flush(); }
+
+    /// Writes what is pending, without a final newline.
+    void flush() {
         if (!is_spent()) {
             end_piece();
             write_pieces();
+            pieces.clear();
         }
     }
 
@@ -75,6 +79,9 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
 
     /// Closes the piece that is being collected: the line may be broken here.
     void end_piece() {
+        if (is_spent()) {
+            return;
+        }
         if (!pending_text.empty() && piece_budget != 0) {
             if (piece_budget != no_piece_budget) {
                 if (pending_text.size() > piece_budget) {
@@ -93,6 +100,7 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
     /// when the environment names a locale that this machine does not have.
     template <typename Number> Text format_number(Number const& number) const {
         std::basic_ostringstream<Char> stream;
+        stream.exceptions(std::ios_base::badbit); // so that a failed allocation is passed on
         try {
             stream.imbue(std::locale(""));
         } catch (std::runtime_error const&) {

@@ -124,14 +124,12 @@ void AlphabetisedParallelOperator::pretty_print(Printer& printer) const {
 }
 
 void AlphabetisedParallelOperator::pretty_print_description(Printer& printer) const {
-    printer << shape.description << "\n";
-    printer.indent += 4;
+    IndentedDescription const indented(printer, shape.description);
     for (unsigned index = 0; index < m_alphabets.size(); ++index) {
         printer << printer.format_number(index) << ": ";
         print_event_set(printer, m_alphabets[index]);
         printer << "\n";
     }
-    printer.indent -= 4;
 }
 
 void AlphabetisedParallelOperator::pretty_print_operator_process(

@@ -1,5 +1,6 @@
 #include "csp/chaos_process.h"
 
+#include "core/kept_references.h"
 #include "core/panic.h"
 #include "csp/colours.h"
 #include "csp/prefix_process.h"
@@ -11,7 +12,7 @@ namespace {
 
 /// e -> `next` for each e of `events`, to choose from.
 ProcessPointer choice_of_prefixes(BitSet const& events, ProcessPointer const& next) {
-    OwningArray<ProcessPointer> prefixes(events.size());
+    KeptReferences<Process> prefixes(events.size());
     ProcessPointer* slot = prefixes.begin();
     for (unsigned const event : events) {
         *slot++ = new PrefixProcess(event, next);

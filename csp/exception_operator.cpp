@@ -57,4 +57,9 @@ ExceptionOperator::high_level_formats(std::vector<BitSet> const& alphabets) cons
     return formats;
 }
 
+void ExceptionOperator::pretty_print_operator_process(Printer& printer,
+                                                      OperatorProcess const& process) const {
+    print_infix_in_pieces(printer, process);
+}
+
 } // namespace Calder::ProcessCompiler::CSP

@@ -47,6 +47,9 @@ class CALDER_CSP_EXPORT ExceptionOperator : public EventSetOperator<ExceptionOpe
                                       ProcessArray const& arguments) const override;
     std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
+
+    void pretty_print_operator_process(Printer& printer,
+                                       OperatorProcess const& process) const override;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

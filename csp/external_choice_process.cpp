@@ -46,4 +46,8 @@ ExternalChoiceProcess::high_level_formats(std::vector<BitSet> const& alphabets) 
     return formats;
 }
 
+bool ExternalChoiceProcess::operator==(Process const& other) const {
+    return other.kind() == shape.kind && arguments_equal(m_arguments, same_kind(other).m_arguments);
+}
+
 } // namespace Calder::ProcessCompiler::CSP

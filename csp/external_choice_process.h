@@ -43,6 +43,9 @@ class CALDER_CSP_EXPORT ExternalChoiceProcess : public NaryProcess<ExternalChoic
 
     std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const override;
+
+    /// Asks the arguments whether they are equal, unlike its siblings.
+    bool operator==(Process const& other) const override;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -110,13 +110,11 @@ void LinkedParallelOperator::pretty_print(Printer& printer) const {
 }
 
 void LinkedParallelOperator::pretty_print_description(Printer& printer) const {
-    printer << shape.description << "\n";
-    printer.indent += 4;
+    IndentedDescription const indented(printer, shape.description);
     for (auto const& [left, right] : m_links) {
         print_link(printer, left, right);
         printer << "\n";
     }
-    printer.indent -= 4;
 }
 
 void LinkedParallelOperator::pretty_print_operator_process(Printer& printer,

@@ -9,11 +9,9 @@
 namespace Calder::ProcessCompiler::CSP {
 
 /// What the process constructs with any number of arguments share: the arguments, their identity
-/// and the form `P1 op .. op Pn`. The arguments stand in a FixedArray and so are never released.
+/// and the form `P1 op .. op Pn`. The arguments are never released (core/kept_references.h).
 template <typename Construct> class NaryProcess : public ShapedProcess<Construct> {
   public:
-    ~NaryProcess() override { record_kept_references(m_arguments); }
-
     unsigned argument_count() const override { return static_cast<unsigned>(m_arguments.size()); }
     ProcessPointer const& argument(unsigned index) const override { return m_arguments[index]; }
     void set_arguments(ProcessArray const& arguments) override {
@@ -25,20 +23,23 @@ template <typename Construct> class NaryProcess : public ShapedProcess<Construct
             return hash_combine(Construct::shape.hash_seed, hash_arguments(m_arguments));
         });
     }
-    /// Order matters, although the constructs are commutative.
+    /// Order matters, although the constructs are commutative. Asks the arguments whether they
+    /// differ, as operator!= does.
     bool operator==(Process const& other) const override {
         return other.kind() == this->kind() &&
-               arguments_equal(m_arguments, this->same_kind(other).m_arguments);
+               !arguments_differ(m_arguments, this->same_kind(other).m_arguments);
     }
     bool operator!=(Process const& other) const override {
         return other.kind() != this->kind() ||
-               !arguments_equal(m_arguments, this->same_kind(other).m_arguments);
+               arguments_differ(m_arguments, this->same_kind(other).m_arguments);
     }
     ProcessPointer clone(bool deep) const override {
-        if (deep) {
-            return new Construct(clone_arguments(m_arguments));
+        if (!deep) {
+            return new Construct(argument_count());
         }
-        return new Construct(argument_count());
+        KeptReferences<Process> clones(m_arguments.size());
+        clone_arguments(m_arguments, clones);
+        return new Construct(clones);
     }
 
     void pretty_print(Printer& printer) const override {
@@ -53,7 +54,7 @@ template <typename Construct> class NaryProcess : public ShapedProcess<Construct
     NaryProcess(ProcessArray const& arguments, unsigned index, ProcessPointer const& replacement)
         : m_arguments(arguments, index, replacement) {}
 
-    ProcessArray m_arguments;
+    KeptReferences<Process> m_arguments;
 };
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -41,7 +41,7 @@ template <typename Construct> class RelabellingOperator : public EventSetOperato
     }
     void pretty_print_operator_process(Printer& printer,
                                        OperatorProcess const& process) const override {
-        print_postfix(printer, process);
+        print_postfix(printer, process, *this);
     }
 
   protected:

@@ -15,13 +15,18 @@ namespace {
 /// `a -> b` as the printer would print it, without its budget.
 std::string pair_text(Printer const& printer, unsigned from, unsigned to) {
     std::ostringstream text;
-    {
-        Printer line(text, printer.session);
-        line.abbreviate = printer.abbreviate;
-        line.line_width = printer.line_width;
+    text.exceptions(std::ios_base::badbit); // so that a failed allocation is passed on
+    Printer line(text, printer.session);
+    line.abbreviate = printer.abbreviate;
+    line.line_width = printer.line_width;
+    try {
         print_event(line, from);
         line << " -> ";
         print_event(line, to);
+        line.flush();
+    } catch (...) {
+        line.silenced = true;
+        throw;
     }
     return text.str();
 }
@@ -118,12 +123,15 @@ void RenameOperator::pretty_print_description(Printer& printer) const {
         lines.push_back(pair_text(printer, from, to));
     }
     std::sort(lines.begin(), lines.end());
-    print_lines_description(printer, shape.description, lines);
+    IndentedDescription const indented(printer, shape.description);
+    for (std::string const& line : lines) {
+        printer << line << "\n";
+    }
 }
 
 void RenameOperator::pretty_print_operator_process(Printer& printer,
                                                    OperatorProcess const& process) const {
-    print_postfix(printer, process);
+    print_postfix(printer, process, *this);
 }
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -17,11 +17,16 @@ bool arguments_equal(ProcessArray const& left, ProcessArray const& right) {
                       });
 }
 
-OwningArray<ProcessPointer> clone_arguments(ProcessArray const& arguments) {
-    OwningArray<ProcessPointer> clones(arguments.size());
+bool arguments_differ(ProcessArray const& left, ProcessArray const& right) {
+    return !std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                       [](ProcessPointer const& mine, ProcessPointer const& theirs) {
+                           return mine == theirs || !(*mine != *theirs);
+                       });
+}
+
+void clone_arguments(ProcessArray const& arguments, ProcessArray& clones) {
     std::transform(arguments.begin(), arguments.end(), clones.begin(),
                    [](ProcessPointer const& argument) { return argument->clone(true); });
-    return clones;
 }
 
 void replace_arguments(ProcessArray& own, ProcessArray const& given) {

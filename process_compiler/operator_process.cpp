@@ -74,12 +74,15 @@ bool OperatorProcess::operator==(Process const& other) const {
 
 bool OperatorProcess::operator!=(Process const& other) const {
     return other.kind() != kind() || *m_operator != *as_application(other).m_operator ||
-           !arguments_equal(m_arguments, as_application(other).m_arguments);
+           arguments_differ(m_arguments, as_application(other).m_arguments);
 }
 
 ProcessPointer OperatorProcess::clone(bool deep) const {
-    return new OperatorProcess(m_operator, deep ? clone_arguments(m_arguments)
-                                                : OwningArray<ProcessPointer>(m_arguments.size()));
+    OwningArray<ProcessPointer> arguments(m_arguments.size());
+    if (deep) {
+        clone_arguments(m_arguments, arguments);
+    }
+    return new OperatorProcess(m_operator, arguments);
 }
 
 unsigned OperatorProcess::kind() const {

@@ -43,21 +43,18 @@ void print_event_set(Printer& printer, BitSet const& events) {
     }
 }
 
-void print_event_set_description(Printer& printer, std::string const& title, BitSet const& events) {
-    printer << title << "\n";
-    printer.indent += description_indent;
+void print_event_set_description(Printer& printer, char const* title, BitSet const& events) {
+    IndentedDescription const indented(printer, title);
     print_event_set(printer, events);
-    printer.indent -= description_indent;
 }
 
-void print_lines_description(Printer& printer, std::string const& title,
-                             std::vector<std::string> const& lines) {
+IndentedDescription::IndentedDescription(Printer& printer, char const* title) : m_printer(printer) {
     printer << title << "\n";
     printer.indent += description_indent;
-    for (std::string const& line : lines) {
-        printer << line << "\n";
-    }
-    printer.indent -= description_indent;
+}
+
+IndentedDescription::~IndentedDescription() {
+    m_printer.indent -= description_indent;
 }
 
 void print_left_operand(Printer& printer, Process const& construct, Process const& operand) {
@@ -76,15 +73,19 @@ void print_operator_between(Printer& printer, Process const& construct) {
 
 void print_infix(Printer& printer, Process const& construct) {
     print_left_operand(printer, construct, *construct.argument(0));
+    construct.pretty_print_operator(printer);
+    print_right_operand(printer, construct, *construct.argument(1));
+}
+
+void print_infix_in_pieces(Printer& printer, Process const& construct) {
+    print_left_operand(printer, construct, *construct.argument(0));
     print_operator_between(printer, construct);
     print_right_operand(printer, construct, *construct.argument(1));
 }
 
-void print_postfix(Printer& printer, Process const& construct) {
-    print_left_operand(printer, construct, *construct.argument(0));
-    if (printer.remaining_characters != 0) {
-        construct.pretty_print_operator(printer);
-    }
+void print_postfix(Printer& printer, Process const& application, PrettyPrintable const& applied) {
+    print_left_operand(printer, application, *application.argument(0));
+    print_within_budget(printer, applied);
 }
 
 void print_bracketed_set(Printer& printer, char const* open, BitSet const& events,

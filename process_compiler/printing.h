@@ -19,13 +19,22 @@ CALDER_PROCESS_COMPILER_EXPORT void print_event(Printer& printer, unsigned event
 CALDER_PROCESS_COMPILER_EXPORT void print_event_set(Printer& printer, BitSet const& events);
 
 /// A description: the title on a line of its own, then the set, indented by 4 more.
-CALDER_PROCESS_COMPILER_EXPORT void
-print_event_set_description(Printer& printer, std::string const& title, BitSet const& events);
+CALDER_PROCESS_COMPILER_EXPORT void print_event_set_description(Printer& printer, char const* title,
+                                                                BitSet const& events);
 
-/// A description: the title, then each of the lines, indented by 4 more.
-CALDER_PROCESS_COMPILER_EXPORT void print_lines_description(Printer& printer,
-                                                            std::string const& title,
-                                                            std::vector<std::string> const& lines);
+/// A description: the title on a line of its own; while this object lives, what is printed is
+/// indented by 4 more.
+class CALDER_PROCESS_COMPILER_EXPORT IndentedDescription {
+  public:
+    IndentedDescription(Printer& printer, char const* title);
+    ~IndentedDescription();
+
+    IndentedDescription(IndentedDescription const&) = delete;
+    IndentedDescription& operator=(IndentedDescription const&) = delete;
+
+  private:
+    Printer& m_printer;
+};
 
 /// An operand on the side where a left-associative construct may nest bare: the first of two
 /// operands, the only one of a postfix operator, each one of an n-ary construct.
@@ -45,11 +54,16 @@ CALDER_PROCESS_COMPILER_EXPORT void print_right_operand(Printer& printer, Proces
 CALDER_PROCESS_COMPILER_EXPORT void print_operator_between(Printer& printer,
                                                            Process const& construct);
 
-/// A construct with two operands: the first, the operator, the second.
+/// A construct with two operands: the first, the operator, the second, all in one piece.
 CALDER_PROCESS_COMPILER_EXPORT void print_infix(Printer& printer, Process const& construct);
 
-/// A construct with one operand: the operand, then the operator.
-CALDER_PROCESS_COMPILER_EXPORT void print_postfix(Printer& printer, Process const& construct);
+/// The same with the operator as a piece of its own.
+CALDER_PROCESS_COMPILER_EXPORT void print_infix_in_pieces(Printer& printer,
+                                                          Process const& construct);
+
+/// An operator with one operand: the operand, then the operator.
+CALDER_PROCESS_COMPILER_EXPORT void print_postfix(Printer& printer, Process const& application,
+                                                  PrettyPrintable const& applied);
 
 /// An infix operator over a set, such as " [| {a} |] " for "[|" and "|]"; " [|…|] " abbreviated.
 CALDER_PROCESS_COMPILER_EXPORT void print_bracketed_set(Printer& printer, char const* open,
