@@ -10,8 +10,8 @@ namespace Calder::ProcessCompiler {
 /// The count and the arguments in order, mixed; a null argument counts as 0.
 CALDER_PROCESS_COMPILER_EXPORT std::uint64_t hash_arguments(ProcessArray const& arguments);
 
-/// Same count and pairwise equal in order, by the arguments' operator==; the same object is equal to
-/// itself without being asked.
+/// Same count and pairwise equal in order, by the arguments' operator==; the same object is equal
+/// to itself without being asked.
 CALDER_PROCESS_COMPILER_EXPORT bool arguments_equal(ProcessArray const& left,
                                                     ProcessArray const& right);
 

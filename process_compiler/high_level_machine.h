@@ -62,8 +62,8 @@ struct Move {
 };
 
 /// Appends to `format` the rules of an argument that moves alone: for each event of `alphabet`,
-/// ascending, the one by which `component` performs it. `answer(event)` is the Move that the machine
-/// makes, or only its target format where the machine performs the same event.
+/// ascending, the one by which `component` performs it. `answer(event)` is the Move that the
+/// machine makes, or only its target format where the machine performs the same event.
 template <std::invocable<unsigned> Answer>
 void append_argument_rules(UnCompiledFormat& format, unsigned component, BitSet const& alphabet,
                            Answer const& answer) {
@@ -82,8 +82,8 @@ void append_argument_rules(UnCompiledFormat& format, unsigned component, BitSet 
 CALDER_PROCESS_COMPILER_EXPORT std::vector<ComponentEvent> every_component(unsigned count,
                                                                            unsigned event);
 
-/// Appends to `format`, to which they lead back as format 0, the rules of events that arguments 0 to
-/// `count` - 1 perform together: one for each of `events`, ascending.
+/// Appends to `format`, to which they lead back as format 0, the rules of events that arguments 0
+/// to `count` - 1 perform together: one for each of `events`, ascending.
 CALDER_PROCESS_COMPILER_EXPORT void append_joint_rules(UnCompiledFormat& format, unsigned count,
                                                        BitSet const& events);
 

@@ -10,8 +10,12 @@ class OperatorProcess;
 /// links, alphabets). The host applies it to arguments by an OperatorProcess and passes these to
 /// every call that needs them; one operator object serves all terms that come of a term.
 ///
-/// Operators are immutable and shared between threads. As in Process, the virtual functions stand
-/// in the order of their slots, and those that share a name with one there mean the same.
+/// Operators are immutable and shared between threads; like terms they live on the heap. As in
+/// Process, the virtual functions stand in the order of their slots, and those that share a name
+/// with one there mean the same. There are as many arguments and alphabets as the operator is made
+/// for: one for hiding, projection and renaming; two for linked parallel, exception and
+/// synchronising interrupt; for alphabetised parallel as many as it has alphabets; for the others
+/// any number.
 class CALDER_PROCESS_COMPILER_EXPORT Operator : public AtomicReferenceCounted,
                                                 public PrettyPrintable {
   public:
@@ -23,11 +27,12 @@ class CALDER_PROCESS_COMPILER_EXPORT Operator : public AtomicReferenceCounted,
     virtual bool operator==(Operator const& other) const = 0;
     virtual bool operator!=(Operator const& other) const = 0;
     virtual std::uint64_t hash_code() const = 0;
-    /// Which class this is; the numbers are apart from those of Process::kind.
+    /// Which class this is; the numbers are apart from those of Process::kind. The library's
+    /// operators have 0 to 8.
     virtual unsigned operator_kind() const = 0;
 
     /// The transitions of the operator applied to `arguments`, none of which is null. Successors
-    /// are applications of this same operator, or arguments, or STOP.
+    /// are applications of this same operator, or arguments, or successors of arguments, or STOP.
     virtual bool visit_transitions(NamedProcessSource const& source,
                                    TransitionVisitor const& visitor,
                                    ProcessArray const& arguments) const = 0;

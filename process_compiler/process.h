@@ -51,8 +51,9 @@ using Formats = std::deque<HighLevelMachine::UnCompiledFormat>;
 ///
 /// Terms are shared: they are held by counted pointers, and nothing but `set_arguments` changes one
 /// after it was built. So every operation is const, may be called from several threads at once, and
-/// hands arguments on by reference. "Aborts" below marks a question that the host never asks of
-/// some classes; those end the program with abort().
+/// hands arguments on by reference. A term hands out counted pointers to itself, so it lives on the
+/// heap and is held by one while it is asked anything. "Aborts" below marks a question that the
+/// host never asks of some classes; those end the program with abort().
 ///
 /// The virtual functions stand in the order of their slots; the two slots of the destructor come
 /// first. The order is part of the binary interface.
@@ -78,14 +79,15 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     virtual bool visit_transitions(NamedProcessSource const& source,
                                    TransitionVisitor const& visitor) const = 0;
 
-    /// The transitions of the construct alone, over the alphabets of its arguments (`alphabets[i]`
-    /// holds what argument i can perform, tau and tick included). The default reports nothing: the
-    /// formats then say everything.
+    /// The transitions of the construct alone, over the alphabets of its arguments, one for each
+    /// (`alphabets[i]` holds what argument i can perform, tau and tick included). The default
+    /// reports nothing: the formats then say everything.
     virtual void visit_high_level_transitions(std::vector<BitSet> const& alphabets,
                                               HighLevelVisitor const& visitor) const;
 
-    /// The construct as a machine over its arguments, which have the given alphabets. The caller
-    /// owns the result; format 0 is the initial one. Aborts for terms without arguments.
+    /// The construct as a machine over its arguments, which have the given alphabets: exactly one
+    /// for each argument. The caller owns the result; format 0 is the initial one. RUN and CHAOS
+    /// abort.
     virtual std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const = 0;
 
@@ -95,11 +97,13 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     /// The same tests with the opposite answers.
     virtual bool operator!=(Process const& other) const = 0;
 
-    /// Equal terms have equal codes; a null argument counts as 0. Kept in the term. Always even:
-    /// mix it again before use in a table.
+    /// Equal terms have equal codes, with two exceptions: renamings by the same pairs in another
+    /// order, and a term that was asked before `set_arguments`, since the code is kept in the term.
+    /// A null argument counts as 0. Always even: mix it again before use in a table.
     virtual std::uint64_t hash_code() const = 0;
 
-    /// Which class this is. Constructs have the numbers below 20; see kinds.h for the host's own.
+    /// Which class this is. The library's constructs have 10 to 19 (csp/constructs.h), the host's
+    /// own terms 20 and 21 (kinds.h).
     virtual unsigned kind() const = 0;
 
     /// The whole term, operands included.
@@ -132,8 +136,9 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     virtual unsigned argument_count() const = 0;
     /// Null before `set_arguments` in a term built without arguments. The index is not checked.
     virtual ProcessPointer const& argument(unsigned index) const = 0;
-    /// Replaces the arguments by the first `argument_count` elements, retaining each new one before
-    /// the one it replaces is released. Only for a term that nobody else uses yet.
+    /// Replaces the arguments by the first `argument_count` elements, of which there must be as
+    /// many, retaining each new one before the one it replaces is released. Only for a term that
+    /// nobody else uses yet and that was not asked for its hash code.
     virtual void set_arguments(ProcessArray const& arguments) = 0;
 
   protected:

@@ -1,24 +1,6 @@
 #include "script/constructs.h"
 
-#include "csp/alphabetised_parallel_operator.h"
-#include "csp/chaos_process.h"
-#include "csp/event_set_prefix_process.h"
-#include "csp/exception_operator.h"
-#include "csp/external_choice_process.h"
-#include "csp/generalised_parallel_operator.h"
-#include "csp/hide_operator.h"
-#include "csp/interleave_process.h"
-#include "csp/internal_choice_process.h"
-#include "csp/interrupt_process.h"
-#include "csp/linked_parallel_operator.h"
-#include "csp/prefix_process.h"
-#include "csp/project_operator.h"
-#include "csp/rename_operator.h"
-#include "csp/run_process.h"
-#include "csp/sequential_composition_process.h"
-#include "csp/sliding_choice_process.h"
-#include "csp/synchronising_external_choice_operator.h"
-#include "csp/synchronising_interrupt_operator.h"
+#include "csp/constructs.h"
 
 #include <algorithm>
 #include <array>
@@ -97,45 +79,59 @@ ProcessPointer apply_linked_parallel(Parts const& parts) {
     return applied(new LinkedParallelOperator(pairs_of(parts.events)), parts);
 }
 
+using Build = ProcessPointer (*)(Parts const&);
+
+/// What the construct's own row says of the notation: how tight it binds, and how it associates.
+template <typename Made>
+constexpr ConstructEntry entry(Construct construct, char const* name, Build build) {
+    constexpr std::array associations{Association::left, Association::right, Association::none};
+    return {construct, name, Made::shape.precedence, associations[Made::shape.associativity],
+            build};
+}
+
+/// Of a construct whose chain is one term.
+template <typename Made>
+constexpr ConstructEntry chain(Construct construct, char const* name, Build build) {
+    return {construct, name, Made::shape.precedence, Association::nary, build};
+}
+
 constexpr std::array entries{
     ConstructEntry{Construct::stop, "STOP", 0, Association::none, build_stop},
     ConstructEntry{Construct::skip, "SKIP", 0, Association::none, build_skip},
-    ConstructEntry{Construct::run, "RUN", 0, Association::none, build_over_set<RunProcess>},
-    ConstructEntry{Construct::chaos, "CHAOS", 0, Association::none, build_over_set<ChaosProcess>},
+    entry<RunProcess>(Construct::run, "RUN", build_over_set<RunProcess>),
+    entry<ChaosProcess>(Construct::chaos, "CHAOS", build_over_set<ChaosProcess>),
     ConstructEntry{Construct::replicated_parallel, "replicated alphabetised parallel", 0,
                    Association::none, apply_alphabetised_parallel},
-    ConstructEntry{Construct::renaming, "renaming", 1, Association::left, apply_renaming},
-    ConstructEntry{Construct::prefix, "prefix", 2, Association::right, build_prefix},
-    ConstructEntry{Construct::event_set_prefix, "event-set prefix", 2, Association::right,
-                   build_event_set_prefix},
-    ConstructEntry{Construct::sequential_composition, "sequential composition", 3,
-                   Association::right, build_of_two<SequentialCompositionProcess>},
-    ConstructEntry{Construct::sliding_choice, "sliding choice", 4, Association::left,
-                   build_of_two<SlidingChoiceProcess>},
-    ConstructEntry{Construct::interrupt, "interrupt", 5, Association::left,
-                   build_of_two<InterruptProcess>},
-    ConstructEntry{Construct::synchronising_interrupt, "synchronising interrupt", 5,
-                   Association::left, apply_over_set<SynchronisingInterruptOperator>},
-    ConstructEntry{Construct::external_choice, "external choice", 6, Association::nary,
-                   build_chain<ExternalChoiceProcess>},
-    ConstructEntry{Construct::synchronising_external_choice, "synchronising external choice", 6,
-                   Association::nary, apply_over_set<SynchronisingExternalChoiceOperator>},
-    ConstructEntry{Construct::internal_choice, "internal choice", 7, Association::nary,
-                   build_chain<InternalChoiceProcess>},
-    ConstructEntry{Construct::generalised_parallel, "generalised parallel", 8, Association::nary,
-                   apply_over_set<GeneralisedParallelOperator>},
-    ConstructEntry{Construct::alphabetised_parallel, "alphabetised parallel", 8, Association::none,
-                   apply_alphabetised_parallel},
-    ConstructEntry{Construct::linked_parallel, "linked parallel", 8, Association::none,
-                   apply_linked_parallel},
-    ConstructEntry{Construct::exception, "exception", 8, Association::none,
-                   apply_over_set<ExceptionOperator>},
-    ConstructEntry{Construct::interleaving, "interleaving", 9, Association::nary,
-                   build_chain<InterleaveProcess>},
-    ConstructEntry{Construct::hiding, "hiding", 10, Association::left,
-                   apply_over_set<HideOperator>},
-    ConstructEntry{Construct::projection, "projection", 10, Association::left,
-                   apply_over_set<ProjectOperator>},
+    entry<RenameOperator>(Construct::renaming, "renaming", apply_renaming),
+    entry<PrefixProcess>(Construct::prefix, "prefix", build_prefix),
+    entry<EventSetPrefixProcess>(Construct::event_set_prefix, "event-set prefix",
+                                 build_event_set_prefix),
+    entry<SequentialCompositionProcess>(Construct::sequential_composition, "sequential composition",
+                                        build_of_two<SequentialCompositionProcess>),
+    entry<SlidingChoiceProcess>(Construct::sliding_choice, "sliding choice",
+                                build_of_two<SlidingChoiceProcess>),
+    entry<InterruptProcess>(Construct::interrupt, "interrupt", build_of_two<InterruptProcess>),
+    entry<SynchronisingInterruptOperator>(Construct::synchronising_interrupt,
+                                          "synchronising interrupt",
+                                          apply_over_set<SynchronisingInterruptOperator>),
+    chain<ExternalChoiceProcess>(Construct::external_choice, "external choice",
+                                 build_chain<ExternalChoiceProcess>),
+    chain<SynchronisingExternalChoiceOperator>(Construct::synchronising_external_choice,
+                                               "synchronising external choice",
+                                               apply_over_set<SynchronisingExternalChoiceOperator>),
+    chain<InternalChoiceProcess>(Construct::internal_choice, "internal choice",
+                                 build_chain<InternalChoiceProcess>),
+    chain<GeneralisedParallelOperator>(Construct::generalised_parallel, "generalised parallel",
+                                       apply_over_set<GeneralisedParallelOperator>),
+    entry<AlphabetisedParallelOperator>(Construct::alphabetised_parallel, "alphabetised parallel",
+                                        apply_alphabetised_parallel),
+    entry<LinkedParallelOperator>(Construct::linked_parallel, "linked parallel",
+                                  apply_linked_parallel),
+    entry<ExceptionOperator>(Construct::exception, "exception", apply_over_set<ExceptionOperator>),
+    chain<InterleaveProcess>(Construct::interleaving, "interleaving",
+                             build_chain<InterleaveProcess>),
+    entry<HideOperator>(Construct::hiding, "hiding", apply_over_set<HideOperator>),
+    entry<ProjectOperator>(Construct::projection, "projection", apply_over_set<ProjectOperator>),
 };
 
 constexpr bool entries_stand_in_order() {
