@@ -215,7 +215,7 @@ void expect_deep_clone(Process const& clone, Process const& of) {
     ASSERT_EQ(clone.argument_count(), of.argument_count());
     for (unsigned i = 0; i < of.argument_count(); ++i) {
         ASSERT_NE(clone.argument(i), nullptr) << "argument " << i << " of a shallow clone";
-        expect_deep_clone(*clone.argument(i), *of.argument(i));
+        ASSERT_NO_FATAL_FAILURE(expect_deep_clone(*clone.argument(i), *of.argument(i)));
     }
 }
 
@@ -226,7 +226,7 @@ TEST(Clones, deep_ones_are_new_all_the_way_down_and_shallow_ones_wait_for_argume
         ProcessPointer const second = prefix(c, sliding(prefix(a, P), prefix(b, Q)));
         ProcessPointer const term = construct.of(first, second);
         ProcessPointer const deep = term->clone(true);
-        expect_deep_clone(*deep, *term);
+        ASSERT_NO_FATAL_FAILURE(expect_deep_clone(*deep, *term));
         EXPECT_TRUE(*deep == *term);
         EXPECT_EQ(deep->hash_code(), term->hash_code());
 
