@@ -59,41 +59,24 @@ bool explore_both(Model const& model, Explored& explored) {
                                           explored.machine.outcome == Outcome::state_limit);
 }
 
+template <typename Check> bool all_arguments(Term const& term, Check const& check) {
+    return std::all_of(term.arguments.begin(), term.arguments.end(),
+                       [&](TermPointer const& argument) { return check(*argument); });
+}
+
 /// A term that is explored as it stands, and that never terminates.
 bool is_sequential(Term const& term) {
-    switch (term.kind) {
-    case Kind::prefix:
-    case Kind::event_set_prefix:
-    case Kind::external_choice:
-    case Kind::internal_choice:
-    case Kind::sliding_choice:
-    case Kind::run:
-    case Kind::chaos:
-        return term.events.count(tick) == 0 &&
-               std::all_of(term.arguments.begin(), term.arguments.end(),
-                           [](TermPointer const& argument) { return is_sequential(*argument); });
-    default: return false;
-    }
+    return entry_of(term.kind).role == Role::sequential && term.events.count(tick) == 0 &&
+           all_arguments(term, is_sequential);
 }
 
 /// Networks that keep their shape, over sequential arguments: here the states of both are the same,
 /// one by one. Elsewhere a machine may have several states for the one STOP of the terms.
 bool is_static_network(Term const& term) {
-    switch (term.kind) {
-    case Kind::interleave:
-    case Kind::generalised_parallel:
-    case Kind::alphabetised_parallel:
-    case Kind::linked_parallel:
-    case Kind::hiding:
-    case Kind::projection:
-    case Kind::renaming:
-        return !term.arguments.empty() && std::all_of(term.arguments.begin(), term.arguments.end(),
-                                                      [](TermPointer const& argument) {
-                                                          return is_sequential(*argument) ||
-                                                                 is_static_network(*argument);
-                                                      });
-    default: return false;
-    }
+    return entry_of(term.kind).role == Role::static_network && !term.arguments.empty() &&
+           all_arguments(term, [](Term const& argument) {
+               return is_sequential(argument) || is_static_network(argument);
+           });
 }
 
 std::optional<std::string> difference_between(Explored const& explored, bool counts_agree) {
