@@ -36,132 +36,97 @@ std::string formats_text(Process const& term, Sets const& alphabets) {
     return lines;
 }
 
-struct Row {
-    ProcessPointer term;
-    Sets alphabets;
-    char const* formats;
-};
-
-void expect_formats(std::vector<Row> const& rows) {
-    for (Row const& row : rows) {
-        EXPECT_EQ(formats_text(*row.term, row.alphabets), row.formats) << text(*row.term);
-    }
+void expect_formats(Term term, Sets const& alphabets, char const* formats) {
+    EXPECT_EQ(formats_text(*term, alphabets), formats) << text(*term);
 }
 
 TEST(Formats, of_processes) {
-    expect_formats({
-        {prefix(a, P), {{}}, "0 runs: a()>1\n1 runs 0:\n"},
-        {prefix(a, P),
-         {{tau, tick, b}},
-         "0 runs: a()>1\n1 runs 0: tau(0:tau)>1 tick(0:tick)>1 b(0:b)>1\n"},
-        {set_prefix({b, a}, P),
-         {{tau, c}},
-         "0 runs: a()>1 b()>1\n1 runs 0: tau(0:tau)>1 c(0:c)>1\n"},
-        {set_prefix({}, P), {{}}, "0 runs:\n1 runs 0:\n"},
-        {external({P, Q}),
-         {{a, tick}, {tau, b}},
-         "0 runs 0 1: tick(0:tick)>1 a(0:a)>1 tau(1:tau)>0 b(1:b)>2\n"
-         "1 runs 0: tick(0:tick)>1 a(0:a)>1\n"
-         "2 runs 1: tau(1:tau)>2 b(1:b)>2\n"},
-        {STOP, {}, "0 runs:\n"},
-        {internal({P, Q}),
-         {{a, tick}, {tau}},
-         "0 runs: tau()>1 tau()>2\n"
-         "1 runs 0: tick(0:tick)>1 a(0:a)>1\n"
-         "2 runs 1: tau(1:tau)>2\n"},
-        {internal({}), {}, "0 runs:\n"},
-        {sliding(P, Q),
-         {{tau, a}, {b}},
-         "0 runs 0: tau(0:tau)>0 a(0:a)>1 tau()>2\n"
-         "1 runs 0: tau(0:tau)>1 a(0:a)>1\n"
-         "2 runs 1: b(1:b)>2\n"},
-        {sliding(P, Q), {{}, {}}, "0 runs 0: tau()>2\n1 runs 0:\n2 runs 1:\n"},
-        {sequence(P, Q),
-         {{a, tick}, {b}},
-         "0 runs 0: tau(0:tick)>1 a(0:a)>0\n1 runs 1: b(1:b)>1\n"},
-        {interrupt(P, Q),
-         {{a, tick}, {tau, b}},
-         "0 runs 0 1: tick(0:tick)>2 a(0:a)>0 tau(1:tau)>0 b(1:b)>1\n"
-         "1 runs 1: tau(1:tau)>1 b(1:b)>1\n"
-         "2 runs:\n"},
-        {interrupt(P, Q), {{a}, {}}, "0 runs 0 1: a(0:a)>0\n1 runs 1:\n2 runs:\n"},
-        {interleave({P, Q}),
-         {{a, tick}, {tau, tick}},
-         "0 runs 0 1: a(0:a)>0 tau(1:tau)>0 tick(0:tick 1:tick)>0\n"},
-        {interleave({P, Q, P}), {{a}, {tick}, {tick, a}}, "0 runs 0 1 2: a(0:a)>0 a(2:a)>0\n"},
-        {SKIP, {}, "0 runs: tick()>0\n"},
-    });
+    expect_formats(prefix(a, P), {{}}, "0 runs: a()>1\n1 runs 0:\n");
+    expect_formats(prefix(a, P), {{tau, tick, b}},
+                   "0 runs: a()>1\n1 runs 0: tau(0:tau)>1 tick(0:tick)>1 b(0:b)>1\n");
+    expect_formats(set_prefix({b, a}, P), {{tau, c}},
+                   "0 runs: a()>1 b()>1\n1 runs 0: tau(0:tau)>1 c(0:c)>1\n");
+    expect_formats(set_prefix({}, P), {{}}, "0 runs:\n1 runs 0:\n");
+    expect_formats(external({P, Q}), {{a, tick}, {tau, b}},
+                   "0 runs 0 1: tick(0:tick)>1 a(0:a)>1 tau(1:tau)>0 b(1:b)>2\n"
+                   "1 runs 0: tick(0:tick)>1 a(0:a)>1\n"
+                   "2 runs 1: tau(1:tau)>2 b(1:b)>2\n");
+    expect_formats(STOP, {}, "0 runs:\n");
+    expect_formats(internal({P, Q}), {{a, tick}, {tau}},
+                   "0 runs: tau()>1 tau()>2\n"
+                   "1 runs 0: tick(0:tick)>1 a(0:a)>1\n"
+                   "2 runs 1: tau(1:tau)>2\n");
+    expect_formats(internal({}), {}, "0 runs:\n");
+    expect_formats(sliding(P, Q), {{tau, a}, {b}},
+                   "0 runs 0: tau(0:tau)>0 a(0:a)>1 tau()>2\n"
+                   "1 runs 0: tau(0:tau)>1 a(0:a)>1\n"
+                   "2 runs 1: b(1:b)>2\n");
+    expect_formats(sliding(P, Q), {{}, {}}, "0 runs 0: tau()>2\n1 runs 0:\n2 runs 1:\n");
+    expect_formats(sequence(P, Q), {{a, tick}, {b}},
+                   "0 runs 0: tau(0:tick)>1 a(0:a)>0\n1 runs 1: b(1:b)>1\n");
+    expect_formats(interrupt(P, Q), {{a, tick}, {tau, b}},
+                   "0 runs 0 1: tick(0:tick)>2 a(0:a)>0 tau(1:tau)>0 b(1:b)>1\n"
+                   "1 runs 1: tau(1:tau)>1 b(1:b)>1\n"
+                   "2 runs:\n");
+    expect_formats(interrupt(P, Q), {{a}, {}}, "0 runs 0 1: a(0:a)>0\n1 runs 1:\n2 runs:\n");
+    expect_formats(interleave({P, Q}), {{a, tick}, {tau, tick}},
+                   "0 runs 0 1: a(0:a)>0 tau(1:tau)>0 tick(0:tick 1:tick)>0\n");
+    expect_formats(interleave({P, Q, P}), {{a}, {tick}, {tick, a}},
+                   "0 runs 0 1 2: a(0:a)>0 a(2:a)>0\n");
+    expect_formats(SKIP, {}, "0 runs: tick()>0\n");
 }
 
 TEST(Formats, of_parallel_operators) {
-    expect_formats({
-        {parallel({a}, {P, Q}),
-         {{tick, a, b}, {c}},
-         "0 runs 0 1: tick(0:tick 1:tick)>0 a(0:a 1:a)>0 tick(0:tick 1:tick)>0 b(0:b)>0 "
-         "c(1:c)>0\n"},
-        {parallel({}, {P, Q, P}),
-         {{b}, {}, {b}},
-         "0 runs 0 1 2: tick(0:tick 1:tick 2:tick)>0 tick(0:tick 1:tick 2:tick)>0 b(0:b)>0 "
-         "b(2:b)>0\n"},
-        {parallel({a}, {}), {}, "0 runs: tick()>0 a()>0 tick()>0\n"},
-        {alphabetised({{a}, {a, b}}, {P, Q}),
-         {{tick, a}, {tau, tick}},
-         "0 runs 0 1: tick(0:tick 1:tick)>0 a(0:a 1:a)>0 b(1:b)>0 tick(0:tick 1:tick)>0 "
-         "tau(1:tau)>0\n"},
-        {alphabetised({{a}, {b}}, {P, Q}),
-         {{tick}, {b}},
-         "0 runs 0 1: tick(0:tick 1:tick)>0 a(0:a)>0 b(1:b)>0\n"},
-        {alphabetised({{a}, {}, {a, c}}, {P, Q, P}),
-         {{tau}, {}, {tau, a}},
-         "0 runs 0 1 2: tick(0:tick 1:tick 2:tick)>0 a(0:a 2:a)>0 c(2:c)>0 tau(0:tau)>0 "
-         "tau(2:tau)>0\n"},
-        {alphabetised({{tau}, {tau, a}}, {P, Q}), // as an event, and again as each one's own
-         {{tau}, {}},
-         "0 runs 0 1: tau(0:tau 1:tau)>0 tick(0:tick 1:tick)>0 a(1:a)>0 tau(0:tau)>0\n"},
-        {alphabetised({}, {}), {}, "0 runs: tick()>0\n"},
-        {linked({{a, b}, {b, c}}, P, Q),
-         {{tau, a, c}, {tick, a, b}},
-         "0 runs 0 1: tau(0:a 1:b)>0 tau(0:tau)>0 c(0:c)>0 a(1:a)>0\n"},
-        {linked({}, P, Q), {{tick}, {tick}}, "0 runs 0 1: tick(0:tick 1:tick)>0\n"},
-        {linked({{tick, b}}, P, Q),
-         {{tick, b}, {a, b}},
-         "0 runs 0 1: tick(0:tick 1:b)>0 b(0:b)>0 a(1:a)>0\n"},
-        {linked({{a, tick}}, P, Q),
-         {{a, b}, {tick, a}},
-         "0 runs 0 1: tau(0:a 1:tick)>0 b(0:b)>0 a(1:a)>0\n"},
-    });
+    expect_formats(parallel({a}, {P, Q}), {{tick, a, b}, {c}},
+                   "0 runs 0 1: tick(0:tick 1:tick)>0 a(0:a 1:a)>0 tick(0:tick 1:tick)>0 b(0:b)>0 "
+                   "c(1:c)>0\n");
+    expect_formats(
+        parallel({}, {P, Q, P}), {{b}, {}, {b}},
+        "0 runs 0 1 2: tick(0:tick 1:tick 2:tick)>0 tick(0:tick 1:tick 2:tick)>0 b(0:b)>0 "
+        "b(2:b)>0\n");
+    expect_formats(parallel({a}, {}), {}, "0 runs: tick()>0 a()>0 tick()>0\n");
+    expect_formats(alphabetised({{a}, {a, b}}, {P, Q}), {{tick, a}, {tau, tick}},
+                   "0 runs 0 1: tick(0:tick 1:tick)>0 a(0:a 1:a)>0 b(1:b)>0 tick(0:tick 1:tick)>0 "
+                   "tau(1:tau)>0\n");
+    expect_formats(alphabetised({{a}, {b}}, {P, Q}), {{tick}, {b}},
+                   "0 runs 0 1: tick(0:tick 1:tick)>0 a(0:a)>0 b(1:b)>0\n");
+    expect_formats(alphabetised({{a}, {}, {a, c}}, {P, Q, P}), {{tau}, {}, {tau, a}},
+                   "0 runs 0 1 2: tick(0:tick 1:tick 2:tick)>0 a(0:a 2:a)>0 c(2:c)>0 tau(0:tau)>0 "
+                   "tau(2:tau)>0\n");
+    // As an event of the alphabets, and again as each argument's own.
+    expect_formats(alphabetised({{tau}, {tau, a}}, {P, Q}), {{tau}, {}},
+                   "0 runs 0 1: tau(0:tau 1:tau)>0 tick(0:tick 1:tick)>0 a(1:a)>0 tau(0:tau)>0\n");
+    expect_formats(alphabetised({}, {}), {}, "0 runs: tick()>0\n");
+    expect_formats(linked({{a, b}, {b, c}}, P, Q), {{tau, a, c}, {tick, a, b}},
+                   "0 runs 0 1: tau(0:a 1:b)>0 tau(0:tau)>0 c(0:c)>0 a(1:a)>0\n");
+    expect_formats(linked({}, P, Q), {{tick}, {tick}}, "0 runs 0 1: tick(0:tick 1:tick)>0\n");
+    expect_formats(linked({{tick, b}}, P, Q), {{tick, b}, {a, b}},
+                   "0 runs 0 1: tick(0:tick 1:b)>0 b(0:b)>0 a(1:a)>0\n");
+    expect_formats(linked({{a, tick}}, P, Q), {{a, b}, {tick, a}},
+                   "0 runs 0 1: tau(0:a 1:tick)>0 b(0:b)>0 a(1:a)>0\n");
 }
 
 TEST(Formats, of_other_operators) {
-    expect_formats({
-        {hide(P, {a}),
-         {{tau, tick, a, b}},
-         "0 runs 0: tau(0:tau)>0 tick(0:tick)>0 tau(0:a)>0 b(0:b)>0\n"},
-        {hide(P, {a}), {{}}, "0 runs 0:\n"},
-        {project(P, {a}),
-         {{tau, tick, a, b}},
-         "0 runs 0: tau(0:tau)>0 tick(0:tick)>0 a(0:a)>0 tau(0:b)>0\n"},
-        {rename(P, {{a, b}, {a, c}, {tick, a}}),
-         {{tick, a, b}},
-         "0 runs 0: a(0:tick)>0 c(0:a)>0 b(0:a)>0 b(0:b)>0\n"},
-        {exception({a, tick}, P, Q),
-         {{tick, a, b}, {c}},
-         "0 runs 0: tick(0:tick)>1 a(0:a)>1 b(0:b)>0\n1 runs 1: c(1:c)>1\n"},
-        {sync_choice({a}, {P, Q}),
-         {{tau, a, b}, {tick}},
-         "0 runs 0 1: a(0:a 1:a)>0 tau(0:tau)>0 b(0:b)>1 tick(1:tick)>2\n"
-         "1 runs 0: tau(0:tau)>1 a(0:a)>1 b(0:b)>1\n"
-         "2 runs 1: tick(1:tick)>2\n"},
-        {sync_choice({a}, {}), {}, "0 runs: a()>0\n"},
-        {sync_interrupt({a}, P, Q),
-         {{a, tick}, {a, b}},
-         "0 runs 0 1: tick(0:tick 1:-)>2 a(0:a 1:a)>0 b(0:- 1:b)>1\n"
-         "1 runs 1: a(1:a)>1 b(1:b)>1\n"
-         "2 runs:\n"},
-        {sync_interrupt({}, P, Q),
-         {{a}, {tau}},
-         "0 runs 0 1: a(0:a 1:-)>0 tau(0:- 1:tau)>0\n1 runs 1: tau(1:tau)>1\n2 runs:\n"},
-    });
+    expect_formats(hide(P, {a}), {{tau, tick, a, b}},
+                   "0 runs 0: tau(0:tau)>0 tick(0:tick)>0 tau(0:a)>0 b(0:b)>0\n");
+    expect_formats(hide(P, {a}), {{}}, "0 runs 0:\n");
+    expect_formats(project(P, {a}), {{tau, tick, a, b}},
+                   "0 runs 0: tau(0:tau)>0 tick(0:tick)>0 a(0:a)>0 tau(0:b)>0\n");
+    expect_formats(rename(P, {{a, b}, {a, c}, {tick, a}}), {{tick, a, b}},
+                   "0 runs 0: a(0:tick)>0 c(0:a)>0 b(0:a)>0 b(0:b)>0\n");
+    expect_formats(exception({a, tick}, P, Q), {{tick, a, b}, {c}},
+                   "0 runs 0: tick(0:tick)>1 a(0:a)>1 b(0:b)>0\n1 runs 1: c(1:c)>1\n");
+    expect_formats(sync_choice({a}, {P, Q}), {{tau, a, b}, {tick}},
+                   "0 runs 0 1: a(0:a 1:a)>0 tau(0:tau)>0 b(0:b)>1 tick(1:tick)>2\n"
+                   "1 runs 0: tau(0:tau)>1 a(0:a)>1 b(0:b)>1\n"
+                   "2 runs 1: tick(1:tick)>2\n");
+    expect_formats(sync_choice({a}, {}), {}, "0 runs: a()>0\n");
+    expect_formats(sync_interrupt({a}, P, Q), {{a, tick}, {a, b}},
+                   "0 runs 0 1: tick(0:tick 1:-)>2 a(0:a 1:a)>0 b(0:- 1:b)>1\n"
+                   "1 runs 1: a(1:a)>1 b(1:b)>1\n"
+                   "2 runs:\n");
+    expect_formats(sync_interrupt({}, P, Q), {{a}, {tau}},
+                   "0 runs 0 1: a(0:a 1:-)>0 tau(0:- 1:tau)>0\n1 runs 1: tau(1:tau)>1\n2 runs:\n");
 }
 
 bool runs_in(HighLevelMachine::UnCompiledFormat const& format, unsigned index) {
@@ -220,25 +185,20 @@ std::string high_level_text(Process const& term, Sets const& alphabets) {
     return lines;
 }
 
+void expect_high_level(Term term, Sets const& alphabets, char const* transitions) {
+    EXPECT_EQ(high_level_text(*term, alphabets), transitions);
+    EXPECT_THROW(term->visit_high_level_transitions(alphabets, {}), std::bad_function_call);
+}
+
 TEST(HighLevelTransitions, are_told_by_some_constructs_beside_their_formats) {
-    Row const rows[] = {
-        {prefix(a, P), {{}}, "[] a to P\n"},
-        {set_prefix({b, a}, P), {{}}, "[] a to P\n[] b to P\n"},
-        {internal({P, Q}), {{}, {}}, "[] tau to P\n[] tau to Q\n"},
-        {sequence(P, Q),
-         {{tau, tick, a}, {b}},
-         "[tau] tau to P ; Q, moved\n[tick] tau to Q\n[a] a to P ; Q, moved\n"},
-        {exception({a}, P, Q),
-         {{tau, tick, a}, {}},
-         "[tau] tau to P [| {a} |> Q, moved\n"
-         "[tick] tick to P [| {a} |> Q, moved\n"
-         "[a] a to Q\n"},
-    };
-    for (Row const& row : rows) {
-        EXPECT_EQ(high_level_text(*row.term, row.alphabets), row.formats);
-        EXPECT_THROW(row.term->visit_high_level_transitions(row.alphabets, {}),
-                     std::bad_function_call);
-    }
+    expect_high_level(prefix(a, P), {{}}, "[] a to P\n");
+    expect_high_level(set_prefix({b, a}, P), {{}}, "[] a to P\n[] b to P\n");
+    expect_high_level(internal({P, Q}), {{}, {}}, "[] tau to P\n[] tau to Q\n");
+    expect_high_level(sequence(P, Q), {{tau, tick, a}, {b}},
+                      "[tau] tau to P ; Q, moved\n[tick] tau to Q\n[a] a to P ; Q, moved\n");
+    expect_high_level(
+        exception({a}, P, Q), {{tau, tick, a}, {}},
+        "[tau] tau to P [| {a} |> Q, moved\n[tick] tick to P [| {a} |> Q, moved\n[a] a to Q\n");
     std::string silent;
     for (Construct const& construct : constructs) {
         Sets const alphabets(construct.operands, BitSet{tick, a});

@@ -1,3 +1,4 @@
+#include "process_compiler/kinds.h"
 #include "tests/csp/terms.h"
 
 #include <gtest/gtest.h>

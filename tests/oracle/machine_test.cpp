@@ -2,7 +2,6 @@
 #include "state_space/machine/machine_exploration.h"
 #include "state_space/memory.h"
 #include "tests/oracle/deliberate_differences.h"
-#include "tests/oracle/environment.h"
 #include "tests/oracle/library_term.h"
 #include "tests/oracle/shrinking.h"
 
@@ -10,7 +9,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iostream>
 #include <optional>
 #include <sstream>
 
@@ -112,18 +110,8 @@ Model model_of_seed(std::uint64_t seed) {
     return random_model(seed, 2 + static_cast<unsigned>(seed % 12), tick_in_sets);
 }
 
-/// CALDER_SEED replays, CALDER_MODELS says how many; see environment.h.
 TEST(Machine, behaves_as_the_term_it_was_compiled_from) {
-    SeedRange const seeds = seeds_from_environment(5'000);
-    std::cout << seeds.text() << '\n';
-    for (std::uint64_t seed = seeds.first; seed < seeds.end; ++seed) {
-        if (Model const model = model_of_seed(seed); difference_in(model)) {
-            Model const least = shrunk(
-                model, [](Model const& candidate) { return difference_in(candidate).has_value(); });
-            FAIL() << "CALDER_SEED=" << seed << ", shrunk to\n    " << text_of(least) << '\n'
-                   << *difference_in(least);
-        }
-    }
+    expect_no_difference(5'000, model_of_seed, difference_in);
 }
 
 /// So that the comparison does not pass for lack of anything to compare.
