@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 namespace Calder::ProcessCompiler::CSP {
 namespace {
 
@@ -24,75 +22,66 @@ OwningArray<SyncVector> vectors_of(Numbers const& numbers) {
 
 OperatorPointer const op{new GeneralisedParallelOperator(BitSet{})};
 
-/// What is offered, as text: `3:0 1`, a line each; stops at the first offer numbered `refused`.
-std::string offers(BitSet const& synchronised, Numbers const& numbers, std::size_t refused,
-                   bool& answer) {
+/// What is offered, as text: `3 of 0 1, `; stops at the first offer numbered `refused`, and ends in
+/// the answer.
+std::string offers(BitSet const& synchronised, Numbers const& numbers, int refused) {
     OwningArray<SyncVector> vectors = vectors_of(numbers);
     sort_sync_vectors(vectors);
     Terms const arguments(numbers.size());
-    std::string lines;
-    std::size_t count = 0;
-    answer = cart_product_synchronised_events(
+    std::string offered;
+    bool const answer = cart_product_synchronised_events(
         synchronised, vectors, arguments,
         [&](unsigned event, Term successor) {
-            lines += std::to_string(event) + ":";
+            offered += std::to_string(event) + (successor->argument_count() == 0 ? "" : " of");
             for (unsigned i = 0; i < successor->argument_count(); ++i) {
-                lines += " " + text(*successor->argument(i));
+                offered += " " + text(*successor->argument(i));
             }
-            lines += "\n";
-            return count++ != refused;
+            offered += ", ";
+            return refused-- != 0;
         },
         op);
-    return lines;
+    return offered + (answer ? "done" : "stopped");
 }
 
-TEST(Synchronisation, combines_what_all_arguments_can_perform) {
+TEST(Synchronisation, offers_what_all_arguments_can_perform) {
+    Numbers const with_tick{{{tick, 0}, {tick, 1}, {3, 2}, {3, 3}, {4, 4}},
+                            {{tick, 5}, {3, 6}, {4, 7}}};
     struct {
         char const* fault;
         BitSet synchronised;
         Numbers numbers;
         char const* offers;
+        int refused = -1;
     } const rows[] = {
         {"the odometer runs backwards, or stops early",
          {3},
          {{{3, 0}, {3, 1}}, {{3, 2}, {3, 3}, {3, 4}}},
-         "3: 0 2\n3: 0 3\n3: 0 4\n3: 1 2\n3: 1 3\n3: 1 4\n"},
+         "3 of 0 2, 3 of 0 3, 3 of 0 4, 3 of 1 2, 3 of 1 3, 3 of 1 4, done"},
         {"one argument cannot, and yet it is offered",
          {3, 4},
          {{{3, 0}, {4, 1}}, {{4, 2}}},
-         "4: 1 2\n"},
+         "4 of 1 2, done"},
         {"a cursor does not persist, or runs too far",
          {3, 5, 7},
          {{{7, 0}, {3, 1}, {5, 2}}, {{5, 3}, {7, 4}, {4, 5}}},
-         "5: 2 3\n7: 0 4\n"},
-        {"an event outside the set is combined", {4}, {{{3, 0}}, {{3, 1}}}, ""},
-        {"one argument alone is not enumerated", {3}, {{{3, 0}, {3, 1}}}, "3: 0\n3: 1\n"},
-        {"tick is not offered once a combination, to STOP",
-         {tick},
-         {{{tick, 0}, {tick, 1}}, {{tick, 2}}},
-         "2:\n2:\n"},
-        {"nothing to combine", {3}, {{}, {}}, ""},
+         "5 of 2 3, 7 of 0 4, done"},
+        {"an event outside the set is combined", {4}, {{{3, 0}}, {{3, 1}}}, "done"},
+        {"one argument alone is not enumerated", {3}, {{{3, 0}, {3, 1}}}, "3 of 0, 3 of 1, done"},
+        {"nothing to combine", {3}, {{}, {}}, "done"},
+        {"a refusal of a tick ends it",
+         {tick, 3, 4},
+         with_tick,
+         "2, 2, 3 of 2 6, 3 of 3 6, 4 of 4 7, done",
+         1},
+        {"a refusal does not end it", {tick, 3, 4}, with_tick, "2, 2, 3 of 2 6, stopped", 2},
+        {"a refusal of the last answers true",
+         {tick, 3, 4},
+         with_tick,
+         "2, 2, 3 of 2 6, 3 of 3 6, 4 of 4 7, stopped",
+         4},
     };
     for (auto const& row : rows) {
-        bool answer = false;
-        EXPECT_EQ(offers(row.synchronised, row.numbers, SIZE_MAX, answer), row.offers) << row.fault;
-        EXPECT_TRUE(answer) << row.fault;
-    }
-}
-
-TEST(Synchronisation, a_refusal_ends_it_except_of_a_tick) {
-    Numbers const numbers = {{{tick, 0}, {tick, 1}, {3, 2}, {3, 3}, {4, 4}},
-                             {{tick, 5}, {3, 6}, {4, 7}}};
-    struct {
-        std::size_t refused;
-        bool answer;
-        long offered;
-    } const rows[] = {{0, true, 5}, {1, true, 5}, {2, false, 3}, {3, false, 4}, {4, false, 5}};
-    for (auto const& row : rows) {
-        bool answer = false;
-        std::string const lines = offers({tick, 3, 4}, numbers, row.refused, answer);
-        EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), row.offered);
-        EXPECT_EQ(answer, row.answer);
+        EXPECT_EQ(offers(row.synchronised, row.numbers, row.refused), row.offers) << row.fault;
     }
 }
 
