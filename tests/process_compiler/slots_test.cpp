@@ -17,60 +17,38 @@ template <typename Member> std::size_t slot_of(Member member) {
     return (words[0] - 1) / sizeof(void*);
 }
 
-/// Plug-ins that were built before call by place: a function that moves is called for another.
-TEST(Slots, of_processes_follow_the_destructor_in_a_fixed_order) {
-    std::size_t const slots[] = {slot_of(&Process::clone),
-                                 slot_of(&Process::needs_memoisation),
-                                 slot_of(&Process::visit_transitions),
-                                 slot_of(&Process::visit_high_level_transitions),
-                                 slot_of(&Process::high_level_formats),
-                                 slot_of(&Process::operator==),
-                                 slot_of(&Process::operator!=),
-                                 slot_of(&Process::hash_code),
-                                 slot_of(&Process::kind),
-                                 slot_of(&Process::pretty_print),
-                                 slot_of(&Process::pretty_print_operator),
-                                 slot_of(&Process::pretty_print_operator_description),
-                                 slot_of(&Process::pretty_print_information),
-                                 slot_of(&Process::pretty_print_is_same_operator),
-                                 slot_of(&Process::recursion_type),
-                                 slot_of(&Process::allows_recursion),
-                                 slot_of(&Process::process_state),
-                                 slot_of(&Process::discarded_by),
-                                 slot_of(&Process::turned_on_by),
-                                 slot_of(&Process::preferred_compilation_level),
-                                 slot_of(&Process::is_commutative),
-                                 slot_of(&Process::argument_count),
-                                 slot_of(&Process::argument),
-                                 slot_of(&Process::set_arguments)};
-    for (std::size_t i = 0; i < std::size(slots); ++i) {
-        EXPECT_EQ(slots[i], i + 2);
+/// The two slots of the destructor come first.
+template <typename... Members> void expect_in_order(Members... members) {
+    std::size_t slot = 2;
+    for (std::size_t const found : {slot_of(members)...}) {
+        EXPECT_EQ(found, slot++);
     }
 }
 
+/// Plug-ins that were built before call by place: a function that moves is called for another.
+TEST(Slots, of_processes_follow_the_destructor_in_a_fixed_order) {
+    expect_in_order(&Process::clone, &Process::needs_memoisation, &Process::visit_transitions,
+                    &Process::visit_high_level_transitions, &Process::high_level_formats,
+                    &Process::operator==, &Process::operator!=, &Process::hash_code, &Process::kind,
+                    &Process::pretty_print, &Process::pretty_print_operator,
+                    &Process::pretty_print_operator_description, &Process::pretty_print_information,
+                    &Process::pretty_print_is_same_operator, &Process::recursion_type,
+                    &Process::allows_recursion, &Process::process_state, &Process::discarded_by,
+                    &Process::turned_on_by, &Process::preferred_compilation_level,
+                    &Process::is_commutative, &Process::argument_count, &Process::argument,
+                    &Process::set_arguments);
+}
+
 TEST(Slots, of_operators_follow_the_destructor_in_a_fixed_order) {
-    std::size_t const slots[] = {slot_of(&Operator::operator==),
-                                 slot_of(&Operator::operator!=),
-                                 slot_of(&Operator::hash_code),
-                                 slot_of(&Operator::operator_kind),
-                                 slot_of(&Operator::visit_transitions),
-                                 slot_of(&Operator::visit_high_level_transitions),
-                                 slot_of(&Operator::high_level_formats),
-                                 slot_of(&Operator::recursion_type),
-                                 slot_of(&Operator::allows_recursion),
-                                 slot_of(&Operator::process_state),
-                                 slot_of(&Operator::discarded_by),
-                                 slot_of(&Operator::turned_on_by),
-                                 slot_of(&Operator::preferred_compilation_level),
-                                 slot_of(&Operator::is_commutative),
-                                 slot_of(&Operator::pretty_print),
-                                 slot_of(&Operator::pretty_print_description),
-                                 slot_of(&Operator::pretty_print_operator_process),
-                                 slot_of(&Operator::pretty_print_information),
-                                 slot_of(&Operator::pretty_print_is_same_operator)};
-    for (std::size_t i = 0; i < std::size(slots); ++i) {
-        EXPECT_EQ(slots[i], i + 2);
-    }
+    expect_in_order(&Operator::operator==, &Operator::operator!=, &Operator::hash_code,
+                    &Operator::operator_kind, &Operator::visit_transitions,
+                    &Operator::visit_high_level_transitions, &Operator::high_level_formats,
+                    &Operator::recursion_type, &Operator::allows_recursion,
+                    &Operator::process_state, &Operator::discarded_by, &Operator::turned_on_by,
+                    &Operator::preferred_compilation_level, &Operator::is_commutative,
+                    &Operator::pretty_print, &Operator::pretty_print_description,
+                    &Operator::pretty_print_operator_process, &Operator::pretty_print_information,
+                    &Operator::pretty_print_is_same_operator);
 }
 
 } // namespace
