@@ -1,3 +1,4 @@
+#include "process_compiler/kinds.h"
 #include "tests/csp/terms.h"
 
 #include <gtest/gtest.h>
@@ -246,14 +247,11 @@ TEST(Transitions, share_one_operator_among_fresh_terms) {
 
 /// Every construct over arguments that are busy, and some with joint steps or several of one event.
 std::vector<ProcessPointer> busy_terms() {
-    std::vector<ProcessPointer> terms{set_prefix({a, b, c}, P),
-                                      run({a, b}),
-                                      interleave({SKIP, SKIP}),
-                                      parallel({a, b, c}, {busy, busy}),
-                                      alphabetised({{a, b}, {a, b}}, {busy, busy}),
-                                      linked({{a, c}, {c, a}}, busy, busy),
-                                      rename(busy, {{a, b}, {a, c}}),
-                                      sync_choice({a}, {busy, busy})};
+    auto const both = alphabetised({{a, b}, {a, b}}, {busy, busy});
+    std::vector<ProcessPointer> terms{set_prefix({a, b, c}, P), run({a, b}), both};
+    terms.push_back(parallel({a, b, c}, {busy, busy}));
+    terms.push_back(linked({{a, c}, {c, a}}, busy, busy));
+    terms.push_back(rename(busy, {{a, b}, {a, c}}));
     for (Construct const& construct : constructs) {
         terms.push_back(construct.of(busy, busy));
     }
@@ -262,11 +260,14 @@ std::vector<ProcessPointer> busy_terms() {
 
 TEST(Transitions, stop_where_their_visitor_does) {
     for (ProcessPointer const& term : busy_terms()) {
-        // A tick of several arguments together is offered whatever was answered before.
         Steps const all = steps(*term);
+        // Nobody listens to what is answered to a tick of several arguments together, and of
+        // synchronising interrupt more is told below.
+        bool const joins_ticks =
+            term->recursion_type() == RecursionType::keeps_running && term->argument_count() == 2;
         bool const is_interrupt = text(*term).find("+\\") != std::string::npos;
-        for (std::size_t refused = 0; refused < all.size(); ++refused) {
-            if (all[refused].first != tick && !is_interrupt) {
+        for (std::size_t refused = 0; refused < all.size() && !is_interrupt; ++refused) {
+            if (all[refused].first != tick || !joins_ticks) {
                 EXPECT_EQ(steps(*term, refused).size(), refused + 1) << text(*term);
             }
         }
