@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <sstream>
 
 namespace Calder {
@@ -10,185 +9,98 @@ namespace {
 
 using Printer = PrettyPrinter::PrettyPrinter<int, char>;
 
-/// What `print` leaves in the stream, with the printer still alive or after its destructor.
-std::string written(std::function<void(Printer&)> const& print, bool destroyed = true) {
-    std::ostringstream stream;
-    std::string before_destruction;
-    {
-        Printer printer(stream, 0);
-        print(printer);
-        before_destruction = stream.str();
+/// What is set before printing; as in the printer itself where nothing is said.
+struct Settings {
+    unsigned indent = 0;
+    unsigned width = Printer::no_line_width;
+    std::int32_t budget = -1;
+    unsigned piece_budget = Printer::no_piece_budget;
+};
+
+/// Prints `texts`, in which `|` ends a piece, `>` and `<` change the indentation by four, and `#`
+/// silences the printer.
+void print(Printer& printer, std::string const& texts) {
+    std::string text;
+    for (char const character : texts + '$') {
+        if (std::string("|><#$").find(character) == std::string::npos) {
+            text += character;
+            continue;
+        }
+        printer << text;
+        text.clear();
+        switch (character) {
+        case '|': printer.end_piece(); break;
+        case '>': printer.indent += 4; break;
+        case '<': printer.indent -= 4; break;
+        case '#': printer.silenced = true; break;
+        }
     }
-    return destroyed ? stream.str() : before_destruction;
 }
 
-struct Row {
+// clang-format off
+struct {
     char const* fault;
-    std::function<void(Printer&)> print;
-    char const* text;
+    Settings settings;
+    char const* texts;
+    char const* written;
+    std::int64_t budget_left = -1; // of the one that is set
+} const rows[] = {
+    {"a last line without a newline is lost", {}, "abc", "abc"},
+    {"a newline is added at the end", {}, "abc\n", "abc\n"},
+    {"an empty line is written", {}, "abc\n\n\ndef\n\n", "abc\ndef\n"},
+    {"an empty line is written at the very start", {}, "\n\nabc\n", "abc\n"},
+    {"newlines in the middle are missed", {}, "a\nb|c\n", "a\nbc\n"},
+    {"the indentation is missing, doubled, or written before a dropped line", {.indent = 2}, "a|b\n|\n|c\n", "  ab\n  c\n"},
+    {"an indentation that was written is taken back", {}, "title\n>set<\nrest", "title\n    set\nrest"},
+
+    {"a piece is broken", {.width = 3}, "abcdef\n", "abcdef\n"},
+    {"a line is broken before a piece that just fits", {.width = 6}, "abc|def|g|\n", "abcdef\ng\n"},
+    {"a continued line is not indented, or its indentation not counted", {.indent = 2, .width = 6}, "ab|cd|ef|", "  abcd\n  ef"},
+    {"a first piece beyond the width leaves an empty line", {.width = 2}, "abcdef|gh|", "abcdef\ngh"},
+
+    {"the budget is not counted down", {.budget = 5}, "abcd\n", "abcd\n", 1},
+    {"the budget is tested before a piece is written, or the line is not ended", {.budget = 5}, "abcd\n|efgh\n|ijkl\n", "abcd\nefgh\n", 0},
+    {"pieces after the spent budget are written", {.budget = 4}, "ab|cd|ef|\nxyz", "abcd\n", 0},
+    {"a spent budget still writes the indentation", {.indent = 4, .budget = 0}, "abcd\n", "", 0},
+    {"lines of one text go on after the budget", {.budget = 2}, "ab\ncd\nef", "ab\n", 0},
+    {"an unlimited budget is counted down", {}, "abcd\n", "abcd\n", -1},
+    {"a silenced printer writes", {}, "held back#abcd\n", ""},
+
+    {"a long piece is not cut", {.piece_budget = 3}, "abcdef\n", "ab…\n", 0},
+    {"a piece of just the budget is cut", {.piece_budget = 3}, "abc\n", "abc\n", 0},
+    {"what is left is not lowered by a piece", {.piece_budget = 5}, "abc|defg|h|\n", "abcd…\n", 0},
+    {"what is left is lowered too far", {.piece_budget = 5}, "abc|", "abc", 2},
+    {"with no budget left a line is not ended", {.piece_budget = 0}, "abc\n", "\n", 0},
 };
+// clang-format on
 
-class PrinterRows : public testing::TestWithParam<Row> {};
-
-TEST_P(PrinterRows, writes) {
-    EXPECT_EQ(written(GetParam().print), GetParam().text) << GetParam().fault;
-}
-
-Row const line_rows[] = {
-    {"a last line without a newline is lost", [](Printer& p) { p << "abc"; }, "abc"},
-    {"a newline is added at the end", [](Printer& p) { p << "abc\n"; }, "abc\n"},
-    {"an empty line is written", [](Printer& p) { p << "abc\n\n\ndef\n\n"; }, "abc\ndef\n"},
-    {"an empty line is written at the very start", [](Printer& p) { p << "\n\nabc\n"; }, "abc\n"},
-    {"newlines in the middle are missed",
-     [](Printer& p) {
-         p << "a\nb"
-           << "c\n";
-     },
-     "a\nbc\n"},
-    {"the indentation is missing, doubled, or written before a dropped line",
-     [](Printer& p) {
-         p.indent = 2;
-         p << "a"
-           << "b\n"
-           << "\n"
-           << "c\n";
-     },
-     "  ab\n  c\n"},
-    {"an indentation that was written is taken back",
-     [](Printer& p) {
-         p << "title\n";
-         p.indent += 4;
-         p << "set";
-         p.indent -= 4;
-         p << "\nrest";
-     },
-     "title\n    set\nrest"},
-};
-INSTANTIATE_TEST_SUITE_P(Lines, PrinterRows, testing::ValuesIn(line_rows));
-
-void pieces(Printer& p, std::initializer_list<char const*> texts) {
-    for (char const* const text : texts) {
-        p << text;
-        p.end_piece();
+TEST(Printer, writes_within_its_limits) {
+    for (auto const& row : rows) {
+        std::ostringstream stream;
+        {
+            Printer printer(stream, 0);
+            printer.indent = row.settings.indent;
+            printer.line_width = row.settings.width;
+            printer.remaining_characters = row.settings.budget;
+            printer.piece_budget = row.settings.piece_budget;
+            print(printer, row.texts);
+            bool const by_piece = row.settings.piece_budget != Printer::no_piece_budget;
+            EXPECT_EQ(by_piece ? std::int64_t{printer.piece_budget} : printer.remaining_characters,
+                      row.budget_left)
+                << row.fault;
+            EXPECT_EQ(printer.piece_budget == Printer::no_piece_budget, !by_piece) << row.fault;
+        }
+        EXPECT_EQ(stream.str(), row.written) << row.fault;
     }
 }
-
-Row const width_rows[] = {
-    {"a piece is broken",
-     [](Printer& p) {
-         p.line_width = 3;
-         p << "abcdef\n";
-     },
-     "abcdef\n"},
-    {"a line is broken before a piece that just fits",
-     [](Printer& p) {
-         p.line_width = 6;
-         pieces(p, {"abc", "def", "g"});
-         p << "\n";
-     },
-     "abcdef\ng\n"},
-    {"a continued line is not indented, or its indentation not counted",
-     [](Printer& p) {
-         p.line_width = 6;
-         p.indent = 2;
-         pieces(p, {"ab", "cd", "ef"});
-     },
-     "  abcd\n  ef"},
-    {"a first piece beyond the width leaves an empty line",
-     [](Printer& p) {
-         p.line_width = 2;
-         pieces(p, {"abcdef", "gh"});
-     },
-     "abcdef\ngh"},
-};
-INSTANTIATE_TEST_SUITE_P(Width, PrinterRows, testing::ValuesIn(width_rows));
-
-Row const budget_rows[] = {
-    {"the budget is tested before a piece is written, or the line is not ended",
-     [](Printer& p) {
-         p.remaining_characters = 5;
-         p << "abcd\n";
-         EXPECT_EQ(p.remaining_characters, 1);
-         p << "efgh\n";
-         EXPECT_EQ(p.remaining_characters, 0);
-         p << "ijkl\n";
-     },
-     "abcd\nefgh\n"},
-    {"pieces after the spent budget are written",
-     [](Printer& p) {
-         p.remaining_characters = 4;
-         pieces(p, {"ab", "cd", "ef"});
-         p << "\nxyz";
-     },
-     "abcd\n"},
-    {"an unlimited budget is counted down",
-     [](Printer& p) {
-         p << "abcd\n";
-         EXPECT_EQ(p.remaining_characters, -1);
-     },
-     "abcd\n"},
-    {"a spent budget still writes the indentation",
-     [](Printer& p) {
-         p.remaining_characters = 0;
-         p.indent = 4;
-         p << "abcd\n";
-     },
-     ""},
-    {"lines of one text go on after the budget",
-     [](Printer& p) {
-         p.remaining_characters = 2;
-         p << "ab\ncd\nef";
-     },
-     "ab\n"},
-    {"a silenced printer writes",
-     [](Printer& p) {
-         p << "held back";
-         p.silenced = true;
-         p << "abcd\n";
-     },
-     ""},
-};
-INSTANTIATE_TEST_SUITE_P(Budget, PrinterRows, testing::ValuesIn(budget_rows));
-
-Row const piece_budget_rows[] = {
-    {"a long piece is not cut",
-     [](Printer& p) {
-         p.piece_budget = 3;
-         p << "abcdef\n";
-         EXPECT_EQ(p.piece_budget, 0U);
-     },
-     "ab…\n"},
-    {"a piece of just the budget is cut",
-     [](Printer& p) {
-         p.piece_budget = 3;
-         p << "abc\n";
-     },
-     "abc\n"},
-    {"what is left is not lowered by a piece",
-     [](Printer& p) {
-         p.piece_budget = 5;
-         pieces(p, {"abc", "defg", "h"});
-         p << "\n";
-     },
-     "abcd…\n"},
-    {"with no budget left a line is not ended",
-     [](Printer& p) {
-         p.piece_budget = 0;
-         p << "abc\n";
-     },
-     "\n"},
-    {"the unlimited budget is lowered",
-     [](Printer& p) {
-         p << "abc\n";
-         EXPECT_EQ(p.piece_budget, Printer::no_piece_budget);
-     },
-     "abc\n"},
-};
-INSTANTIATE_TEST_SUITE_P(PieceBudget, PrinterRows, testing::ValuesIn(piece_budget_rows));
 
 TEST(Printer, holds_text_back_until_its_line_ends) {
-    EXPECT_EQ(written([](Printer& p) { p << "abc"; }, false), "");
-    EXPECT_EQ(written([](Printer& p) { p << "abc\nde"; }, false), "abc\n");
+    std::ostringstream stream;
+    Printer printer(stream, 0);
+    printer << "abc";
+    EXPECT_EQ(stream.str(), "");
+    printer << "\nde";
+    EXPECT_EQ(stream.str(), "abc\n");
 }
 
 TEST(Printer, refuses_a_null_text) {

@@ -2,7 +2,6 @@
 #include "state_space/machine/machine_exploration.h"
 #include "state_space/memory.h"
 #include "tests/oracle/deliberate_differences.h"
-#include "tests/oracle/environment.h"
 #include "tests/oracle/library_term.h"
 #include "tests/oracle/shrinking.h"
 
@@ -10,7 +9,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iostream>
 #include <optional>
 #include <sstream>
 
@@ -59,41 +57,24 @@ bool explore_both(Model const& model, Explored& explored) {
                                           explored.machine.outcome == Outcome::state_limit);
 }
 
+template <typename Check> bool all_arguments(Term const& term, Check const& check) {
+    return std::all_of(term.arguments.begin(), term.arguments.end(),
+                       [&](TermPointer const& argument) { return check(*argument); });
+}
+
 /// A term that is explored as it stands, and that never terminates.
 bool is_sequential(Term const& term) {
-    switch (term.kind) {
-    case Kind::prefix:
-    case Kind::event_set_prefix:
-    case Kind::external_choice:
-    case Kind::internal_choice:
-    case Kind::sliding_choice:
-    case Kind::run:
-    case Kind::chaos:
-        return term.events.count(tick) == 0 &&
-               std::all_of(term.arguments.begin(), term.arguments.end(),
-                           [](TermPointer const& argument) { return is_sequential(*argument); });
-    default: return false;
-    }
+    return entry_of(term.kind).role == Role::sequential && term.events.count(tick) == 0 &&
+           all_arguments(term, is_sequential);
 }
 
 /// Networks that keep their shape, over sequential arguments: here the states of both are the same,
 /// one by one. Elsewhere a machine may have several states for the one STOP of the terms.
 bool is_static_network(Term const& term) {
-    switch (term.kind) {
-    case Kind::interleave:
-    case Kind::generalised_parallel:
-    case Kind::alphabetised_parallel:
-    case Kind::linked_parallel:
-    case Kind::hiding:
-    case Kind::projection:
-    case Kind::renaming:
-        return !term.arguments.empty() && std::all_of(term.arguments.begin(), term.arguments.end(),
-                                                      [](TermPointer const& argument) {
-                                                          return is_sequential(*argument) ||
-                                                                 is_static_network(*argument);
-                                                      });
-    default: return false;
-    }
+    return entry_of(term.kind).role == Role::static_network && !term.arguments.empty() &&
+           all_arguments(term, [](Term const& argument) {
+               return is_sequential(argument) || is_static_network(argument);
+           });
 }
 
 std::optional<std::string> difference_between(Explored const& explored, bool counts_agree) {
@@ -129,18 +110,8 @@ Model model_of_seed(std::uint64_t seed) {
     return random_model(seed, 2 + static_cast<unsigned>(seed % 12), tick_in_sets);
 }
 
-/// CALDER_SEED replays, CALDER_MODELS says how many; see environment.h.
 TEST(Machine, behaves_as_the_term_it_was_compiled_from) {
-    SeedRange const seeds = seeds_from_environment(5'000);
-    std::cout << seeds.text() << '\n';
-    for (std::uint64_t seed = seeds.first; seed < seeds.end; ++seed) {
-        if (Model const model = model_of_seed(seed); difference_in(model)) {
-            Model const least = shrunk(
-                model, [](Model const& candidate) { return difference_in(candidate).has_value(); });
-            FAIL() << "CALDER_SEED=" << seed << ", shrunk to\n    " << text_of(least) << '\n'
-                   << *difference_in(least);
-        }
-    }
+    expect_no_difference(5'000, model_of_seed, difference_in);
 }
 
 /// So that the comparison does not pass for lack of anything to compare.

@@ -1,4 +1,3 @@
-#include "tests/oracle/environment.h"
 #include "tests/oracle/library_term.h"
 #include "tests/oracle/shrinking.h"
 
@@ -6,7 +5,6 @@
 
 #include <algorithm>
 #include <deque>
-#include <iostream>
 #include <optional>
 
 namespace Calder::Oracle {
@@ -89,19 +87,11 @@ std::optional<std::string> difference_in(Model const& model) try {
     return std::nullopt; // none in the states before
 }
 
-/// CALDER_SEED replays, CALDER_MODELS says how many; see environment.h.
 TEST(Oracle, the_library_follows_the_firing_rules) {
-    SeedRange const seeds = seeds_from_environment(10'000);
-    std::cout << seeds.text() << '\n';
-    for (std::uint64_t seed = seeds.first; seed < seeds.end; ++seed) {
-        Model const model = random_model(seed, 2 + static_cast<unsigned>(seed % 12));
-        if (difference_in(model)) {
-            Model const least = shrunk(
-                model, [](Model const& candidate) { return difference_in(candidate).has_value(); });
-            FAIL() << "CALDER_SEED=" << seed << ", shrunk to\n    " << text_of(least) << '\n'
-                   << *difference_in(least);
-        }
-    }
+    auto const model_of = [](std::uint64_t seed) {
+        return random_model(seed, 2 + static_cast<unsigned>(seed % 12));
+    };
+    expect_no_difference(10'000, model_of, difference_in);
 }
 
 } // namespace

@@ -6,38 +6,15 @@ namespace Calder::Oracle {
 
 namespace {
 
-char const* name_of(Kind kind) {
-    switch (kind) {
-    case Kind::named: return "named";
-    case Kind::prefix: return "prefix";
-    case Kind::event_set_prefix: return "event_set_prefix";
-    case Kind::external_choice: return "external_choice";
-    case Kind::internal_choice: return "internal_choice";
-    case Kind::sliding_choice: return "sliding_choice";
-    case Kind::sequential_composition: return "sequential_composition";
-    case Kind::interrupt: return "interrupt";
-    case Kind::interleave: return "interleave";
-    case Kind::run: return "run";
-    case Kind::chaos: return "chaos";
-    case Kind::generalised_parallel: return "generalised_parallel";
-    case Kind::alphabetised_parallel: return "alphabetised_parallel";
-    case Kind::linked_parallel: return "linked_parallel";
-    case Kind::hiding: return "hiding";
-    case Kind::projection: return "projection";
-    case Kind::renaming: return "renaming";
-    case Kind::exception: return "exception";
-    case Kind::synchronising_choice: return "synchronising_choice";
-    case Kind::synchronising_interrupt: return "synchronising_interrupt";
+constexpr bool kinds_stand_in_order() {
+    for (std::size_t index = 0; index < std::size(kinds); ++index) {
+        if (static_cast<std::size_t>(kinds[index].kind) != index) {
+            return false;
+        }
     }
-    return "";
+    return std::end(kinds)[-1].kind == Kind::synchronising_interrupt;
 }
-
-/// Whether arguments may be left out.
-bool is_nary(Kind kind) {
-    return kind == Kind::external_choice || kind == Kind::internal_choice ||
-           kind == Kind::interleave || kind == Kind::generalised_parallel ||
-           kind == Kind::synchronising_choice;
-}
+static_assert(kinds_stand_in_order());
 
 std::string text_of(Events const& events) {
     std::string text = "{";
@@ -54,7 +31,8 @@ std::vector<Term> with_one_thing_less(Term const& term) {
         Term& fewer = smaller.emplace_back(term);
         (fewer.*field).erase((fewer.*field).begin() + static_cast<std::ptrdiff_t>(index));
     };
-    for (std::size_t i = 0; is_nary(term.kind) && i < term.arguments.size(); ++i) {
+    bool const may_lose_any = entry_of(term.kind).arity == Arity::any && term.alphabets.empty();
+    for (std::size_t i = 0; may_lose_any && i < term.arguments.size(); ++i) {
         erase(&Term::arguments, i);
     }
     for (std::size_t i = 0; i < term.pairs.size(); ++i) {
@@ -104,38 +82,16 @@ TermPointer with_argument(Term const& term, std::size_t index, TermPointer const
 }
 
 bool synchronises(Term const& term) {
-    switch (term.kind) {
-    case Kind::generalised_parallel:
-    case Kind::alphabetised_parallel:
-    case Kind::linked_parallel:
-    case Kind::synchronising_choice:
-    case Kind::synchronising_interrupt: return true;
-    case Kind::named:
-    case Kind::prefix:
-    case Kind::event_set_prefix:
-    case Kind::external_choice:
-    case Kind::internal_choice:
-    case Kind::sliding_choice:
-    case Kind::sequential_composition:
-    case Kind::interrupt:
-    case Kind::interleave:
-    case Kind::run:
-    case Kind::chaos:
-    case Kind::hiding:
-    case Kind::projection:
-    case Kind::renaming:
-    case Kind::exception:
-        return std::any_of(term.arguments.begin(), term.arguments.end(),
-                           [](TermPointer const& argument) { return synchronises(*argument); });
-    }
-    return false;
+    return entry_of(term.kind).synchronises ||
+           std::any_of(term.arguments.begin(), term.arguments.end(),
+                       [](TermPointer const& argument) { return synchronises(*argument); });
 }
 
 std::string text_of(Term const& term) {
     if (term.kind == Kind::named) {
         return term.name;
     }
-    std::string text = name_of(term.kind);
+    std::string text = entry_of(term.kind).name;
     if (!term.events.empty()) {
         text += text_of(term.events);
     }

@@ -35,6 +35,54 @@ enum class Kind {
     synchronising_interrupt,
 };
 
+enum class Arity { none, one, two, any };
+
+/// What a kind has beside its arguments.
+enum class Parameter { none, name, event, events, pairs, alphabets };
+
+/// How a machine runs it: as it stands, as a network that keeps its shape, or by other formats.
+enum class Role { sequential, static_network, other };
+
+struct KindEntry {
+    Kind kind;
+    char const* name;
+    Arity arity;
+    Parameter parameter;
+    Role role;
+    /// Whether the order of its transitions depends on how equal events are sorted.
+    bool synchronises;
+};
+
+/// The one list of what is known of the kinds, in their order.
+// clang-format off
+inline constexpr KindEntry kinds[] = {
+    {Kind::named, "named", Arity::none, Parameter::name, Role::other, false},
+    {Kind::prefix, "prefix", Arity::one, Parameter::event, Role::sequential, false},
+    {Kind::event_set_prefix, "event_set_prefix", Arity::one, Parameter::events, Role::sequential, false},
+    {Kind::external_choice, "external_choice", Arity::any, Parameter::none, Role::sequential, false},
+    {Kind::internal_choice, "internal_choice", Arity::any, Parameter::none, Role::sequential, false},
+    {Kind::sliding_choice, "sliding_choice", Arity::two, Parameter::none, Role::sequential, false},
+    {Kind::sequential_composition, "sequential_composition", Arity::two, Parameter::none, Role::other, false},
+    {Kind::interrupt, "interrupt", Arity::two, Parameter::none, Role::other, false},
+    {Kind::interleave, "interleave", Arity::any, Parameter::none, Role::static_network, false},
+    {Kind::run, "run", Arity::none, Parameter::events, Role::sequential, false},
+    {Kind::chaos, "chaos", Arity::none, Parameter::events, Role::sequential, false},
+    {Kind::generalised_parallel, "generalised_parallel", Arity::any, Parameter::events, Role::static_network, true},
+    {Kind::alphabetised_parallel, "alphabetised_parallel", Arity::any, Parameter::alphabets, Role::static_network, true},
+    {Kind::linked_parallel, "linked_parallel", Arity::two, Parameter::pairs, Role::static_network, true},
+    {Kind::hiding, "hiding", Arity::one, Parameter::events, Role::static_network, false},
+    {Kind::projection, "projection", Arity::one, Parameter::events, Role::static_network, false},
+    {Kind::renaming, "renaming", Arity::one, Parameter::pairs, Role::static_network, false},
+    {Kind::exception, "exception", Arity::two, Parameter::events, Role::other, false},
+    {Kind::synchronising_choice, "synchronising_choice", Arity::any, Parameter::events, Role::other, true},
+    {Kind::synchronising_interrupt, "synchronising_interrupt", Arity::two, Parameter::events, Role::other, true},
+};
+// clang-format on
+
+constexpr KindEntry const& entry_of(Kind kind) {
+    return kinds[static_cast<std::size_t>(kind)];
+}
+
 struct Term;
 using TermPointer = std::shared_ptr<Term const>;
 using Events = std::set<unsigned>;

@@ -1,5 +1,7 @@
 #include "tests/oracle/plain_term.h"
 
+#include <algorithm>
+
 namespace Calder::Oracle {
 
 namespace {
@@ -18,25 +20,11 @@ class TermMaker {
         if (size <= 1) {
             return leaf();
         }
-        switch (below(18)) {
-        case 0: return make(Kind::event_set_prefix, {term(size - 1)}, events());
-        case 1: return nary(Kind::external_choice, size);
-        case 2: return nary(Kind::internal_choice, size);
-        case 3: return nary(Kind::interleave, size);
-        case 4: return binary(Kind::sliding_choice, size);
-        case 5: return binary(Kind::sequential_composition, size);
-        case 6: return binary(Kind::interrupt, size);
-        case 7: return over_set(nary(Kind::generalised_parallel, size));
-        case 8: return alphabetised(size);
-        case 9: return over_pairs(binary(Kind::linked_parallel, size));
-        case 10: return make(Kind::hiding, {term(size - 1)}, events());
-        case 11: return make(Kind::projection, {term(size - 1)}, events());
-        case 12: return over_pairs(make(Kind::renaming, {term(size - 1)}));
-        case 13: return over_set(binary(Kind::exception, size));
-        case 14: return over_set(nary(Kind::synchronising_choice, size));
-        case 15: return over_set(binary(Kind::synchronising_interrupt, size));
-        default: return prefix(term(size - 1));
-        }
+        KindEntry const& entry = kind_with_arguments();
+        Term made{entry.kind};
+        made.arguments = arguments(entry.arity, size - 1);
+        add_parameters(made, entry.parameter);
+        return std::make_shared<Term>(made);
     }
 
     TermPointer prefix(TermPointer const& next) { return make(Kind::prefix, {next}, {event()}); }
@@ -62,6 +50,13 @@ class TermMaker {
         return chosen;
     }
 
+    /// Any, and a prefix three times as often as another.
+    KindEntry const& kind_with_arguments() {
+        unsigned const draw = below(static_cast<unsigned>(std::size(kinds)) + 2);
+        KindEntry const& entry = draw < std::size(kinds) ? kinds[draw] : entry_of(Kind::prefix);
+        return entry.arity == Arity::none ? kind_with_arguments() : entry;
+    }
+
     TermPointer leaf() {
         switch (below(6)) {
         case 0: return stop();
@@ -79,41 +74,39 @@ class TermMaker {
             Term{Kind::named, {}, {}, "N" + std::to_string(below(m_options.names))});
     }
 
-    TermPointer nary(Kind kind, unsigned size) {
-        unsigned const count = m_options.as_written ? 2 + below(2) : below(4);
-        std::vector<TermPointer> arguments(count);
-        for (TermPointer& argument : arguments) {
-            argument = term((size - 1) / static_cast<unsigned>(arguments.size()));
+    /// Arguments of about `size` constructs in all.
+    std::vector<TermPointer> arguments(Arity arity, unsigned size) {
+        if (arity == Arity::two) {
+            unsigned const first = below(std::max(size, 1U));
+            return {term(first), term(size - first)};
         }
-        return make(kind, arguments);
-    }
-
-    TermPointer binary(Kind kind, unsigned size) {
-        unsigned const first = below(size - 1);
-        return make(kind, {term(first), term(size - 1 - first)});
-    }
-
-    TermPointer over_set(TermPointer const& term) {
-        Term changed = *term;
-        changed.events = events();
-        return std::make_shared<Term>(changed);
-    }
-
-    TermPointer over_pairs(TermPointer const& term) {
-        Term changed = *term;
-        for (unsigned count = m_options.as_written ? 1 + below(3) : below(4); count > 0; --count) {
-            unsigned const from = event();
-            changed.pairs.emplace_back(from, event());
+        unsigned const several = m_options.as_written ? 2 + below(2) : below(4);
+        std::vector<TermPointer> made(arity == Arity::one ? 1 : several);
+        for (TermPointer& argument : made) {
+            argument = term(size / static_cast<unsigned>(made.size()));
         }
-        return std::make_shared<Term>(changed);
+        return made;
     }
 
-    TermPointer alphabetised(unsigned size) {
-        Term changed = *nary(Kind::alphabetised_parallel, size);
-        for (std::size_t i = 0; i < changed.arguments.size(); ++i) {
-            changed.alphabets.push_back(events());
+    void add_parameters(Term& term, Parameter parameter) {
+        switch (parameter) {
+        case Parameter::none:
+        case Parameter::name: return;
+        case Parameter::event: term.events = {event()}; return;
+        case Parameter::events: term.events = events(); return;
+        case Parameter::pairs:
+            for (unsigned count = m_options.as_written ? 1 + below(3) : below(4); count > 0;
+                 --count) {
+                unsigned const from = event();
+                term.pairs.emplace_back(from, event());
+            }
+            return;
+        case Parameter::alphabets:
+            for (std::size_t i = 0; i < term.arguments.size(); ++i) {
+                term.alphabets.push_back(events());
+            }
+            return;
         }
-        return std::make_shared<Term>(changed);
     }
 
     std::mt19937_64& m_random;

@@ -1,6 +1,11 @@
 #pragma once
 
+#include "tests/oracle/environment.h"
 #include "tests/oracle/plain_term.h"
+
+#include <gtest/gtest.h>
+
+#include <iostream>
 
 namespace Calder::Oracle {
 
@@ -17,6 +22,24 @@ template <typename Fails> Model shrunk(Model model, Fails const& fails) {
         }
     }
     return model;
+}
+
+/// Fails with the smallest model that differs, of the first seed whose model does. CALDER_SEED
+/// replays it, CALDER_MODELS says how many are tried; see environment.h.
+template <typename ModelOf, typename DifferenceIn>
+void expect_no_difference(std::uint64_t models, ModelOf const& model_of,
+                          DifferenceIn const& difference_in) {
+    SeedRange const seeds = seeds_from_environment(models);
+    std::cout << seeds.text() << '\n';
+    for (std::uint64_t seed = seeds.first; seed < seeds.end; ++seed) {
+        if (Model const model = model_of(seed); difference_in(model)) {
+            Model const least = shrunk(model, [&](Model const& candidate) {
+                return difference_in(candidate).has_value();
+            });
+            FAIL() << "CALDER_SEED=" << seed << ", shrunk to\n    " << text_of(least) << '\n'
+                   << *difference_in(least);
+        }
+    }
 }
 
 } // namespace Calder::Oracle

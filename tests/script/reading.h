@@ -39,18 +39,6 @@ inline std::string printed_body(Script const& script, std::string_view name) {
     return ProcessCompiler::Testing::text_of(script.session(), *script.find(name)->body);
 }
 
-/// A script and what is wrong with it.
-struct ErrorRow {
-    std::string_view script;
-    char const* errors;
-};
-
-template <typename Rows> void expect_errors(Rows const& rows) {
-    for (ErrorRow const& row : rows) {
-        EXPECT_EQ(errors_of(row.script), row.errors) << row.script;
-    }
-}
-
 inline std::string repeated(std::string_view text, std::size_t times) {
     std::string all;
     all.reserve(text.size() * times);

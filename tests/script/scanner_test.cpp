@@ -108,24 +108,5 @@ TEST(Scanner, only_well_formed_sequences_are_characters) {
     }
 }
 
-TEST(Scanner, reports_words_that_may_not_be_written) {
-    struct {
-        char const* text;
-        char const* tokens;
-    } const rows[] = {
-        {"tau up.tau taut", "tau up . tau taut\n1:1+3 'tau' may not be written: it is the silent "
-                            "event\n1:8+3 'tau' may not be written: it is the silent event\n"},
-        {"0 00 10 01", "0 00 10 01\n1:3+2 the number '00' has a leading zero\n"
-                       "1:9+2 the number '01' has a leading zero\n"},
-        {"STOP = RUN=channel =", "STOP= RUN= channel=\n"
-                                 "1:1+4 'STOP' is a reserved word and cannot be defined\n"
-                                 "1:8+3 'RUN' is a reserved word and cannot be defined\n"
-                                 "1:12+7 'channel' is a reserved word and cannot be defined\n"},
-    };
-    for (auto const& row : rows) {
-        EXPECT_EQ(tokens_of(row.text), row.tokens);
-    }
-}
-
 } // namespace
 } // namespace Calder::Script

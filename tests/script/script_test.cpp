@@ -6,27 +6,7 @@ namespace Calder::Script {
 namespace {
 
 using ProcessCompiler::Session;
-using Testing::printed_body;
 using Testing::script_of;
-
-TEST(Script, terms_print_as_they_were_written) {
-    struct {
-        char const* term;
-        char const* printed;
-    } const rows[] = {
-        {"STOP", "STOP"},
-        {"a -> b.0 -> T", "a -> b.0 -> T"},
-        {"a -> STOP [] (b.1 -> T) [] T2", "a -> (STOP) [] b.1 -> T [] a -> L"},
-        {"(a -> T [] a -> T) [] a -> T", "a -> T [] a -> T [] a -> T"},
-        {"a -> (a -> T [] T2)", "a -> (a -> T [] a -> L)"},
-    };
-    for (auto const& row : rows) {
-        auto const script = script_of("channel a channel b : {0, 1} T2 = a -> L L = a -> L T = " +
-                                      std::string(row.term));
-        ASSERT_TRUE(script);
-        EXPECT_EQ(printed_body(*script, "T"), row.printed);
-    }
-}
 
 TEST(Script, a_chain_is_one_term) {
     struct {
