@@ -1,13 +1,6 @@
 #include "benchmarks/measurement.h"
 #include "benchmarks/terms.h"
-#include "csp/chaos_process.h"
-#include "csp/event_set_prefix_process.h"
-#include "csp/interleave_process.h"
-#include "csp/internal_choice_process.h"
-#include "csp/interrupt_process.h"
-#include "csp/run_process.h"
-#include "csp/sequential_composition_process.h"
-#include "csp/sliding_choice_process.h"
+#include "csp/constructs.h"
 
 namespace Calder::Benchmarks {
 namespace {
@@ -73,6 +66,39 @@ ProcessPointer chaos_term() {
     return new ChaosProcess(BitSet{first_visible_event});
 }
 
+/// The events that the two arguments of the operators share: half of what each can do.
+BitSet shared_events() {
+    BitSet events;
+    for (unsigned event = first_visible_event + 32; event < first_visible_event + 64; ++event) {
+        events.insert(event);
+    }
+    return events;
+}
+
+ProcessPointer applied(OperatorPointer const& op) {
+    return new OperatorProcess(op, busy(first_visible_event), busy(first_visible_event + 32));
+}
+template <typename Made> ProcessPointer over_shared_events() {
+    return applied(new Made(shared_events()));
+}
+/// Hiding and projection.
+template <typename Made> ProcessPointer relabelling() {
+    return new OperatorProcess(new Made(shared_events()), busy(first_visible_event));
+}
+ProcessPointer alphabetised_parallel_term() {
+    return applied(
+        new AlphabetisedParallelOperator(std::vector<BitSet>{many_events(), shared_events()}));
+}
+ProcessPointer linked_parallel_term() {
+    LinkedParallelOperator::Links links(32);
+    unsigned event = first_visible_event;
+    for (auto& link : links) {
+        link = {event, event + 32};
+        ++event;
+    }
+    return applied(new LinkedParallelOperator(links));
+}
+
 void visit(benchmark::State& state, ProcessPointer (*term)()) {
     measure_visit(state, term(), NamedProcessSource());
 }
@@ -87,6 +113,16 @@ BENCHMARK_CAPTURE(visit, interrupt, interrupt_term);
 BENCHMARK_CAPTURE(visit, interleave, interleave_term);
 BENCHMARK_CAPTURE(visit, run, run_term);
 BENCHMARK_CAPTURE(visit, chaos, chaos_term);
+BENCHMARK_CAPTURE(visit, generalised_parallel, over_shared_events<GeneralisedParallelOperator>);
+BENCHMARK_CAPTURE(visit, alphabetised_parallel, alphabetised_parallel_term);
+BENCHMARK_CAPTURE(visit, linked_parallel, linked_parallel_term);
+BENCHMARK_CAPTURE(visit, hide, relabelling<HideOperator>);
+BENCHMARK_CAPTURE(visit, project, relabelling<ProjectOperator>);
+BENCHMARK_CAPTURE(visit, exception, over_shared_events<ExceptionOperator>);
+BENCHMARK_CAPTURE(visit, synchronising_external_choice,
+                  over_shared_events<SynchronisingExternalChoiceOperator>);
+BENCHMARK_CAPTURE(visit, synchronising_interrupt,
+                  over_shared_events<SynchronisingInterruptOperator>);
 
 // Whole state spaces in which one construct works hard.
 
