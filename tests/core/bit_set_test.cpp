@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <set>
 #include <vector>
 
@@ -35,7 +37,7 @@ RC_GTEST_PROP(BitSetProperty, behaves_like_a_sorted_set, ()) {
     }
 }
 
-RC_GTEST_PROP(BitSetProperty, union_and_equality_follow_the_sets, ()) {
+RC_GTEST_PROP(BitSetProperty, union_difference_and_equality_follow_the_sets, ()) {
     std::vector<unsigned> const left = any_events();
     std::vector<unsigned> const right = any_events();
     std::set<unsigned> model(left.begin(), left.end());
@@ -43,6 +45,11 @@ RC_GTEST_PROP(BitSetProperty, union_and_equality_follow_the_sets, ()) {
 
     RC_ASSERT((bits_of(left) == bits_of(right)) == (model == right_model));
     RC_ASSERT((bits_of(left) != bits_of(right)) == (model != right_model));
+
+    std::vector<unsigned> difference;
+    std::set_difference(model.begin(), model.end(), right_model.begin(), right_model.end(),
+                        std::back_inserter(difference));
+    RC_ASSERT(bits_of(left).without(bits_of(right)) == bits_of(difference));
 
     BitSet joined = bits_of(left);
     joined.setunion(bits_of(right));

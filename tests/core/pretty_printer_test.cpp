@@ -103,6 +103,21 @@ TEST(Printer, holds_text_back_until_its_line_ends) {
     EXPECT_EQ(stream.str(), "abc\n");
 }
 
+TEST(Printer, is_not_changed_while_silenced) {
+    std::ostringstream stream;
+    Printer printer(stream, 0);
+    printer << "ab";
+    printer.silenced = true;
+    printer << "cd\n";
+    printer.end_piece();
+    printer.flush();
+    EXPECT_EQ(printer.pending_text, "ab");
+    EXPECT_TRUE(printer.pieces.empty());
+    printer.silenced = false;
+    printer << "ef\n";
+    EXPECT_EQ(stream.str(), "abef\n");
+}
+
 TEST(Printer, refuses_a_null_text) {
     std::ostringstream stream;
     Printer printer(stream, 0);

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace Calder::ProcessCompiler::CSP {
 namespace {
 
@@ -205,6 +207,47 @@ TEST(Identity, asks_an_argument_even_if_it_is_the_same_object) {
         EXPECT_FALSE(*make(Q, odd) == *make(Q, odd));
         EXPECT_TRUE(*make(odd, Q) != *make(odd, Q));
         EXPECT_TRUE(*make(Q, odd) != *make(Q, odd));
+    }
+}
+
+/// Writes down what it is asked, and then answers as any other.
+struct Spy : Testing::FakeProcess {
+    Spy(char const* text, std::string& questions) : FakeProcess(text), asked(questions) {}
+    bool operator==(Process const& other) const override {
+        asked += name + "== ";
+        return FakeProcess::operator==(other);
+    }
+    bool operator!=(Process const& other) const override {
+        asked += name + "!= ";
+        return !FakeProcess::operator==(other);
+    }
+    ProcessPointer clone(bool deep) const override {
+        asked += name + "' ";
+        return FakeProcess::clone(deep);
+    }
+    std::string& asked;
+};
+
+TEST(Identity, asks_arguments_in_order_for_what_each_construct_promises) {
+    std::string const difference = "internal choice, interleave";
+    for (Construct const& construct : constructs) {
+        SCOPED_TRACE(construct.name);
+        std::string asked;
+        ProcessPointer const first(new Spy("P", asked));
+        ProcessPointer const second(new Spy("Q", asked));
+        ProcessPointer const term = construct.of(first, second);
+        auto const all = [&](std::string const& question) {
+            return (construct.operands > 0 ? "P" + question : "") +
+                   (construct.operands > 1 ? "Q" + question : "");
+        };
+        ProcessPointer const same = construct.of(new Spy("P", asked), new Spy("Q", asked));
+        EXPECT_TRUE(*term == *same);
+        bool const by_difference = difference.find(construct.name) != std::string::npos;
+        EXPECT_EQ(std::exchange(asked, ""), all(by_difference ? "!= " : "== "));
+        EXPECT_FALSE(*term != *same);
+        EXPECT_EQ(std::exchange(asked, ""), all("!= "));
+        term->clone(true);
+        EXPECT_EQ(std::exchange(asked, ""), all("' "));
     }
 }
 

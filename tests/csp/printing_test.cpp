@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <ostream>
+#include <streambuf>
+
 namespace Calder::ProcessCompiler::CSP {
 namespace {
 
@@ -134,6 +138,81 @@ TEST(Printing, operators_alone_and_in_words) {
                          }),
               "Link Parallel synchronising:\n    a <-> b\n    tick <-> tick\nafter")
         << "the indentation is taken back";
+}
+
+TEST(Printing, breaks_lines_only_beside_the_operators_of_chains_and_exceptions) {
+    ProcessPointer const whole[] = {
+        prefix(a, prefix(b, P)),
+        sliding(P, Q),
+        sequence(P, Q),
+        interrupt(P, Q),
+        linked({}, P, Q),
+        sync_interrupt({}, P, Q),
+        hide(P, {a}),
+        rename(P, {}),
+        alphabetised({{a}, {b}}, {P, Q}),
+    };
+    ProcessPointer const broken[] = {
+        external({P, Q}),     internal({P, Q}),        interleave({P, Q}),
+        parallel({}, {P, Q}), sync_choice({}, {P, Q}), exception({}, P, Q),
+    };
+    auto const lines = [](Term term) {
+        std::string const printed = printed_by(session(), [&](Printer& printer) {
+            printer.line_width = 1;
+            term->pretty_print(printer);
+        });
+        return 1 + std::count(printed.begin(), printed.end(), '\n');
+    };
+    for (Term term : whole) {
+        EXPECT_EQ(lines(term), 1) << text(*term);
+    }
+    for (Term term : broken) {
+        EXPECT_EQ(lines(term), 3) << text(*term);
+    }
+}
+
+TEST(Printing, of_a_postfix_operator_is_its_own_whatever_it_is_asked_with) {
+    ProcessPointer const other = project(P, {c});
+    struct {
+        OperatorPointer op;
+        char const* printed;
+    } const rows[] = {{new HideOperator(BitSet{a}), "P \\ {a}"},
+                      {new ProjectOperator(BitSet{a}), "P |\\ {a}"},
+                      {new RenameOperator({{a, b}}), "P[[a <- b]]"}};
+    for (auto const& row : rows) {
+        EXPECT_EQ(printed_by(session(),
+                             [&](Printer& printer) {
+                                 row.op->pretty_print_operator_process(
+                                     printer, static_cast<OperatorProcess const&>(*other));
+                             }),
+                  row.printed);
+    }
+}
+
+/// Fails after some bytes.
+class FullDevice : public std::streambuf {
+  public:
+    explicit FullDevice(int room) : m_room(room) {}
+
+  protected:
+    int overflow(int character) override { return m_room-- > 0 ? character : traits_type::eof(); }
+
+  private:
+    int m_room;
+};
+
+TEST(Printing, takes_the_indentation_back_when_a_description_is_left_by_an_exception) {
+    for (ProcessPointer const& term :
+         {alphabetised({{a}}, {P}), linked({{a, b}}, P, Q), rename(P, {{a, b}})}) {
+        FullDevice device(60); // more than the title, less than the whole
+        std::ostream stream(&device);
+        stream.exceptions(std::ios_base::badbit);
+        Printer printer(stream, &session());
+        printer.indent = 20;
+        EXPECT_THROW(term->pretty_print_operator_description(printer), std::ios_base::failure);
+        EXPECT_EQ(printer.indent, 20U);
+        printer.silenced = true;
+    }
 }
 
 } // namespace

@@ -23,7 +23,7 @@ constexpr auto later = [](unsigned index) { return index != 0 ? 1U : 0U; };
 enum class Level { low, high, as_wished };
 
 /// The constant answers of a construct, in the order of the contract.
-struct Shape {
+struct Answers {
     char const* name;
     unsigned kind; // operators have numbers of their own
     unsigned recursion_type;
@@ -37,7 +37,7 @@ struct Shape {
 };
 
 // clang-format off
-Shape const shapes[] = {
+Answers const answers[] = {
     {"prefix", 14, 2, one, zero, aborts, one, Level::low, false, {2, 1}},
     {"event-set prefix", 19, 2, one, zero, aborts, one, Level::low, aborts, {2, 1}},
     {"external choice", 10, 1, one, one, one, aborts, Level::as_wished, true, {6, 0}},
@@ -59,14 +59,14 @@ Shape const shapes[] = {
     {"project", 8, 3, zero, one, zero, aborts, Level::high, false, {10, 0}},
 };
 // clang-format on
-static_assert(std::size(shapes) == std::size(constructs));
+static_assert(std::size(answers) == std::size(constructs));
 
 /// Calls `check(shape, its construct, a term of it)` for every construct.
 template <typename Check> void for_all(Check const& check) {
-    for (std::size_t i = 0; i < std::size(shapes); ++i) {
-        SCOPED_TRACE(shapes[i].name);
-        ASSERT_STREQ(shapes[i].name, constructs[i].name);
-        check(shapes[i], constructs[i], *constructs[i].of(P, Q));
+    for (std::size_t i = 0; i < std::size(answers); ++i) {
+        SCOPED_TRACE(answers[i].name);
+        ASSERT_STREQ(answers[i].name, constructs[i].name);
+        check(answers[i], constructs[i], *constructs[i].of(P, Q));
     }
 }
 
@@ -76,7 +76,7 @@ unsigned kind_of(Process const& term) {
 }
 
 TEST(Shape, constant_answers) {
-    for_all([](Shape const& shape, Construct const& construct, Process const& term) {
+    for_all([](Answers const& shape, Construct const& construct, Process const& term) {
         EXPECT_EQ(kind_of(term), shape.kind);
         EXPECT_EQ(static_cast<unsigned>(term.recursion_type()), shape.recursion_type);
         EXPECT_EQ(term.preferred_compilation_level(false) == CompilationLevel::high,
@@ -107,7 +107,7 @@ template <typename Ask> void expect_by_index(ByIndex const& expected, Ask const&
 }
 
 TEST(Shape, answers_by_argument_and_questions_that_end_the_program) {
-    for_all([](Shape const& shape, Construct const& construct, Process const& term) {
+    for_all([](Answers const& shape, Construct const& construct, Process const& term) {
         expect_by_index(shape.allows_recursion,
                         [&](unsigned i) { return term.allows_recursion(i); });
         expect_by_index(shape.process_state, [&](unsigned i) { return term.process_state(i); });

@@ -1,24 +1,6 @@
 #pragma once
 
-#include "csp/alphabetised_parallel_operator.h"
-#include "csp/chaos_process.h"
-#include "csp/event_set_prefix_process.h"
-#include "csp/exception_operator.h"
-#include "csp/external_choice_process.h"
-#include "csp/generalised_parallel_operator.h"
-#include "csp/hide_operator.h"
-#include "csp/interleave_process.h"
-#include "csp/internal_choice_process.h"
-#include "csp/interrupt_process.h"
-#include "csp/linked_parallel_operator.h"
-#include "csp/prefix_process.h"
-#include "csp/project_operator.h"
-#include "csp/rename_operator.h"
-#include "csp/run_process.h"
-#include "csp/sequential_composition_process.h"
-#include "csp/sliding_choice_process.h"
-#include "csp/synchronising_external_choice_operator.h"
-#include "csp/synchronising_interrupt_operator.h"
+#include "csp/constructs.h"
 #include "process_compiler/named_process_source.h"
 #include "tests/support/printing.h"
 
@@ -99,6 +81,7 @@ inline Construct const constructs[] = {
     {"project", 1, [](Term p, Term) { return project(p, {a}); }},
 };
 // clang-format on
+static_assert(std::size(constructs) == process_shapes.size() + operator_shapes.size());
 
 inline NamedProcessSource source;
 inline ProcessPointer const P = source.reference("P");

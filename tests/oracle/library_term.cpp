@@ -9,6 +9,9 @@ namespace {
 using namespace ProcessCompiler;
 using namespace ProcessCompiler::CSP;
 
+// Every construct of the library, and names.
+static_assert(std::size(kinds) == process_shapes.size() + operator_shapes.size() + 1);
+
 BitSet bits_of(Events const& events) {
     BitSet bits;
     for (unsigned const event : events) {
