@@ -155,7 +155,7 @@ class Compiler {
     /// What a construct leads to comes before it, but on cycles: there the alphabets grow from
     /// nothing until they grow no more.
     void describe_constructs() {
-        for (std::vector<VertexNumber> const& members : m_graph.components) {
+        for (std::vector<VertexNumber> const& members : m_graph.cycles) {
             for (bool changed = true; changed;) {
                 changed = false;
                 for (auto member = members.rbegin(); member != members.rend(); ++member) {

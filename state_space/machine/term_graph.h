@@ -36,9 +36,10 @@ struct TermGraph {
 
     /// Vertex 0 is the term asked for.
     std::vector<Vertex> vertices;
-    /// The strongly connected components (Tarjan, 1972), those that a component leads to before it.
-    std::vector<std::vector<VertexNumber>> components;
-    /// One for each strongly connected component that has any.
+    /// Vertices that lead to each other, those that a cycle leads to before it; a vertex alone is
+    /// one, too.
+    std::vector<std::vector<VertexNumber>> cycles;
+    /// One for each cycle that has any.
     std::vector<RefusedRecursion> refused;
 };
 

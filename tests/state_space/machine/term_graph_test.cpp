@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <pthread.h>
-#include <random>
 
 namespace Calder::StateSpace {
 namespace {
@@ -146,53 +145,6 @@ TEST(MachineTermGraph, recursion_is_refused_where_a_construct_forbids_it) {
             }
         }
         EXPECT_EQ(refused, row.refused) << row.what;
-    }
-}
-
-/// By vertex: what can be reached from it in any number of steps.
-std::vector<std::set<VertexNumber>> reachable(TermGraph const& graph) {
-    std::vector<std::set<VertexNumber>> found(graph.vertices.size());
-    for (VertexNumber start = 0; start < graph.vertices.size(); ++start) {
-        std::vector<VertexNumber> waiting{start};
-        while (!waiting.empty()) {
-            VertexNumber const vertex = waiting.back();
-            waiting.pop_back();
-            if (found[start].insert(vertex).second) {
-                auto const& next = graph.vertices[vertex].next;
-                waiting.insert(waiting.end(), next.begin(), next.end());
-            }
-        }
-    }
-    return found;
-}
-
-TEST(MachineTermGraph, components_are_what_reaches_each_other_and_come_after_what_they_lead_to) {
-    for (unsigned seed = 0; seed < 40; ++seed) {
-        std::mt19937 random(seed);
-        NamedProcessSource source;
-        unsigned const size = 3 + seed / 2;
-        for (unsigned i = 0; i < size; ++i) {
-            Terms arguments;
-            for (unsigned count = static_cast<unsigned>(random() % 3); count > 0; --count) {
-                arguments.push_back(source.reference(std::to_string(random() % size)));
-            }
-            source.define(std::to_string(i), low("C" + std::to_string(i), arguments));
-        }
-        TermGraph const graph = make_term_graph(source.reference("0"), source);
-        auto const reached = reachable(graph);
-        std::vector<std::size_t> component_of(graph.vertices.size(), graph.components.size());
-        for (std::size_t number = 0; number < graph.components.size(); ++number) {
-            for (VertexNumber const member : graph.components[number]) {
-                component_of[member] = number;
-            }
-        }
-        for (VertexNumber i = 0; i < graph.vertices.size(); ++i) {
-            ASSERT_LT(component_of[i], graph.components.size()) << seed;
-            for (VertexNumber const j : reached[i]) {
-                ASSERT_EQ(component_of[i] == component_of[j], reached[j].count(i) > 0) << seed;
-                ASSERT_GE(component_of[i], component_of[j]) << seed;
-            }
-        }
     }
 }
 
