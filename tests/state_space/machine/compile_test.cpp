@@ -106,8 +106,8 @@ TEST(MachineCompile, equal_leaves_are_one_component) {
     EXPECT_EQ(machine->parts[machine->start].arguments, wanted);
     EXPECT_EQ(machine->parts[2].arguments, (std::vector<PartNumber>{1, 3}));
     std::vector<StateNumber> sizes;
-    for (auto const& component : machine->components) {
-        sizes.push_back(component->state_count());
+    for (auto const& leaf : machine->leaves) {
+        sizes.push_back(leaf->state_count());
     }
     // The name of a leaf is a state before it.
     EXPECT_EQ(sizes, (std::vector<StateNumber>{3, 2, 4}));
@@ -139,6 +139,19 @@ TEST(MachineCompile, a_format_that_passes_one_argument_through_is_recognised) {
         std::vector<std::uint32_t> const wanted{none, row.passed_through};
         EXPECT_EQ(machine->parts[machine->start].passed_through, wanted) << row.what;
     }
+}
+
+TEST(MachineCompile, only_the_arguments_that_run_take_part) {
+    // Behind the end of the list stands what would run, were it not ended.
+    auto const shortened = [](Alphabets const&) {
+        Formats formats(1, format_of({}, {{7, 0, {{0, 3}}}, {8, 0, {{1, 3}}}, {9, 0, {{2, 3}}}}));
+        formats[0].active_components = {0, 1, 2};
+        formats[0].active_components.resize(1);
+        return formats;
+    };
+    auto const machine =
+        machine_of(construct("C", {ring("a", 1, 3), ring("b", 1, 3), ring("c", 1, 3)}, shortened));
+    EXPECT_EQ(events_of(machine->parts[machine->start].alphabet), Events{7});
 }
 
 TEST(MachineCompile, bounds_end_it_while_a_component_is_explored) {

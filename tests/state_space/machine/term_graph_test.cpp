@@ -1,4 +1,4 @@
-#include "state_space/machine/term_graph.h"
+#include "state_space/machine/compile/term_graph.h"
 #include "tests/state_space/machine/fake_construct.h"
 
 #include <gtest/gtest.h>
@@ -81,32 +81,6 @@ TEST(MachineTermGraph, a_term_is_a_construct_if_it_or_something_inside_prefers_t
     };
     for (auto const& row : rows) {
         EXPECT_EQ(constructs_of(make_term_graph(row.term, source)), row.constructs) << row.shape;
-    }
-}
-
-TEST(MachineTermGraph, equal_terms_are_one_vertex) {
-    auto const same = [] { return high("S", {leaf("a", {{}}), leaf("a", {{}})}); };
-    TermGraph const graph = make_term_graph(high("R", {same(), leaf("b", {{}}), same()}), {});
-    ASSERT_EQ(graph.vertices.size(), 4U);
-    EXPECT_EQ(graph.vertices[0].next, (std::vector<VertexNumber>{1, 2, 1}));
-    EXPECT_EQ(graph.vertices[1].next, (std::vector<VertexNumber>{3, 3}));
-    EXPECT_EQ(name_of(graph.vertices[2]), "b0");
-}
-
-TEST(MachineTermGraph, a_name_leads_to_what_it_stands_for) {
-    NamedProcessSource source;
-    source.define("P", high("H", {source.reference("Q")}));
-    source.define("Q", leaf("a", {{}}));
-    TermGraph const graph = make_term_graph(source.reference("P"), source);
-    ASSERT_EQ(graph.vertices.size(), 4U);
-    Names names;
-    for (TermGraph::Vertex const& vertex : graph.vertices) {
-        names.push_back(name_of(vertex));
-        EXPECT_EQ(vertex.is_name, names.back() == "P" || names.back() == "Q");
-    }
-    EXPECT_EQ(names, (Names{"P", "H", "Q", "a0"}));
-    for (VertexNumber vertex = 0; vertex < 3; ++vertex) {
-        EXPECT_EQ(graph.vertices[vertex].next, std::vector<VertexNumber>{vertex + 1});
     }
 }
 
