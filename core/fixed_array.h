@@ -72,8 +72,8 @@ template <typename T> class FixedArray {
 
     T* begin() noexcept { return m_elements; }
     T* end() noexcept { return m_elements + m_length; }
-    T const* begin() const noexcept { return m_elements; }
-    T const* end() const noexcept { return m_elements + m_length; }
+    [[nodiscard]] T const* begin() const noexcept { return m_elements; }
+    [[nodiscard]] T const* end() const noexcept { return m_elements + m_length; }
 
   private:
     [[nodiscard]] static T* allocate(std::size_t length) {

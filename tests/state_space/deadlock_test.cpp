@@ -8,8 +8,7 @@ namespace {
 
 using ProcessCompiler::tau;
 using ProcessCompiler::tick;
-using Testing::lts_of;
-using Testing::Rows;
+using namespace Testing;
 using Trace = std::vector<unsigned>;
 
 TEST(Deadlock, is_a_state_without_transitions_that_no_tick_accounts_for) {

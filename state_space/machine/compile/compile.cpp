@@ -184,6 +184,7 @@ class Compiler {
             part.leaf = static_cast<std::uint32_t>(m_machine->leaves.size());
             m_machine->leaves.push_back(std::make_unique<Leaf>(part.term, exploration.lts));
             part.alphabet = m_machine->leaves.back()->alphabet();
+            m_monitor.go_on(exploration.lts.transition_count()); // they stand there again
         }
     }
 

@@ -19,14 +19,15 @@ BitSet Leaf::alphabet() const {
     return all;
 }
 
-std::uint32_t Leaf::index_of(unsigned event) const {
+std::uint32_t Leaf::index_of(unsigned event) const noexcept {
     auto const found =
         std::lower_bound(m_events.begin(), m_events.end(), event,
                          [](Event const& known, unsigned wanted) { return known.event < wanted; });
     return static_cast<std::uint32_t>(found - m_events.begin());
 }
 
-std::span<StateNumber const> Leaf::successors(StateNumber state, std::uint32_t event_index) const {
+std::span<StateNumber const> Leaf::successors(StateNumber state,
+                                              std::uint32_t event_index) const noexcept {
     if (m_events[event_index].only_successor != nullptr) {
         StateNumber const& only = m_events[event_index].only_successor[state];
         return {&only, only == no_state ? std::size_t{0} : std::size_t{1}};

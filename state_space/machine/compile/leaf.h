@@ -33,18 +33,19 @@ class Leaf {
     Leaf(Leaf const&) = delete;
     Leaf& operator=(Leaf const&) = delete;
 
-    ProcessCompiler::ProcessPointer const& term() const noexcept { return m_term; }
-    StateNumber state_count() const noexcept { return m_state_count; }
-    std::uint64_t transition_count() const noexcept { return m_successors.size(); }
+    [[nodiscard]] ProcessCompiler::ProcessPointer const& term() const noexcept { return m_term; }
+    [[nodiscard]] StateNumber state_count() const noexcept { return m_state_count; }
+    [[nodiscard]] std::uint64_t transition_count() const noexcept { return m_successors.size(); }
     /// What some state can do, ascending.
-    std::vector<Event> const& events() const noexcept { return m_events; }
-    BitSet alphabet() const;
+    [[nodiscard]] std::vector<Event> const& events() const noexcept { return m_events; }
+    [[nodiscard]] BitSet alphabet() const;
 
-    /// The place of an event of the alphabet in `events`.
-    std::uint32_t index_of(unsigned event) const;
+    /// Where an event of the alphabet stands in `events`.
+    [[nodiscard]] std::uint32_t index_of(unsigned event) const noexcept;
 
-    /// The successors of `state` by the event at that place, in the order of the transition system.
-    std::span<StateNumber const> successors(StateNumber state, std::uint32_t event_index) const;
+    /// The successors of `state` by the event of that index, in the order of the transition system.
+    [[nodiscard]] std::span<StateNumber const> successors(StateNumber state,
+                                                          std::uint32_t event_index) const noexcept;
 
   private:
     void sort_rows(LabelledTransitionSystem const& system);

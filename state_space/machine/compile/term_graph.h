@@ -45,7 +45,7 @@ struct TermGraph {
 
 /// Linear in the number of distinct terms and their arguments, but for the levels of what is on
 /// cycles. Every name must be defined. Does not recurse, so a long chain of names needs no stack.
-TermGraph make_term_graph(ProcessCompiler::ProcessPointer const& start,
-                          ProcessCompiler::NamedProcessSource const& source);
+[[nodiscard]] TermGraph make_term_graph(ProcessCompiler::ProcessPointer const& start,
+                                        ProcessCompiler::NamedProcessSource const& source);
 
 } // namespace Calder::StateSpace

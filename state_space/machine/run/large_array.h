@@ -9,7 +9,7 @@ namespace Calder::StateSpace {
 /// for itself, aligned to that, and asks the system for pages of that size: a table that is entered
 /// at random touches more small pages than the processor keeps translations for. Pages never
 /// written to take no memory. Throws std::bad_alloc.
-void* allocate_large(std::size_t bytes);
+[[nodiscard]] void* allocate_large(std::size_t bytes);
 
 /// `bytes` as it was asked for.
 void free_large(void* storage, std::size_t bytes) noexcept;
@@ -23,7 +23,7 @@ struct FreeLarge {
 /// An array of elements that need neither construction nor destruction.
 template <typename T> using LargeArray = std::unique_ptr<T[], FreeLarge>;
 
-template <typename T> LargeArray<T> make_large_array(std::size_t count) {
+template <typename T> [[nodiscard]] LargeArray<T> make_large_array(std::size_t count) {
     std::size_t const bytes = count * sizeof(T);
     return LargeArray<T>(static_cast<T*>(allocate_large(bytes)), FreeLarge{bytes});
 }

@@ -31,7 +31,7 @@ class Layout {
         std::uint32_t shift;
         Word mask;
 
-        StateNumber read(Word const* words) const noexcept {
+        [[nodiscard]] StateNumber read(Word const* words) const noexcept {
             return static_cast<StateNumber>((words[word] >> shift) & mask);
         }
     };
@@ -39,9 +39,9 @@ class Layout {
     /// The first `reserved_bits` of the first word are left to the owner.
     Layout(std::vector<Leaf const*> const& leaves, unsigned reserved_bits);
 
-    std::vector<Slot> const& slots() const noexcept { return m_slots; }
+    [[nodiscard]] std::vector<Slot> const& slots() const noexcept { return m_slots; }
     /// At least 1.
-    std::uint32_t word_count() const noexcept { return m_word_count; }
+    [[nodiscard]] std::uint32_t word_count() const noexcept { return m_word_count; }
 
   private:
     std::vector<Slot> m_slots;

@@ -6,7 +6,7 @@
 
 namespace Calder::StateSpace {
 
-void SearchJob::clear(std::uint32_t width, std::size_t most_steps) {
+void SearchJob::clear(std::uint32_t width, std::size_t most_steps) noexcept {
     m_width = width;
     m_steps.limit(most_steps);
     m_sources.clear();
@@ -50,33 +50,33 @@ void SearchJob::hash_steps() {
 }
 
 SuccessorSearch::SuccessorSearch(unsigned threads)
-    : m_places(threads > 1 ? std::size_t{3} * threads : 1) {
+    : m_ring(threads > 1 ? std::size_t{3} * threads : 1) {
     for (unsigned thread = 1; thread < threads; ++thread) {
         m_threads.emplace_back([this] { work(); });
     }
 }
 
 void SuccessorSearch::submit() {
-    Place& place = m_places[(m_oldest + m_in_use) % m_places.size()];
+    Entry& entry = m_ring[(m_oldest + m_in_use) % m_ring.size()];
     ++m_in_use;
     if (m_threads.empty()) {
-        place.job.search();
+        entry.job.search();
         return;
     }
     {
         std::lock_guard const held(m_lock);
-        place.state = State::waiting;
-        m_waiting.push_back(&place);
+        entry.state = State::waiting;
+        m_waiting.push_back(&entry);
     }
     m_work_came.notify_one();
 }
 
 SearchJob& SuccessorSearch::oldest() {
-    Place& place = m_places[m_oldest];
+    Entry& entry = m_ring[m_oldest];
     if (!m_threads.empty()) {
         std::unique_lock held(m_lock);
-        while (place.state != State::done) {
-            if (Place* const other = next_waiting()) {
+        while (entry.state != State::done) {
+            if (Entry* const other = next_waiting()) {
                 held.unlock();
                 other->job.search();
                 held.lock();
@@ -86,12 +86,12 @@ SearchJob& SuccessorSearch::oldest() {
             }
         }
     }
-    place.job.rethrow();
-    return place.job;
+    entry.job.rethrow();
+    return entry.job;
 }
 
-void SuccessorSearch::release_oldest() {
-    m_oldest = (m_oldest + 1) % m_places.size();
+void SuccessorSearch::release_oldest() noexcept {
+    m_oldest = (m_oldest + 1) % m_ring.size();
     --m_in_use;
 }
 
@@ -108,14 +108,14 @@ void SuccessorSearch::stop() {
 }
 
 /// Marks it as running. The lock must be held.
-SuccessorSearch::Place* SuccessorSearch::next_waiting() {
+SuccessorSearch::Entry* SuccessorSearch::next_waiting() {
     if (m_waiting.empty()) {
         return nullptr;
     }
-    Place* const place = m_waiting.front();
+    Entry* const entry = m_waiting.front();
     m_waiting.pop_front();
-    place->state = State::running;
-    return place;
+    entry->state = State::running;
+    return entry;
 }
 
 void SuccessorSearch::work() {
@@ -125,11 +125,11 @@ void SuccessorSearch::work() {
         if (m_ends) {
             return;
         }
-        Place* const place = next_waiting();
+        Entry* const entry = next_waiting();
         held.unlock();
-        place->job.search();
+        entry->job.search();
         held.lock();
-        place->state = State::done;
+        entry->state = State::done;
         m_job_done.notify_one();
     }
 }

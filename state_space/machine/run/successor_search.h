@@ -15,7 +15,7 @@ namespace Calder::StateSpace {
 class SearchJob {
   public:
     /// For states of `width` words each, that have no more than `most_steps` successors together.
-    void clear(std::uint32_t width, std::size_t most_steps = Steps::unbounded);
+    void clear(std::uint32_t width, std::size_t most_steps = Steps::unbounded) noexcept;
     void add_source(Word const* state, SuccessorTable const& table);
 
     /// Finds the successors. What it throws is kept until `rethrow`.
@@ -25,11 +25,13 @@ class SearchJob {
     /// Makes the successors longer; see Steps.
     void widen(std::uint32_t width);
 
-    std::size_t source_count() const noexcept { return m_tables.size(); }
-    Steps const& steps() const noexcept { return m_steps; }
-    std::uint64_t hash(std::size_t step) const noexcept { return m_hashes[step]; }
+    [[nodiscard]] std::size_t source_count() const noexcept { return m_tables.size(); }
+    [[nodiscard]] Steps const& steps() const noexcept { return m_steps; }
+    [[nodiscard]] std::uint64_t hash(std::size_t step) const noexcept { return m_hashes[step]; }
     /// Where the successors of the source of this number end.
-    std::size_t row_end(std::size_t source) const noexcept { return m_row_ends[source]; }
+    [[nodiscard]] std::size_t row_end(std::size_t source) const noexcept {
+        return m_row_ends[source];
+    }
 
   private:
     void hash_steps();
@@ -54,17 +56,19 @@ class SuccessorSearch {
     SuccessorSearch(SuccessorSearch const&) = delete;
     SuccessorSearch& operator=(SuccessorSearch const&) = delete;
 
-    bool is_idle() const noexcept { return m_in_use == 0; }
-    bool has_room() const noexcept { return m_in_use < m_places.size(); }
+    [[nodiscard]] bool is_idle() const noexcept { return m_in_use == 0; }
+    [[nodiscard]] bool has_room() const noexcept { return m_in_use < m_ring.size(); }
 
     /// A job to fill in; there must be room. `submit` then hands it out.
-    SearchJob& free_job() noexcept { return m_places[(m_oldest + m_in_use) % m_places.size()].job; }
+    [[nodiscard]] SearchJob& free_job() noexcept {
+        return m_ring[(m_oldest + m_in_use) % m_ring.size()].job;
+    }
     void submit();
 
     /// The job that was submitted first, once it is done; there must be one. It is the owner's
     /// until `release_oldest`.
-    SearchJob& oldest();
-    void release_oldest();
+    [[nodiscard]] SearchJob& oldest();
+    void release_oldest() noexcept;
 
     /// Ends the threads; what was submitted need not be done.
     void stop();
@@ -72,23 +76,23 @@ class SuccessorSearch {
   private:
     enum class State { waiting, running, done };
 
-    struct Place {
+    struct Entry {
         SearchJob job;
         State state = State::done;
     };
 
-    Place* next_waiting();
+    [[nodiscard]] Entry* next_waiting();
     void work();
 
-    std::deque<Place> m_places; // a ring
+    std::deque<Entry> m_ring;
     std::size_t m_oldest = 0;
     std::size_t m_in_use = 0;
     std::vector<std::thread> m_threads;
-    // What follows, and the states of the places, belong to whoever holds the lock.
+    // What follows, and the states of entries, belong to whoever holds the lock.
     std::mutex m_lock;
     std::condition_variable m_work_came;
     std::condition_variable m_job_done;
-    std::deque<Place*> m_waiting;
+    std::deque<Entry*> m_waiting;
     bool m_ends = false;
 };
 

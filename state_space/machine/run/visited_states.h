@@ -30,18 +30,18 @@ class VisitedStates {
   public:
     explicit VisitedStates(std::uint32_t width) : m_width(width) {}
 
-    StateNumber size() const noexcept { return m_size; }
+    [[nodiscard]] StateNumber size() const noexcept { return m_size; }
     /// The words of each state.
-    std::uint32_t width() const noexcept { return m_width; }
+    [[nodiscard]] std::uint32_t width() const noexcept { return m_width; }
 
-    Word const* words(StateNumber state) const noexcept {
+    [[nodiscard]] Word const* words(StateNumber state) const noexcept {
         unsigned const block = block_of(state);
         return m_begins[block] + std::size_t{state - first_of(block)} * m_width;
     }
 
     /// Word by word a multiplication, its high half brought down before the next, and at the end a
     /// thorough mixing: a bucket is taken from the upper bits, a tag from the lower ones.
-    static std::uint64_t hash(Word const* words, std::uint32_t width) noexcept {
+    [[nodiscard]] static std::uint64_t hash(Word const* words, std::uint32_t width) noexcept {
         std::uint64_t folded = words[0];
         for (std::uint32_t i = 1; i < width; ++i) {
             folded = ((folded ^ (folded >> 32)) * 0x9e3779b97f4a7c15) ^ words[i];
@@ -64,7 +64,7 @@ class VisitedStates {
         return likely;
     }
 
-    bool is_state(StateNumber state, Word const* other) const noexcept {
+    [[nodiscard]] bool is_state(StateNumber state, Word const* other) const noexcept {
         Word const* const known = words(state);
         return *known == *other &&
                (m_width == 1 || std::equal(known + 1, known + m_width, other + 1));
@@ -97,9 +97,9 @@ class VisitedStates {
     /// the states are as before, though perhaps not to be found any more.
     void widen(std::uint32_t width);
 
-    std::uint64_t memory_bytes() const noexcept;
+    [[nodiscard]] std::uint64_t memory_bytes() const noexcept;
     /// What more would be held at some moment while `additions` more states are added.
-    std::uint64_t growth_bytes(std::uint64_t additions) const noexcept;
+    [[nodiscard]] std::uint64_t growth_bytes(std::uint64_t additions) const noexcept;
 
   private:
     static constexpr unsigned first_block_bits = 10;
@@ -144,7 +144,7 @@ class VisitedStates {
         return std::size_t{1} << (first_block_bits + (block == 0 ? 0 : block - 1));
     }
 
-    std::size_t bucket_of(std::uint64_t hash) const noexcept {
+    [[nodiscard]] std::size_t bucket_of(std::uint64_t hash) const noexcept {
         return static_cast<std::size_t>(((hash >> 32) * m_bucket_count) >> 32);
     }
     static std::uint8_t tag_of(std::uint64_t hash) noexcept {
@@ -153,7 +153,7 @@ class VisitedStates {
     static unsigned first_of_set(unsigned bits) noexcept {
         return static_cast<unsigned>(std::countr_zero(bits));
     }
-    std::size_t next(std::size_t bucket) const noexcept {
+    [[nodiscard]] std::size_t next(std::size_t bucket) const noexcept {
         return bucket + 1 == m_bucket_count ? 0 : bucket + 1;
     }
     Word* writable_words(StateNumber state) noexcept {
@@ -162,7 +162,7 @@ class VisitedStates {
     StateNumber add(std::size_t bucket, Word const* words, std::uint64_t hash);
     void insert(StateNumber state, std::uint64_t hash) noexcept;
     void fill_buckets(std::size_t count);
-    std::uint64_t capacity() const noexcept;
+    [[nodiscard]] std::uint64_t capacity() const noexcept;
 
     std::uint32_t m_width;
     StateNumber m_size = 0;

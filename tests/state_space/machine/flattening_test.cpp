@@ -9,11 +9,7 @@ namespace Calder::StateSpace {
 namespace {
 
 using ProcessCompiler::ProcessPointer;
-using Testing::always;
-using Testing::construct;
-using Testing::format_of;
-using Testing::leaf;
-using Testing::Participants;
+using namespace Testing;
 
 using Numbers = std::vector<std::uint32_t>;
 constexpr std::uint32_t fresh = FlatRules::fresh;
@@ -23,7 +19,7 @@ using Flat = std::tuple<unsigned, Participants, std::optional<Numbers>>;
 constexpr std::nullopt_t stays = std::nullopt;
 
 std::vector<Flat> flat_rules(ProcessPointer const& term) {
-    auto const machine = Testing::machine_of(term);
+    auto const machine = machine_of(term);
     Configurations configurations(*machine);
     Flattening flattening(configurations);
     ExplorationOptions const unlimited;
@@ -54,7 +50,7 @@ TEST(MachineFlattening, rules_stand_by_event_then_as_they_came_the_last_choice_c
                 format_of({1, 0}, {{3, 1, {{0, 3}}}})}));
     struct {
         char const* what;
-        std::vector<Testing::PlainRule> rules; // over c, which does 5, and two of the above
+        std::vector<PlainRule> rules; // over c, which does 5, and two of the above
         std::vector<Flat> wanted;
     } const rows[] = {
         {"as they came",

@@ -12,15 +12,7 @@ namespace {
 
 using ProcessCompiler::NamedProcessSource;
 using ProcessCompiler::ProcessPointer;
-using Testing::always;
-using Testing::construct;
-using Testing::format_of;
-using Testing::leaf;
-using Testing::machine_of;
-using Testing::ring;
-using Testing::Rows;
-using Testing::rows_of;
-using Testing::UnCompiledFormat;
+using namespace Testing;
 using Watch = std::function<bool(Progress const&)>;
 
 bool give_up(Progress const&) {
@@ -61,7 +53,7 @@ TEST(MachineRun, a_term_that_is_no_construct_is_explored_as_it_stands) {
 }
 
 /// All arguments do their 3 together.
-Testing::FormatMaker together(unsigned count) {
+FormatMaker together(unsigned count) {
     UnCompiledFormat format;
     activate_first_components(format, count);
     append_rule(format, 9, 0, HighLevelMachine::every_component(count, 3));
@@ -118,8 +110,8 @@ TEST(MachineRun, a_transition_that_is_reported_twice_counts_once) {
     ProcessPointer const loop_a = leaf("a", {{{3, 0}}});
     ProcessPointer const loop_b = leaf("b", {{{3, 0}}});
     ProcessPointer const fork = leaf("f", {{{3, 1}, {3, 2}}, {}, {}});
-    Testing::Rows wide(1);
-    std::vector<Testing::PlainRule> many;
+    Rows wide(1);
+    std::vector<PlainRule> many;
     for (unsigned event = 3; event < 43; ++event) { // more than is searched from the begin
         wide[0].emplace_back(event, 0);
         many.push_back({9, 0, {{0, event}}});
@@ -321,7 +313,7 @@ TEST(MachineRun, what_cannot_be_compiled_or_run_is_refused) {
 ProcessPointer growing() {
     std::vector<ProcessPointer> arguments{leaf("a", {{{3, 1}}, {{3, 2}}, {{3, 0}, {4, 0}}})};
     std::vector<unsigned> active{0};
-    std::vector<Testing::PlainRule> rules{{3, 0, {{0, 3}}}, {9, 1, {{0, 4}}}};
+    std::vector<PlainRule> rules{{3, 0, {{0, 3}}}, {9, 1, {{0, 4}}}};
     std::vector<UnCompiledFormat> formats{format_of(active, rules)};
     for (unsigned format = 1; format < 5; ++format) {
         unsigned const first = 3 * format - 2;
@@ -330,7 +322,7 @@ ProcessPointer growing() {
             active.push_back(argument);
         }
         rules.push_back({4 + format, format, {{first, 5}, {first + 1, 5}, {first + 2, 5}}});
-        for (Testing::PlainRule& rule : rules) {
+        for (PlainRule& rule : rules) {
             rule.target_format = rule.event == 9 ? (format + 1) % 5 : format;
         }
         formats.push_back(format_of(active, rules));

@@ -8,8 +8,7 @@
 namespace Calder::StateSpace {
 namespace {
 
-using Testing::lts_of;
-using Testing::Rows;
+using namespace Testing;
 
 struct Step {
     bool operator==(Step const&) const = default;

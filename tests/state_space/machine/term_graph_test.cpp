@@ -1,10 +1,10 @@
 #include "state_space/machine/compile/term_graph.h"
 #include "tests/state_space/machine/fake_construct.h"
+#include "tests/state_space/stack_of_size.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <pthread.h>
 
 namespace Calder::StateSpace {
 namespace {
@@ -12,9 +12,7 @@ namespace {
 using ProcessCompiler::NamedProcess;
 using ProcessCompiler::NamedProcessSource;
 using ProcessCompiler::ProcessPointer;
-using Testing::CompilationLevel;
-using Testing::FakeConstruct;
-using Testing::leaf;
+using namespace Testing;
 
 using Names = std::vector<std::string>;
 using Terms = std::vector<ProcessPointer>;
@@ -39,7 +37,7 @@ ProcessPointer low(std::string name, Terms const& terms, std::set<unsigned> forb
 
 std::string name_of(TermGraph::Vertex const& vertex) {
     return vertex.is_name ? static_cast<NamedProcess const&>(*vertex.term).name()
-                          : static_cast<Testing::FakeProcess const&>(*vertex.term).name;
+                          : static_cast<FakeProcess const&>(*vertex.term).name;
 }
 
 Names constructs_of(TermGraph const& graph) {
@@ -138,17 +136,7 @@ void follow_a_long_chain_of_names() {
 }
 
 TEST(MachineTermGraph, a_long_chain_of_names_needs_no_stack) {
-    pthread_attr_t attributes;
-    ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{1} << 20), 0);
-    pthread_t thread{};
-    auto const body = [](void*) -> void* {
-        follow_a_long_chain_of_names();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, body, nullptr), 0);
-    ASSERT_EQ(pthread_join(thread, nullptr), 0);
-    pthread_attr_destroy(&attributes);
+    run_with_stack(std::size_t{1} << 20, follow_a_long_chain_of_names);
 }
 
 } // namespace
