@@ -42,23 +42,20 @@ class ConstructFlattening {
           m_taker_of(m_children.size(), none) {}
 
     FlatRules run() {
-        for (UnCompiledRule const* const rule : rules_by_event()) {
-            if (find_takers(*rule)) {
-                do {
-                    add(*rule);
-                } while (choose_next());
-            }
-            for (Taker const& taker : m_takers) {
-                m_taker_of[taker.child] = none;
-            }
-            m_takers.clear();
+        for (UnCompiledRule const* const rule : rules_that_fire()) {
+            find_takers(*rule);
+            do {
+                add(*rule);
+            } while (choose_next());
+            forget_takers();
         }
         return std::move(m_flat);
     }
 
   private:
-    std::vector<UnCompiledRule const*> rules_by_event() const;
+    std::vector<UnCompiledRule const*> rules_that_fire();
     bool find_takers(UnCompiledRule const& rule);
+    void forget_takers();
     bool choose_next();
     void add(UnCompiledRule const& rule);
     void add_participants();
@@ -79,12 +76,15 @@ class ConstructFlattening {
     FlatRules m_flat;
 };
 
-/// So the flat rules, of which there may be millions, need not be sorted.
-std::vector<UnCompiledRule const*> ConstructFlattening::rules_by_event() const {
+/// By event, so that the flat rules, of which there may be millions, need not be sorted. Most rules
+/// of some constructs never fire.
+std::vector<UnCompiledRule const*> ConstructFlattening::rules_that_fire() {
     std::vector<UnCompiledRule const*> rules;
-    rules.reserve(m_format.rules.size());
     for (UnCompiledRule const& rule : m_format.rules) {
-        rules.push_back(&rule);
+        if (find_takers(rule)) {
+            rules.push_back(&rule);
+        }
+        forget_takers();
     }
     std::stable_sort(rules.begin(), rules.end(),
                      [](UnCompiledRule const* left, UnCompiledRule const* right) {
@@ -111,6 +111,13 @@ bool ConstructFlattening::find_takers(UnCompiledRule const& rule) {
         m_takers.push_back({child, options, 0});
     }
     return true;
+}
+
+void ConstructFlattening::forget_takers() {
+    for (Taker const& taker : m_takers) {
+        m_taker_of[taker.child] = none;
+    }
+    m_takers.clear();
 }
 
 /// The next combination of what the takers do, the last one's choice changing fastest.
