@@ -72,15 +72,11 @@ std::uint32_t argument_passed_through(UnCompiledFormat const& format, unsigned i
     return passed == alphabets[argument] ? argument : none;
 }
 
-bool is_too_large(unsigned event) {
-    return event > most_event;
-}
-
 bool has_too_large_event(LabelledTransitionSystem const& lts) {
     for (StateNumber state = 0; state < lts.explored_count(); ++state) {
         auto const row = lts.transitions(state);
         if (std::any_of(row.begin(), row.end(),
-                        [](Transition step) { return is_too_large(step.event); })) {
+                        [](Transition step) { return step.event > most_event; })) {
             return true;
         }
     }
@@ -90,7 +86,7 @@ bool has_too_large_event(LabelledTransitionSystem const& lts) {
 bool has_too_large_event(Formats const& formats) {
     return std::any_of(formats.begin(), formats.end(), [](UnCompiledFormat const& format) {
         return std::any_of(format.rules.begin(), format.rules.end(),
-                           [](UnCompiledRule const& rule) { return is_too_large(rule.event); });
+                           [](UnCompiledRule const& rule) { return rule.event > most_event; });
     });
 }
 

@@ -241,7 +241,7 @@ TEST(MachineRun, what_a_machine_needs_before_its_first_states_is_watched_too) {
         {"flattening hears", chain(20), 0, after_a_while, Outcome::interrupted},
         {"one state has too many successors", together(fan(1'000), 2), 20 * mib, nullptr,
          Outcome::memory_limit},
-        {"more successors than can be counted", together(fan(1'000), 9), 0, nullptr,
+        {"more successors than can be counted", together(fan(1'024), 7), 0, nullptr,
          Outcome::memory_limit},
     };
     for (auto const& row : rows) {
