@@ -123,6 +123,23 @@ TEST(EarlyEnd, memory_that_runs_out_leaves_what_is_explored) {
     }
 }
 
+TEST(SearchMonitor, looks_around_after_enough_work_and_counts_what_is_about_to_grow) {
+    constexpr std::uint64_t reserve = std::uint64_t{64} << 20;
+    ExplorationOptions const options{no_state, resident_bytes() + reserve, nullptr};
+    SearchMonitor monitor(options, SearchMonitor::longest_for_terms);
+    unsigned work = 1;
+    for (; !monitor.is_due(); ++work) {
+    }
+    EXPECT_EQ(work, 64U);
+    EXPECT_TRUE(monitor.look_around({}, reserve / 2));
+    EXPECT_FALSE(monitor.is_due(monitor.work_ahead() / 2 - 1));
+    EXPECT_LE(monitor.memory_left(), 2 * reserve);
+    monitor.go_on(1, 0);
+    monitor.go_on(1, 2 * reserve); // not looked at before its time
+    EXPECT_THROW(monitor.go_on(1'000'000, 2 * reserve), SearchEnded);
+    EXPECT_EQ(monitor.outcome(), Outcome::memory_limit);
+}
+
 TEST(Memory, resident_bytes_follow_what_is_touched) {
     constexpr std::size_t size = std::size_t{64} << 20;
     std::uint64_t const before = resident_bytes();
