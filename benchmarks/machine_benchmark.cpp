@@ -37,7 +37,7 @@ void philosophers_kept(benchmark::State& state) {
 }
 BENCHMARK(philosophers_kept)->Arg(9)->Unit(benchmark::kMillisecond);
 
-/// Argument: components. As many philosophers as there are forks, up to a million states.
+/// Argument: leaves. As many philosophers as there are forks, up to a million states.
 void growth_with_components(benchmark::State& state) {
     Philosophers const model(static_cast<unsigned>(state.range(0)) / 2);
     measure_machine(state, model.start, model.source, counting(1, 1'000'000));
@@ -63,14 +63,14 @@ BENCHMARK(growth_with_states)
     ->Range(10'000, 10'000'000)
     ->Unit(benchmark::kMillisecond);
 
-/// Argument: components, all different.
+/// Argument: leaves, all different.
 void compile_philosophers(benchmark::State& state) {
     Philosophers const model(static_cast<unsigned>(state.range(0)) / 2);
     measure_compilation(state, model.start, model.source);
 }
 BENCHMARK(compile_philosophers)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
 
-/// Argument: components, all one but for a renaming each.
+/// Argument: leaves, all one but for a renaming each.
 void compile_renamed(benchmark::State& state) {
     auto const count = static_cast<unsigned>(state.range(0));
     NamedProcessSource source;

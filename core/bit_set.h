@@ -33,24 +33,24 @@ class CALDER_CORE_EXPORT BitSet {
     /// The members that are not in `other`.
     [[nodiscard]] BitSet without(BitSet const& other) const;
 
-    bool member(unsigned event) const noexcept {
+    [[nodiscard]] bool member(unsigned event) const noexcept {
         std::size_t const word = event / word_bits;
         return word < m_words.size() && ((m_words[word] >> (event % word_bits)) & 1U) != 0;
     }
 
     /// How many events the set holds; linear in the words of the map.
-    std::size_t size() const noexcept;
-    bool empty() const noexcept { return m_words.empty(); }
+    [[nodiscard]] std::size_t size() const noexcept;
+    [[nodiscard]] bool empty() const noexcept { return m_words.empty(); }
 
     /// The exclusive or of all words of the map: what a set contributes to a hash code.
-    std::uint64_t folded_words() const noexcept;
+    [[nodiscard]] std::uint64_t folded_words() const noexcept;
 
     bool operator==(BitSet const& other) const noexcept { return m_words == other.m_words; }
     bool operator!=(BitSet const& other) const noexcept { return m_words != other.m_words; }
 
     /// Iteration is in ascending order; the set must not change meanwhile.
-    const_iterator begin() const noexcept;
-    const_iterator end() const noexcept;
+    [[nodiscard]] const_iterator begin() const noexcept;
+    [[nodiscard]] const_iterator end() const noexcept;
 
   private:
     static constexpr unsigned word_bits = 64;

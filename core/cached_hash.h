@@ -13,7 +13,7 @@ namespace Calder {
 class CachedHash {
   public:
     /// The kept code, or the answer of `compute`, which is kept.
-    template <typename Compute> std::uint64_t get(Compute const& compute) const {
+    template <typename Compute> [[nodiscard]] std::uint64_t get(Compute const& compute) const {
         std::uint64_t code = kept();
         if (code == 0) {
             code = compute();
@@ -23,8 +23,10 @@ class CachedHash {
     }
 
     /// For who computes the code before it is asked for.
-    void keep(std::uint64_t code) const { m_code.store(code, std::memory_order_relaxed); }
-    std::uint64_t kept() const { return m_code.load(std::memory_order_relaxed); }
+    void keep(std::uint64_t code) const noexcept { m_code.store(code, std::memory_order_relaxed); }
+    [[nodiscard]] std::uint64_t kept() const noexcept {
+        return m_code.load(std::memory_order_relaxed);
+    }
 
   private:
     mutable std::atomic<std::uint64_t> m_code{0};

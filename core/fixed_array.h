@@ -11,6 +11,8 @@
 
 namespace Calder {
 
+template <typename T> class OwningArray;
+
 /// An array whose length is fixed when it is made.
 ///
 /// Its destructor frees the storage and does NOT run the destructors of the elements: a reference
@@ -53,24 +55,28 @@ template <typename T> class FixedArray {
         : m_length(std::exchange(other.m_length, 0)),
           m_elements(std::exchange(other.m_elements, nullptr)) {}
 
+    /// What an owning array holds would never be released once it stood here.
+    FixedArray(OwningArray<T> const&) = delete;
+    FixedArray(OwningArray<T>&&) = delete;
+
     FixedArray& operator=(FixedArray const&) = delete;
     FixedArray& operator=(FixedArray&&) = delete;
 
     ~FixedArray() { deallocate(); }
 
-    std::size_t size() const noexcept { return m_length; }
-    bool empty() const noexcept { return m_length == 0; }
+    [[nodiscard]] std::size_t size() const noexcept { return m_length; }
+    [[nodiscard]] bool empty() const noexcept { return m_length == 0; }
 
     T& operator[](std::size_t index) noexcept { return m_elements[index]; }
     T const& operator[](std::size_t index) const noexcept { return m_elements[index]; }
 
     T* begin() noexcept { return m_elements; }
     T* end() noexcept { return m_elements + m_length; }
-    T const* begin() const noexcept { return m_elements; }
-    T const* end() const noexcept { return m_elements + m_length; }
+    [[nodiscard]] T const* begin() const noexcept { return m_elements; }
+    [[nodiscard]] T const* end() const noexcept { return m_elements + m_length; }
 
   private:
-    static T* allocate(std::size_t length) {
+    [[nodiscard]] static T* allocate(std::size_t length) {
         if (length > SIZE_MAX / sizeof(T)) {
             throw std::bad_alloc();
         }
@@ -97,7 +103,7 @@ template <typename T> class FixedArray {
 
 /// The same length and, place by place, equal elements.
 template <typename T>
-bool has_same_elements(FixedArray<T> const& left, FixedArray<T> const& right) {
+[[nodiscard]] bool has_same_elements(FixedArray<T> const& left, FixedArray<T> const& right) {
     return std::equal(left.begin(), left.end(), right.begin(), right.end());
 }
 

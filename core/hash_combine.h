@@ -9,7 +9,7 @@ namespace Calder {
 /// The shape is that of Hash128to64 of CityHash (Pike and Alakuijala, 2011) with another
 /// multiplier. The multiplier is even, so every result is even: a table that takes its slot from
 /// the low bits must mix the code again first.
-constexpr std::uint64_t hash_combine(std::uint64_t h, std::uint64_t k) noexcept {
+[[nodiscard]] constexpr std::uint64_t hash_combine(std::uint64_t h, std::uint64_t k) noexcept {
     constexpr std::uint64_t multiplier = 0x9e3779b97f4a8006;
     std::uint64_t a = (k ^ h) * multiplier;
     a ^= a >> 47;

@@ -131,7 +131,7 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
     unsigned piece_budget = no_piece_budget;
 
   private:
-    bool is_spent() const { return silenced || remaining_characters == 0; }
+    [[nodiscard]] bool is_spent() const { return silenced || remaining_characters == 0; }
 
     void write_indent() {
         if (!indent_written) {

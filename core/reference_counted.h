@@ -29,7 +29,7 @@ class CALDER_CORE_EXPORT AtomicReferenceCounted {
     }
 
     /// How many counted pointers hold this object now: for tests and measurements.
-    std::uintptr_t reference_count() const noexcept {
+    [[nodiscard]] std::uintptr_t reference_count() const noexcept {
         return m_count.load(std::memory_order_relaxed);
     }
 

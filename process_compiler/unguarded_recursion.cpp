@@ -1,8 +1,8 @@
 #include "process_compiler/unguarded_recursion.h"
 
+#include "core/cycle_search.h"
 #include "process_compiler/kinds.h"
 
-#include <algorithm>
 #include <unordered_set>
 
 namespace Calder::ProcessCompiler {
@@ -34,79 +34,44 @@ Names names_running_at_start(Process const& process) {
     return names;
 }
 
-/// Depth-first search over the names; a step to a name on the current path closes a cycle.
-class CycleSearch {
-  public:
-    explicit CycleSearch(NamedProcessSource const& source) : m_source(source) {
-        for (NamedProcessPointer const& reference : source.references()) {
-            m_places.push_back(Place{reference});
-        }
-    }
-
-    std::vector<NameCycle> run() {
-        for (Place& place : m_places) {
-            search_from(place);
-        }
-        return std::move(m_cycles);
-    }
-
-  private:
-    struct Place {
-        NamedProcessPointer reference;
-        Names next{};
-        std::size_t followed = 0;
-        bool is_reported = false; // in some cycle
-        enum class State { fresh, on_path, done } state = State::fresh;
-    };
-
-    void search_from(Place& start) {
-        enter(start);
-        while (!m_path.empty()) {
-            Place& place = *m_path.back();
-            if (place.followed < place.next.size()) {
-                Place& target = m_places[place.next[place.followed++]->number()];
-                if (target.state == Place::State::on_path) {
-                    if (!place.is_reported) { // else many cycles that say the same
-                        report_cycle_to(target);
-                    }
-                } else {
-                    enter(target);
-                }
-            } else {
-                place.state = Place::State::done;
-                m_path.pop_back();
+/// By number of a name: the numbers of those that its definition runs from its start.
+std::vector<std::vector<std::uint32_t>>
+successors_of_names(NamedProcessSource const& source,
+                    std::vector<NamedProcessPointer> const& references) {
+    std::vector<std::vector<std::uint32_t>> successors(references.size());
+    for (NamedProcessPointer const& reference : references) {
+        if (source.is_defined(*reference)) {
+            for (NamedProcess const* const name :
+                 names_running_at_start(*source.process(*reference))) {
+                successors[reference->number()].push_back(name->number());
             }
         }
     }
-
-    void enter(Place& place) {
-        if (place.state != Place::State::fresh || !m_source.is_defined(*place.reference)) {
-            return;
-        }
-        place.next = names_running_at_start(*m_source.process(*place.reference));
-        place.state = Place::State::on_path;
-        m_path.push_back(&place);
-    }
-
-    void report_cycle_to(Place const& target) {
-        NameCycle& cycle = m_cycles.emplace_back();
-        for (auto step = std::find(m_path.begin(), m_path.end(), &target); step != m_path.end();
-             ++step) {
-            cycle.push_back((*step)->reference);
-            (*step)->is_reported = true;
-        }
-    }
-
-    NamedProcessSource const& m_source;
-    std::vector<Place> m_places; // by number
-    std::vector<Place*> m_path;
-    std::vector<NameCycle> m_cycles;
-};
+    return successors;
+}
 
 } // namespace
 
 std::vector<NameCycle> find_unguarded_recursion(NamedProcessSource const& source) {
-    return CycleSearch(source).run();
+    auto const& references = source.references();
+    auto const successors = successors_of_names(source, references);
+    std::vector<NameCycle> cycles;
+    std::vector<bool> is_reported(references.size());
+    auto const report = [&](std::span<std::uint32_t const> loop) {
+        if (is_reported[loop.back()]) {
+            return; // else many cycles that say the same
+        }
+        NameCycle& cycle = cycles.emplace_back();
+        for (std::uint32_t const name : loop) {
+            cycle.push_back(references[name]);
+            is_reported[name] = true;
+        }
+    };
+    for_each_cycle(
+        static_cast<std::uint32_t>(references.size()),
+        [&](std::uint32_t name) -> auto const& { return successors[name]; },
+        [](std::span<std::uint32_t const>) {}, report);
+    return cycles;
 }
 
 } // namespace Calder::ProcessCompiler

@@ -1,8 +1,10 @@
 #include "script/definition_graph.h"
 
+#include "core/cycle_search.h"
 #include "script/suggestion.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -79,98 +81,35 @@ class NameResolution {
     unsigned m_suggestion_budget = suggestion_budget;
 };
 
-/// The strongly connected components of the definitions, each behind those it leads to (Tarjan
-/// 1972), with the recursion on a stack of its own.
-class CycleSearch {
-  public:
-    CycleSearch(SyntaxTree const& tree, DefinitionGraph& graph)
-        : m_tree(tree), m_graph(graph), m_places(tree.definitions.size()) {}
-
-    void run() {
-        m_graph.is_on_cycle.resize(m_places.size());
-        for (unsigned definition = 0; definition < m_places.size(); ++definition) {
-            if (m_places[definition].number == none) {
-                search_from(definition);
-            }
-        }
+/// By definition: those that the names in it stand for, in the order of their places.
+std::vector<std::vector<unsigned>> used_definitions(SyntaxTree const& tree,
+                                                    std::vector<unsigned> const& targets) {
+    std::vector<std::vector<unsigned>> used;
+    used.reserve(tree.definitions.size());
+    for (SyntaxTree::Definition const& definition : tree.definitions) {
+        std::vector<unsigned>& each = used.emplace_back();
+        std::copy_if(targets.begin() + definition.first_node, targets.begin() + definition.end_node,
+                     std::back_inserter(each), [](unsigned target) { return target != none; });
     }
+    return used;
+}
 
-  private:
-    struct Place {
-        unsigned number = none; // in the order of first visits
-        unsigned lowest = none; // the lowest number that is reached within the component
-        unsigned next_node = 0;
-        bool is_open = false; // its component is not complete
+void find_cycles(SyntaxTree const& tree, DefinitionGraph& graph) {
+    auto const used = used_definitions(tree, graph.targets);
+    graph.is_on_cycle.resize(used.size());
+    auto const take_cycle = [&](std::span<unsigned const> members) {
+        graph.order.insert(graph.order.end(), members.rbegin(), members.rend());
+        unsigned const last = members.back();
+        bool const is_cycle = members.size() > 1 || std::find(used[last].begin(), used[last].end(),
+                                                              last) != used[last].end();
+        for (unsigned const member : members) {
+            graph.is_on_cycle[member] = is_cycle;
+        }
     };
-
-    void search_from(unsigned start) {
-        enter(start);
-        while (!m_path.empty()) {
-            unsigned const definition = m_path.back();
-            Place& place = m_places[definition];
-            unsigned const target = next_target(definition);
-            if (target == none) {
-                leave(definition);
-            } else if (m_places[target].number == none) {
-                enter(target);
-            } else if (m_places[target].is_open) {
-                place.lowest = std::min(place.lowest, m_places[target].number);
-                if (target == definition) {
-                    m_graph.is_on_cycle[definition] = true;
-                }
-            }
-        }
-    }
-
-    /// The definition that the next name in this one stands for; none behind the last.
-    unsigned next_target(unsigned definition) {
-        unsigned& node = m_places[definition].next_node;
-        while (node < m_tree.definitions[definition].end_node) {
-            unsigned const target = m_graph.targets[node++];
-            if (target != none) {
-                return target;
-            }
-        }
-        return none;
-    }
-
-    void enter(unsigned definition) {
-        m_places[definition] = {m_count, m_count, m_tree.definitions[definition].first_node, true};
-        ++m_count;
-        m_path.push_back(definition);
-        m_open.push_back(definition);
-    }
-
-    void leave(unsigned definition) {
-        m_path.pop_back();
-        Place const& place = m_places[definition];
-        if (!m_path.empty()) {
-            Place& before = m_places[m_path.back()];
-            before.lowest = std::min(before.lowest, place.lowest);
-        }
-        if (place.lowest != place.number) {
-            return;
-        }
-        bool const is_alone = m_open.back() == definition;
-        unsigned member = none;
-        do {
-            member = m_open.back();
-            m_open.pop_back();
-            m_places[member].is_open = false;
-            m_graph.order.push_back(member);
-            if (!is_alone) {
-                m_graph.is_on_cycle[member] = true;
-            }
-        } while (member != definition);
-    }
-
-    SyntaxTree const& m_tree;
-    DefinitionGraph& m_graph;
-    std::vector<Place> m_places;
-    std::vector<unsigned> m_path;
-    std::vector<unsigned> m_open;
-    unsigned m_count = 0;
-};
+    for_each_cycle(
+        static_cast<unsigned>(used.size()),
+        [&](unsigned definition) -> auto const& { return used[definition]; }, take_cycle);
+}
 
 } // namespace
 
@@ -178,7 +117,7 @@ DefinitionGraph connect_definitions(TokenList const& tokens, SyntaxTree const& t
                                     EventTable const& events, Diagnostics& diagnostics) {
     DefinitionGraph graph;
     graph.targets = NameResolution(tokens, tree, events, diagnostics).run();
-    CycleSearch(tree, graph).run();
+    find_cycles(tree, graph);
     return graph;
 }
 

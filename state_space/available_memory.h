@@ -7,6 +7,6 @@ namespace Calder::StateSpace {
 /// The bytes of main memory that this process could still take before the system would have to swap
 /// or to kill: what the machine has available, or what is left of the limit of the control group
 /// (version 2), whichever is less. The largest number when the system tells neither.
-std::uint64_t available_bytes();
+[[nodiscard]] std::uint64_t available_bytes();
 
 } // namespace Calder::StateSpace

@@ -16,9 +16,10 @@ namespace Calder::StateSpace {
 /// target whose class has changed are looked at again, and of a class that is split the largest
 /// part keeps its number (Hopcroft, 1971), so a state's class changes at most log n times. Memory
 /// is linear in the system.
-std::vector<StateNumber> bisimulation_classes(LabelledTransitionSystem const& lts);
+[[nodiscard]] std::vector<StateNumber> bisimulation_classes(LabelledTransitionSystem const& lts);
 
 /// Whether the starts of two systems are strongly bisimilar.
-bool are_bisimilar(LabelledTransitionSystem const& left, LabelledTransitionSystem const& right);
+[[nodiscard]] bool are_bisimilar(LabelledTransitionSystem const& left,
+                                 LabelledTransitionSystem const& right);
 
 } // namespace Calder::StateSpace

@@ -22,7 +22,7 @@ struct FirstStep {
 Deadlock deadlock_behind(StateNumber state, unsigned event, StateNumber target,
                          std::vector<FirstStep> const& first_steps) {
     Deadlock found{target, {event}, {state}};
-    for (; first_steps[state].source != no_state; state = first_steps[state].source) {
+    for (; state != 0; state = first_steps[state].source) {
         found.trace.push_back(first_steps[state].event);
         found.sources.push_back(first_steps[state].source);
     }
@@ -48,7 +48,7 @@ std::optional<Deadlock> find_deadlock(LabelledTransitionSystem const& lts) {
             if (event != ProcessCompiler::tick && is_stuck(lts, target)) {
                 return deadlock_behind(source, event, target, first_steps);
             }
-            if (target > source && first_steps[target].source == no_state) {
+            if (first_steps[target].source == no_state) {
                 first_steps[target] = FirstStep{event, source};
             }
         }

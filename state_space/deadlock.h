@@ -22,6 +22,6 @@ struct Deadlock {
 /// other than a tick leads to: what only a tick leads to has terminated. The system must be
 /// numbered breadth-first, as an exploration does it. One pass over the rows, up to the deadlock; 8
 /// bytes a state.
-std::optional<Deadlock> find_deadlock(LabelledTransitionSystem const& lts);
+[[nodiscard]] std::optional<Deadlock> find_deadlock(LabelledTransitionSystem const& lts);
 
 } // namespace Calder::StateSpace

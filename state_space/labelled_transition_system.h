@@ -25,17 +25,17 @@ struct Transition {
 /// that it does not change.
 class LabelledTransitionSystem {
   public:
-    StateNumber state_count() const noexcept { return m_state_count; }
-    std::uint64_t transition_count() const noexcept { return m_transitions.size(); }
+    [[nodiscard]] StateNumber state_count() const noexcept { return m_state_count; }
+    [[nodiscard]] std::uint64_t transition_count() const noexcept { return m_transitions.size(); }
 
     /// How many states have their transitions here; they are the first ones. Less than
     /// `state_count` when an exploration ended early.
-    StateNumber explored_count() const noexcept {
+    [[nodiscard]] StateNumber explored_count() const noexcept {
         return static_cast<StateNumber>(m_row_ends.size());
     }
 
     /// None for a state that was not explored. Constant time.
-    std::span<Transition const> transitions(StateNumber state) const noexcept {
+    [[nodiscard]] std::span<Transition const> transitions(StateNumber state) const noexcept {
         if (state >= explored_count()) {
             return {};
         }
@@ -44,7 +44,7 @@ class LabelledTransitionSystem {
     }
 
     /// What the arrays have allocated.
-    std::uint64_t memory_bytes() const noexcept;
+    [[nodiscard]] std::uint64_t memory_bytes() const noexcept;
 
   private:
     friend class LtsBuilder;

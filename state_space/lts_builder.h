@@ -28,20 +28,22 @@ class LtsBuilder {
 
     /// The system of the rows that have ended, with this number of states, which is above every
     /// target and not below the number of rows. The builder is then as new.
-    LabelledTransitionSystem finish(StateNumber state_count);
+    [[nodiscard]] LabelledTransitionSystem finish(StateNumber state_count);
 
     /// Rows that have ended.
-    StateNumber explored_count() const noexcept { return m_lts.explored_count(); }
+    [[nodiscard]] StateNumber explored_count() const noexcept { return m_lts.explored_count(); }
     /// The transitions of the row in progress included.
-    std::uint64_t transition_count() const noexcept { return m_lts.transition_count(); }
+    [[nodiscard]] std::uint64_t transition_count() const noexcept {
+        return m_lts.transition_count();
+    }
 
-    std::uint64_t memory_bytes() const noexcept;
+    [[nodiscard]] std::uint64_t memory_bytes() const noexcept;
     /// What the arrays could allocate for a moment, besides what they have, while `additions` more
     /// transitions are added.
-    std::uint64_t growth_bytes(std::uint64_t additions) const noexcept;
+    [[nodiscard]] std::uint64_t growth_bytes(std::uint64_t additions) const noexcept;
 
   private:
-    bool is_in_row(Transition transition);
+    [[nodiscard]] bool is_in_row(Transition transition);
 
     LabelledTransitionSystem m_lts;
     std::size_t m_row_begin = 0;

@@ -7,20 +7,21 @@ namespace Calder::StateSpace {
 
 /// The bytes of main memory that this process occupies now. Where the system does not tell
 /// (/proc is not mounted), the peak.
-std::uint64_t resident_bytes();
+[[nodiscard]] std::uint64_t resident_bytes();
 
 /// The most that it ever occupied.
-std::uint64_t peak_resident_bytes();
+[[nodiscard]] std::uint64_t peak_resident_bytes();
 
 /// What the vector has allocated.
-template <typename T> std::uint64_t allocated_bytes(std::vector<T> const& vector) {
+template <typename T>
+[[nodiscard]] std::uint64_t allocated_bytes(std::vector<T> const& vector) noexcept {
     return std::uint64_t{vector.capacity()} * sizeof(T);
 }
 
 /// What the vector will occupy twice for a moment if `additions` more elements make it grow: its
 /// elements are then copied to a larger block.
-template <typename T>
-std::uint64_t growth_bytes(std::vector<T> const& vector, std::uint64_t additions) {
+template <typename T> [[nodiscard]] std::uint64_t growth_bytes(std::vector<T> const& vector,
+                                                               std::uint64_t additions) noexcept {
     return vector.capacity() - vector.size() < additions ? std::uint64_t{vector.size()} * sizeof(T)
                                                          : 0;
 }

@@ -15,7 +15,7 @@ class StackGuard {
     StackGuard();
 
     /// About the frame that asks. Costs one comparison.
-    bool is_low() const noexcept {
+    [[nodiscard]] bool is_low() const noexcept {
         // The frame's own address, not that of a local variable: those may live on the heap in
         // builds with the address sanitizer.
         return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)) < m_lowest_wanted;

@@ -14,7 +14,9 @@ namespace Calder::StateSpace {
 /// all 64 bits of their codes agree. 20 to 32 bytes a state, besides the terms.
 class StateTable {
   public:
-    StateNumber size() const noexcept { return static_cast<StateNumber>(m_terms.size()); }
+    [[nodiscard]] StateNumber size() const noexcept {
+        return static_cast<StateNumber>(m_terms.size());
+    }
 
     /// The state of the term, which is added when it is new; no_state when it is new and there are
     /// `max_states` already. On std::bad_alloc the table is as before.
@@ -22,12 +24,14 @@ class StateTable {
                             StateNumber max_states = no_state);
 
     /// The reference is good until a term is added, the term as long as the table.
-    ProcessCompiler::ProcessPointer const& term(StateNumber state) const { return m_terms[state]; }
+    [[nodiscard]] ProcessCompiler::ProcessPointer const& term(StateNumber state) const {
+        return m_terms[state];
+    }
 
     /// What the arrays have allocated; the terms themselves are not counted.
-    std::uint64_t memory_bytes() const noexcept;
+    [[nodiscard]] std::uint64_t memory_bytes() const noexcept;
     /// What they could allocate for a moment, besides that, while `additions` more terms are added.
-    std::uint64_t growth_bytes(std::uint64_t additions) const noexcept;
+    [[nodiscard]] std::uint64_t growth_bytes(std::uint64_t additions) const noexcept;
 
   private:
     struct Slot {
@@ -35,8 +39,8 @@ class StateTable {
         StateNumber state;
     };
 
-    bool must_grow_for(std::uint64_t states) const noexcept;
-    std::size_t first_slot(std::uint32_t tag) const noexcept;
+    [[nodiscard]] bool must_grow_for(std::uint64_t states) const noexcept;
+    [[nodiscard]] std::size_t first_slot(std::uint32_t tag) const noexcept;
     void grow();
 
     std::vector<Slot> m_slots; // 2^m_slot_bits of them, or none

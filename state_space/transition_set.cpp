@@ -27,7 +27,7 @@ bool TransitionSet::insert(Transition transition) {
     return true;
 }
 
-void TransitionSet::clear() {
+void TransitionSet::clear() noexcept {
     m_size = 0;
     if (++m_stamp == 0) { // after 2^32 fillings old stamps would look present
         std::fill(m_slots.begin(), m_slots.end(), Slot{});
@@ -44,7 +44,7 @@ std::uint64_t TransitionSet::growth_bytes(std::uint64_t additions) const noexcep
 }
 
 /// The slot that holds the transition, or the free one that it belongs into.
-TransitionSet::Slot& TransitionSet::slot_for(Transition transition) {
+TransitionSet::Slot& TransitionSet::slot_for(Transition transition) noexcept {
     std::size_t const mask = m_slots.size() - 1;
     std::size_t slot = mix(std::uint64_t{transition.event} << 32 | transition.target) & mask;
     while (m_slots[slot].stamp == m_stamp && m_slots[slot].transition != transition) {

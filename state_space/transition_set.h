@@ -14,11 +14,11 @@ class TransitionSet {
     /// False when it was there already. Constant time on average.
     bool insert(Transition transition);
 
-    void clear();
+    void clear() noexcept;
 
-    std::uint64_t memory_bytes() const noexcept;
+    [[nodiscard]] std::uint64_t memory_bytes() const noexcept;
     /// What `additions` more members could allocate besides what there is.
-    std::uint64_t growth_bytes(std::uint64_t additions) const noexcept;
+    [[nodiscard]] std::uint64_t growth_bytes(std::uint64_t additions) const noexcept;
 
   private:
     struct Slot {
@@ -26,7 +26,7 @@ class TransitionSet {
         std::uint32_t stamp;
     };
 
-    Slot& slot_for(Transition transition);
+    [[nodiscard]] Slot& slot_for(Transition transition) noexcept;
     void grow();
 
     std::vector<Slot> m_slots; // a power of two of them, or none

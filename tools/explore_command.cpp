@@ -4,8 +4,8 @@
 #include "state_space/machine/machine_exploration.h"
 #include "state_space/memory.h"
 #include "tools/command_error.h"
-#include "tools/component_names.h"
 #include "tools/interruption.h"
+#include "tools/leaf_names.h"
 #include "tools/machine_text.h"
 #include "tools/progress_line.h"
 
@@ -78,10 +78,10 @@ std::string trace_text(StateSpace::Deadlock const& deadlock,
     return text.empty() ? "at the start" : "after " + text;
 }
 
-/// For each event of the trace, which components of the machine take part in it.
+/// For each event of the trace, which leaves of the machine take part in it.
 void tell_steps(StateSpace::Deadlock const& deadlock,
                 StateSpace::MachineExploration const& exploration, Script::Script const& script) {
-    ComponentNames const names(script, *exploration.machine);
+    LeafNames const names(script, *exploration.machine);
     for (std::size_t step = 0; step < deadlock.trace.size(); ++step) {
         StateSpace::StateNumber const source = deadlock.sources[step];
         StateSpace::StateNumber const target =
@@ -114,10 +114,10 @@ std::string engine_text(StateSpace::MachineExploration const& exploration) {
     if (!exploration.machine) {
         return "terms";
     }
-    std::size_t const components = exploration.states->start_components().size();
-    std::size_t const configurations = exploration.states->met();
-    return fmt::format("machine of {} component{}{}", components, components == 1 ? "" : "s",
-                       configurations == 1
+    std::size_t const leaves = exploration.tables->start_leaves().size();
+    std::size_t const configurations = exploration.tables->met();
+    return fmt::format("machine of {} component{}{}", leaves, leaves == 1 ? "" : "s",
+                       configurations <= 1
                            ? ""
                            : fmt::format(" at the start, in {} configurations", configurations));
 }

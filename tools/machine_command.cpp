@@ -1,5 +1,6 @@
 #include "tools/machine_command.h"
 
+#include "state_space/machine/compile/compile.h"
 #include "tools/command_error.h"
 #include "tools/interruption.h"
 #include "tools/machine_text.h"
@@ -33,7 +34,7 @@ int print_machine(MachineOptions const& options) {
         return compilation.outcome == StateSpace::Outcome::complete ? exit_bad_input
                                                                     : exit_stopped_early;
     }
-    ComponentNames const names(*script, *compilation.machine);
+    LeafNames const names(*script, *compilation.machine);
     ShownMachine const shown{definition.name, *compilation.machine, *script, names};
     fmt::print("{}", options.json ? machine_json(shown) : machine_text(shown));
     return exit_holds;

@@ -11,7 +11,7 @@ using HighLevelMachine::ComponentEvent;
 using HighLevelMachine::UnCompiledFormat;
 using HighLevelMachine::UnCompiledRule;
 using Json = nlohmann::ordered_json;
-using StateSpace::Component;
+using StateSpace::Leaf;
 using StateSpace::Part;
 
 namespace {
@@ -101,11 +101,11 @@ Json part_json(ShownMachine const& shown, StateSpace::PartNumber number) {
     Part const& part = shown.machine.parts[number];
     Json json{{"part", number}};
     if (!part.is_construct()) {
-        Component const& component = *shown.machine.components[part.component];
-        json["component"] = part.component;
-        json["name"] = shown.names.name(part.component);
-        json["states"] = component.state_count();
-        json["transitions"] = component.transition_count();
+        Leaf const& leaf = *shown.machine.leaves[part.leaf];
+        json["component"] = part.leaf;
+        json["name"] = shown.names.name(part.leaf);
+        json["states"] = leaf.state_count();
+        json["transitions"] = leaf.transition_count();
         json["alphabet"] = alphabet_json(shown, part.alphabet);
         return json;
     }
@@ -127,7 +127,7 @@ Json part_json(ShownMachine const& shown, StateSpace::PartNumber number) {
 
 std::string machine_text(ShownMachine const& shown) {
     StateSpace::Machine const& machine = shown.machine;
-    std::string components;
+    std::string leaves;
     std::string constructs;
     for (StateSpace::PartNumber number = 0; number < machine.parts.size(); ++number) {
         Part const& part = machine.parts[number];
@@ -135,14 +135,13 @@ std::string machine_text(ShownMachine const& shown) {
             constructs += construct_text(shown, number);
             continue;
         }
-        Component const& component = *machine.components[part.component];
-        components +=
-            fmt::format("  part {}: {}, {} states, {} transitions\n    alphabet {}\n", number,
-                        shown.names.name(part.component), component.state_count(),
-                        component.transition_count(), alphabet_text(shown, part.alphabet));
+        Leaf const& leaf = *machine.leaves[part.leaf];
+        leaves += fmt::format("  part {}: {}, {} states, {} transitions\n    alphabet {}\n", number,
+                              shown.names.name(part.leaf), leaf.state_count(),
+                              leaf.transition_count(), alphabet_text(shown, part.alphabet));
     }
     return fmt::format("{} starts in part {}\n\ncomponents\n{}\nconstructs\n{}", shown.process,
-                       machine.start, components, constructs.empty() ? "  none\n" : constructs);
+                       machine.start, leaves, constructs.empty() ? "  none\n" : constructs);
 }
 
 std::string machine_json(ShownMachine const& shown) {

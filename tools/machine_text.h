@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/component_names.h"
+#include "tools/leaf_names.h"
 
 #include <string>
 
@@ -11,10 +11,10 @@ struct ShownMachine {
     std::string process;
     StateSpace::Machine const& machine;
     Script::Script const& script;
-    ComponentNames const& names;
+    LeafNames const& names;
 };
 
-/// For people: the components, then each construct with its formats and rules.
+/// For people: the leaves, then each construct with its formats and rules.
 std::string machine_text(ShownMachine const& shown);
 
 /// The same as JSON, indented by 2; docs/machines.md describes it.

@@ -1,5 +1,6 @@
 #include "state_space/machine/machine_exploration.h"
 
+#include "state_space/machine/machine_refusal.h"
 #include "state_space/memory.h"
 
 #include <algorithm>
@@ -30,7 +31,7 @@ Run failed(Compilation const& compilation) {
                        : compilation.refusal);
 }
 
-/// A quarter of the memory is for the components: one without end is to leave enough to do without
+/// A quarter of the memory is for the leaves: one without end is to leave enough to do without
 /// the machine.
 CompilationOptions bounds_of_compilation(RunOptions const& options) {
     CompilationOptions bounds;
@@ -61,22 +62,22 @@ MachineExploration explore_by_machine(ProcessPointer const& start, NamedProcessS
     }
     result.machine = std::move(compilation.machine);
     try {
-        result.states = std::make_unique<MachineStates>(*result.machine);
-        result.run = run(*result.states, options);
+        result.tables = std::make_unique<ConfigurationTables>(*result.machine);
+        result.run = run(*result.tables, options);
     } catch (MachineRefusal const& refusal) {
         result.run = refused(refusal.what());
     }
     if (!result.run.refusal.empty()) {
         result.run = refused(std::move(result.run.refusal));
-        result.states.reset();
+        result.tables.reset();
         result.machine.reset();
     }
     return result;
 }
 
-std::vector<std::uint32_t> components_in(MachineExploration const& exploration, StateNumber state) {
-    MachineStates const& states = *exploration.states;
-    return states.components(states.configuration_of(exploration.run.states->words(state)));
+std::vector<std::uint32_t> leaves_in(MachineExploration const& exploration, StateNumber state) {
+    ConfigurationTables const& tables = *exploration.tables;
+    return tables.leaves(tables.configuration_of(exploration.run.states->words(state)));
 }
 
 std::vector<std::uint32_t> slots_taking_part(MachineExploration const& exploration,
@@ -85,11 +86,11 @@ std::vector<std::uint32_t> slots_taking_part(MachineExploration const& explorati
     VisitedStates const& states = *exploration.run.states;
     Word const* const words = states.words(source);
     std::vector<Word> const wanted(states.words(target), states.words(target) + states.width());
-    ConfigurationNumber const configuration = exploration.states->configuration_of(words);
-    auto const rule = exploration.states->table(configuration).rule_between(words, event, wanted);
+    ConfigurationNumber const configuration = exploration.tables->configuration_of(words);
+    auto const rule = exploration.tables->table(configuration).rule_between(words, event, wanted);
     std::vector<std::uint32_t> slots;
     if (rule) {
-        FlatRules const& flat = exploration.states->rules(configuration);
+        FlatRules const& flat = exploration.tables->rules(configuration);
         for (Participant const& participant : flat.participants_of(flat.rules[*rule])) {
             slots.push_back(participant.slot);
         }

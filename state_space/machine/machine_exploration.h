@@ -1,33 +1,35 @@
 #pragma once
 
-#include "state_space/machine/run.h"
+#include "state_space/machine/compile/compile.h"
+#include "state_space/machine/run/run.h"
 
 namespace Calder::StateSpace {
 
 /// An exploration by the machine that a term compiles to.
 struct MachineExploration {
     Run run;
-    /// Null when there is no machine to ask: the term was refused, or it is one component and was
+    /// Null when there is no machine to ask: the term was refused, or it is one leaf and was
     /// explored as it stands.
     std::unique_ptr<Machine const> machine;
-    std::unique_ptr<MachineStates> states;
+    std::unique_ptr<ConfigurationTables> tables;
     /// The recursion that no machine can follow, if that was the reason.
     std::vector<RefusedRecursion> refused;
 };
 
 /// Compiles the term and runs the machine. Where that is refused, `run.refusal` says why, and
 /// nothing was explored.
-MachineExploration explore_by_machine(ProcessCompiler::ProcessPointer const& start,
-                                      ProcessCompiler::NamedProcessSource const& source,
-                                      RunOptions const& options);
+[[nodiscard]] MachineExploration
+explore_by_machine(ProcessCompiler::ProcessPointer const& start,
+                   ProcessCompiler::NamedProcessSource const& source, RunOptions const& options);
 
-/// The components that run in a state, slot by slot. There must be a machine.
-std::vector<std::uint32_t> components_in(MachineExploration const& exploration, StateNumber state);
+/// The leaves that run in a state, slot by slot. There must be a machine.
+[[nodiscard]] std::vector<std::uint32_t> leaves_in(MachineExploration const& exploration,
+                                                   StateNumber state);
 
 /// Which of them take part in the step to `target` with `event`: the slots, ascending, by the first
-/// rule that leads so; it must be a step that was explored. Empty when no component takes part.
-std::vector<std::uint32_t> slots_taking_part(MachineExploration const& exploration,
-                                             StateNumber source, unsigned event,
-                                             StateNumber target);
+/// rule that leads so; it must be a step that was explored. Empty when no leaf takes part.
+[[nodiscard]] std::vector<std::uint32_t> slots_taking_part(MachineExploration const& exploration,
+                                                           StateNumber source, unsigned event,
+                                                           StateNumber target);
 
 } // namespace Calder::StateSpace

@@ -51,7 +51,7 @@ TEST_F(FixedArrayTest, a_copy_that_throws_leaves_nothing_behind) {
     OwningArray<Counted> const original(5);
     for (int copies = 0; copies < 5; ++copies) {
         Counted::copies_until_throw = copies;
-        EXPECT_THROW(FixedArray<Counted>{original}, std::runtime_error);
+        EXPECT_THROW(OwningArray<Counted>{original}, std::runtime_error);
         EXPECT_EQ(Counted::alive, 5) << "after " << copies << " copies";
     }
 }
@@ -63,6 +63,19 @@ TEST_F(FixedArrayTest, moving_hands_the_elements_over) {
     EXPECT_EQ(second.size(), 4U);
     EXPECT_EQ(Counted::alive, 4);
 }
+
+// What an owning array holds is released: neither its elements nor copies of them get, by accident,
+// to where they never are.
+using Owning = OwningArray<Counted>;
+using Plain = FixedArray<Counted>;
+static_assert(!std::is_constructible_v<Plain, Owning>);
+static_assert(!std::is_constructible_v<Plain, Owning&>);
+static_assert(!std::is_constructible_v<Plain, Owning const&>);
+static_assert(!std::is_assignable_v<Plain&, Owning>);
+static_assert(std::is_constructible_v<Plain const&, Owning const&>, "to be looked at");
+static_assert(std::is_nothrow_move_constructible_v<Owning>);
+static_assert(std::is_copy_constructible_v<Owning> &&
+              std::is_constructible_v<Owning, Plain const&>);
 
 TEST_F(FixedArrayTest, one_element_can_be_replaced_in_a_copy) {
     FixedArray<int> const array{10, 20, 30};

@@ -1,5 +1,5 @@
 #include "state_space/bisimulation.h"
-#include "state_space/lts_builder.h"
+#include "tests/state_space/graph_terms.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
@@ -9,19 +9,7 @@
 namespace Calder::StateSpace {
 namespace {
 
-/// By state its transitions.
-using Rows = std::vector<std::vector<Transition>>;
-
-LabelledTransitionSystem lts_of(Rows const& rows) {
-    LtsBuilder builder;
-    for (std::vector<Transition> const& row : rows) {
-        for (Transition const& transition : row) {
-            builder.add(transition.event, transition.target);
-        }
-        builder.end_row();
-    }
-    return builder.finish(static_cast<StateNumber>(rows.size()));
-}
+using namespace Testing;
 
 TEST(Bisimulation, tells_systems_apart_by_what_they_can_answer) {
     Rows const loop = {{{3, 0}}};
@@ -61,12 +49,11 @@ std::set<std::pair<StateNumber, StateNumber>> largest_bisimulation(Rows const& r
         }
     }
     auto const answers = [&](StateNumber left, StateNumber right) {
-        return std::all_of(rows[left].begin(), rows[left].end(), [&](Transition const& step) {
-            return std::any_of(rows[right].begin(), rows[right].end(),
-                               [&](Transition const& answer) {
-                                   return answer.event == step.event &&
-                                          related.count({step.target, answer.target}) != 0;
-                               });
+        return std::all_of(rows[left].begin(), rows[left].end(), [&](auto const& step) {
+            return std::any_of(rows[right].begin(), rows[right].end(), [&](auto const& answer) {
+                return answer.first == step.first &&
+                       related.count({step.second, answer.second}) != 0;
+            });
         });
     };
     while (std::erase_if(related, [&](auto const& pair) {
@@ -79,11 +66,9 @@ std::set<std::pair<StateNumber, StateNumber>> largest_bisimulation(Rows const& r
 RC_GTEST_PROP(BisimulationProperty, classes_are_those_of_the_definition, ()) {
     auto const count = *rc::gen::inRange<StateNumber>(1, 12);
     Rows rows(count);
-    for (std::vector<Transition>& row : rows) {
-        for (auto transitions = *rc::gen::inRange(0, 4); transitions > 0; --transitions) {
-            auto const event = *rc::gen::inRange(1U, 4U);
-            row.push_back({event, *rc::gen::inRange(StateNumber{0}, count)});
-        }
+    for (Row& row : rows) {
+        row = *rc::gen::resize(4, rc::gen::container<Row>(rc::gen::pair(
+                                      rc::gen::inRange(1U, 4U), rc::gen::inRange(0U, count))));
     }
     std::vector<StateNumber> const classes = bisimulation_classes(lts_of(rows));
     auto const related = largest_bisimulation(rows);

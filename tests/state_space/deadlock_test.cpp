@@ -8,8 +8,7 @@ namespace {
 
 using ProcessCompiler::tau;
 using ProcessCompiler::tick;
-using Testing::lts_of;
-using Testing::Rows;
+using namespace Testing;
 using Trace = std::vector<unsigned>;
 
 TEST(Deadlock, is_a_state_without_transitions_that_no_tick_accounts_for) {
@@ -34,6 +33,7 @@ TEST(Deadlock, is_a_state_without_transitions_that_no_tick_accounts_for) {
          {{{tick, 1}, {3, 2}, {4, 3}}, {}, {{5, 0}}, {{6, 1}}},
          1,
          {4, 6}},
+        {"loops on the way", {{{3, 0}, {4, 1}}, {{5, 1}, {6, 0}, {7, 2}}, {}}, 2, {4, 7}},
         {"a tick on the way", {{{tick, 1}}, {{3, 2}}, {}}, 2, {tick, 3}},
         {"the shortest of several",
          {{{3, 1}, {4, 2}}, {{3, 3}}, {{5, 4}}, {{3, 5}}, {}, {}},

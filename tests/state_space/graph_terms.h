@@ -3,6 +3,7 @@
 #include "state_space/lts_builder.h"
 #include "tests/support/fake_process.h"
 
+#include <memory>
 #include <new>
 
 namespace Calder::StateSpace::Testing {
@@ -28,12 +29,14 @@ struct Graph {
 };
 
 /// A node of a graph. Each successor is reported as a new object, so that only equality can tell
-/// that nodes are the same.
+/// that nodes are the same. Nodes of graphs with different labels differ.
 class NodeTerm : public ProcessCompiler::Testing::FakeProcess {
   public:
-    NodeTerm(Graph const& graph, unsigned node)
-        : FakeProcess(std::to_string(node)), m_graph(graph), m_node(node) {
-        hash = graph.hash(node);
+    NodeTerm(Graph const& graph, unsigned node, std::string label = "",
+             std::shared_ptr<Graph const> owned = nullptr)
+        : FakeProcess(label + std::to_string(node)), m_graph(graph), m_node(node),
+          m_label(std::move(label)), m_owned(std::move(owned)) {
+        hash = graph.hash(node) + 2 * std::hash<std::string>()(m_label) * !m_label.empty();
     }
 
     bool visit_transitions(NamedProcessSource const&,
@@ -43,7 +46,7 @@ class NodeTerm : public ProcessCompiler::Testing::FakeProcess {
             if (m_node == m_graph.node_without_memory && i == row.size() / 2) {
                 throw std::bad_alloc();
             }
-            if (!visitor(row[i].first, new NodeTerm(m_graph, row[i].second))) {
+            if (!visitor(row[i].first, new NodeTerm(m_graph, row[i].second, m_label, m_owned))) {
                 return false;
             }
         }
@@ -53,6 +56,8 @@ class NodeTerm : public ProcessCompiler::Testing::FakeProcess {
   private:
     Graph const& m_graph;
     unsigned m_node;
+    std::string m_label;
+    std::shared_ptr<Graph const> m_owned; // the graph, where nobody else holds it
 };
 
 /// The rows of the explored states.

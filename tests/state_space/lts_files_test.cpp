@@ -9,9 +9,7 @@ namespace {
 
 using ProcessCompiler::tau;
 using ProcessCompiler::tick;
-using Testing::lts_of;
-using Testing::Row;
-using Testing::Rows;
+using namespace Testing;
 
 class LtsFiles : public Testing::TemporaryDirectory {
   protected:

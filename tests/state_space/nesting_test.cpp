@@ -1,11 +1,10 @@
 #include "state_space/exploration.h"
 #include "state_space/stack_guard.h"
+#include "tests/state_space/stack_of_size.h"
 #include "tests/support/fake_process.h"
 
 #include <gtest/gtest.h>
 
-#include <pthread.h>
-#include <sys/mman.h>
 #include <sys/resource.h>
 
 namespace Calder::StateSpace {
@@ -16,6 +15,7 @@ using ProcessCompiler::Process;
 using ProcessCompiler::ProcessPointer;
 using ProcessCompiler::TransitionVisitor;
 using ProcessCompiler::Testing::FakeProcess;
+using Testing::run_with_stack;
 
 /// A term around another, which alone runs: nests as a sequence does on its left. Recurses to
 /// visit, to hash and to compare, as the real constructs do.
@@ -62,26 +62,6 @@ class Nesting : public FakeProcess {
     unsigned m_step;
 };
 
-/// Runs `work` on a thread with a stack of that size.
-void run_with_stack(std::size_t bytes, std::function<void()> work) {
-    // Memory of its own, as the system may hand out the larger stack of a thread that has ended.
-    void* const stack = mmap(nullptr, bytes, PROT_READ | PROT_WRITE,
-                             MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    ASSERT_NE(stack, MAP_FAILED);
-    pthread_attr_t attributes;
-    ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstack(&attributes, stack, bytes), 0);
-    auto const body = [](void* argument) -> void* {
-        (*static_cast<std::function<void()>*>(argument))();
-        return nullptr;
-    };
-    pthread_t thread{};
-    ASSERT_EQ(pthread_create(&thread, &attributes, body, &work), 0);
-    ASSERT_EQ(pthread_join(thread, nullptr), 0);
-    pthread_attr_destroy(&attributes);
-    munmap(stack, bytes);
-}
-
 constexpr std::size_t mib = std::size_t{1} << 20;
 
 TEST(Nesting, ends_at_a_limit_that_grows_with_the_stack) {
@@ -104,15 +84,6 @@ TEST(Nesting, ends_at_a_limit_that_grows_with_the_stack) {
     ASSERT_EQ(depths.size(), std::size(rows));
     EXPECT_GT(depths[0], 300U) << "a level must not cost a kilobyte of the stack";
     EXPECT_GT(depths[2], depths[1] * 3);
-}
-
-TEST(Nesting, other_limits_come_first_where_they_are_lower) {
-    ExplorationOptions options;
-    options.max_states = 20;
-    NamedProcessSource const source;
-    Exploration const found = explore(new Nesting(1), source, options);
-    EXPECT_EQ(found.outcome, Outcome::state_limit);
-    EXPECT_EQ(found.lts.state_count(), 20U);
 }
 
 constexpr std::size_t frame_bytes = 16 << 10;

@@ -4,11 +4,24 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+namespace {
+
+int error_of_fsync = 0; // 0 for none
+
+} // namespace
+
+/// In the place of the system's, since no file system fails at will.
+extern "C" int fsync(int) {
+    errno = error_of_fsync;
+    return error_of_fsync == 0 ? 0 : -1;
+}
 
 namespace Calder::StateSpace {
 namespace {
@@ -97,6 +110,19 @@ TEST_F(OutputFileTest, a_full_disk_leaves_the_old_file) {
 
     EXPECT_EQ(error, "cannot write " + path("x").native() + ": File too large");
     EXPECT_EQ(contents(path("x")), "old");
+    EXPECT_EQ(names(), Names{"x"});
+}
+
+TEST_F(OutputFileTest, what_the_system_tells_only_when_it_synchronises_counts) {
+    replace(path("x"), "old");
+    error_of_fsync = EIO;
+    EXPECT_EQ(error_of_replacing(path("x")),
+              "cannot write " + path("x").native() + ": Input/output error");
+    EXPECT_EQ(contents(path("x")), "old");
+    error_of_fsync = EINVAL; // there is nothing to synchronise
+    EXPECT_EQ(error_of_replacing(path("x"), "new"), "no error");
+    EXPECT_EQ(contents(path("x")), "new");
+    error_of_fsync = 0;
     EXPECT_EQ(names(), Names{"x"});
 }
 

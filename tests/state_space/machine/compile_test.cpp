@@ -7,15 +7,7 @@ namespace {
 
 using ProcessCompiler::NamedProcessSource;
 using ProcessCompiler::ProcessPointer;
-using Testing::Alphabets;
-using Testing::always;
-using Testing::construct;
-using Testing::format_of;
-using Testing::Formats;
-using Testing::leaf;
-using Testing::machine_of;
-using Testing::ring;
-using Testing::UnCompiledFormat;
+using namespace Testing;
 
 using Events = std::vector<unsigned>;
 
@@ -84,7 +76,7 @@ TEST(MachineCompile, alphabets_of_what_recurs_grow_until_they_grow_no_more) {
         if (part.is_construct()) {
             EXPECT_EQ(events_of(part.alphabet), (Events{3, 4, 5, 6, 7, 8, 9}));
             // Made from the final alphabets, too: what D reads passes through besides its own.
-            bool const is_d = static_cast<Testing::FakeConstruct const&>(*part.term).name == "D";
+            bool const is_d = static_cast<FakeConstruct const&>(*part.term).name == "D";
             EXPECT_EQ(part.formats.front().rules.size(), is_d ? 8U : 7U);
         }
     }
@@ -106,8 +98,8 @@ TEST(MachineCompile, equal_leaves_are_one_component) {
     EXPECT_EQ(machine->parts[machine->start].arguments, wanted);
     EXPECT_EQ(machine->parts[2].arguments, (std::vector<PartNumber>{1, 3}));
     std::vector<StateNumber> sizes;
-    for (auto const& component : machine->components) {
-        sizes.push_back(component->state_count());
+    for (auto const& leaf : machine->leaves) {
+        sizes.push_back(leaf->state_count());
     }
     // The name of a leaf is a state before it.
     EXPECT_EQ(sizes, (std::vector<StateNumber>{3, 2, 4}));
@@ -141,31 +133,29 @@ TEST(MachineCompile, a_format_that_passes_one_argument_through_is_recognised) {
     }
 }
 
-TEST(MachineCompile, bounds_end_it_while_a_component_is_explored) {
-    struct {
-        char const* what;
-        CompilationOptions options;
-        Outcome outcome;
-        char const* refusal;
-    } const rows[] = {
-        {"just enough", {20'000}, Outcome::complete, ""},
-        {"a state too many",
-         {19'999},
-         Outcome::state_limit,
-         "one of its components has more than 19999 states"},
-        {"no memory", {20'000, 1}, Outcome::memory_limit, ""},
-        {"interrupted",
-         {20'000, 0, [](Progress const&) { return false; }},
-         Outcome::interrupted,
-         ""},
+TEST(MachineCompile, only_the_arguments_that_run_take_part) {
+    // Behind the end of the list stands what would run, were it not ended.
+    auto const shortened = [](Alphabets const&) {
+        Formats formats(1, format_of({}, {{7, 0, {{0, 3}}}, {8, 0, {{1, 3}}}, {9, 0, {{2, 3}}}}));
+        formats[0].active_components = {0, 1, 2};
+        formats[0].active_components.resize(1);
+        return formats;
     };
-    ProcessPointer const term = construct("C", {ring("a", 2, 3), ring("b", 20'000, 3)});
-    for (auto const& row : rows) {
+    auto const machine =
+        machine_of(construct("C", {ring("a", 1, 3), ring("b", 1, 3), ring("c", 1, 3)}, shortened));
+    EXPECT_EQ(events_of(machine->parts[machine->start].alphabet), Events{7});
+}
+
+TEST(MachineCompile, a_leaf_of_too_many_states_ends_it) {
+    ProcessPointer const term = construct("C", {ring("a", 2, 3), ring("b", 2'000, 3)});
+    for (StateNumber const most : {2'000U, 1'999U}) {
         NamedProcessSource const source;
-        Compilation const found = compile(make_term_graph(term, source), source, row.options);
-        EXPECT_EQ(found.machine != nullptr, row.outcome == Outcome::complete) << row.what;
-        EXPECT_EQ(found.outcome, row.outcome) << row.what;
-        EXPECT_EQ(found.refusal, row.refusal) << row.what;
+        Compilation const found = compile(make_term_graph(term, source), source, {most});
+        bool const is_enough = most == 2'000;
+        EXPECT_EQ(found.machine != nullptr, is_enough);
+        EXPECT_EQ(found.outcome, is_enough ? Outcome::complete : Outcome::state_limit);
+        EXPECT_EQ(found.refusal,
+                  is_enough ? "" : "one of its components has more than 1999 states");
     }
 }
 

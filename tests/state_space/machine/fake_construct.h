@@ -1,6 +1,6 @@
 #pragma once
 
-#include "state_space/machine/machine.h"
+#include "state_space/machine/compile/compile.h"
 #include "tests/state_space/graph_terms.h"
 
 #include <memory>
@@ -82,33 +82,9 @@ inline ProcessPointer construct(std::string name, std::vector<ProcessPointer> co
     return new FakeConstruct(std::move(name), arguments, std::move(maker));
 }
 
-/// A node of a graph that has a name: leaves of different names differ.
-class Leaf : public FakeProcess {
-  public:
-    Leaf(std::string label, std::shared_ptr<Rows const> rows, unsigned node = 0)
-        : FakeProcess(label + std::to_string(node)), m_label(std::move(label)),
-          m_rows(std::move(rows)), m_node(node) {
-        hash = hash_combine(node, std::hash<std::string>()(m_label));
-    }
-
-    bool visit_transitions(NamedProcessSource const&,
-                           TransitionVisitor const& visitor) const override {
-        for (auto const& [event, target] : (*m_rows)[m_node]) {
-            if (!visitor(event, new Leaf(m_label, m_rows, target))) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-  private:
-    std::string m_label;
-    std::shared_ptr<Rows const> m_rows;
-    unsigned m_node;
-};
-
 inline ProcessPointer leaf(std::string label, Rows rows) {
-    return new Leaf(std::move(label), std::make_shared<Rows const>(std::move(rows)));
+    auto const graph = std::make_shared<Graph const>(Graph{std::move(rows)});
+    return new NodeTerm(*graph, 0, std::move(label), graph);
 }
 
 /// `size` states in a ring, each leading to the next by `event`.

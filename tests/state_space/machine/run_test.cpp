@@ -1,24 +1,23 @@
 #include "state_space/machine/machine_exploration.h"
+#include "state_space/memory.h"
 #include "tests/state_space/machine/fake_construct.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 
 namespace Calder::StateSpace {
 namespace {
 
 using ProcessCompiler::NamedProcessSource;
 using ProcessCompiler::ProcessPointer;
-using Testing::always;
-using Testing::construct;
-using Testing::format_of;
-using Testing::leaf;
-using Testing::machine_of;
-using Testing::ring;
-using Testing::Rows;
-using Testing::rows_of;
-using Testing::UnCompiledFormat;
+using namespace Testing;
+using Watch = std::function<bool(Progress const&)>;
+
+bool give_up(Progress const&) {
+    return false;
+}
 
 MachineExploration explore_term(ProcessPointer const& term, RunOptions const& options = {}) {
     NamedProcessSource const source;
@@ -53,14 +52,66 @@ TEST(MachineRun, a_term_that_is_no_construct_is_explored_as_it_stands) {
     EXPECT_EQ(found.machine, nullptr);
 }
 
+/// All arguments do their 3 together.
+FormatMaker together(unsigned count) {
+    UnCompiledFormat format;
+    activate_first_components(format, count);
+    append_rule(format, 9, 0, HighLevelMachine::every_component(count, 3));
+    return always({format});
+}
+
+ProcessPointer together(ProcessPointer const& argument, unsigned count) {
+    return construct("Together", std::vector(count, argument), together(count));
+}
+
+/// A state with `width` successors by 3, and those.
+ProcessPointer fan(unsigned width) {
+    Rows rows(width + 1);
+    for (unsigned target = 1; target <= width; ++target) {
+        rows[0].emplace_back(3, target);
+    }
+    return leaf("fan", rows);
+}
+
+TEST(MachineRun, tables_of_every_shape_give_the_states_that_there_are) {
+    Rows many_events(200);
+    Rows alternating(9'000);
+    for (unsigned state = 0; state < 200; ++state) {
+        many_events[state].emplace_back(10 + state, (state + 1) % 200);
+    }
+    for (unsigned state = 0; state < 9'000; ++state) {
+        alternating[state].emplace_back(10 + state % 2, (state + 1) % 9'000);
+    }
+    struct {
+        char const* what;
+        ProcessPointer term;
+        StateNumber states;
+        std::uint64_t transitions;
+    } const rows[] = {
+        {"several blocks of rules", construct("C", {leaf("m", many_events), ring("a", 3, 3)}), 600,
+         1'200},
+        {"a leaf too large to filter", construct("C", {leaf("l", alternating), ring("a", 3, 3)}),
+         27'000, 54'000},
+        {"states of several words", together(ring("a", 200, 3), 20), 200, 200},
+        {"more slots without bits than a word has", together(ring("a", 1, 3), 70), 1, 1},
+        {"choices of several", construct("C", {together(fan(7), 2), ring("a", 3, 3)}), 150, 297},
+        {"choices of two large ones", together(fan(200), 2), 40'001, 40'000},
+    };
+    for (auto const& row : rows) {
+        auto const found = explore_term(row.term).run;
+        EXPECT_EQ(found.state_count, row.states) << row.what;
+        EXPECT_EQ(found.transition_count, row.transitions) << row.what;
+    }
+}
+
 TEST(MachineRun, a_transition_that_is_reported_twice_counts_once) {
     UnCompiledFormat const ends;
     auto const both_do_9 = format_of({0, 1}, {{9, 0, {{0, 3}}}, {9, 0, {{1, 3}}}});
     ProcessPointer const loop_a = leaf("a", {{{3, 0}}});
     ProcessPointer const loop_b = leaf("b", {{{3, 0}}});
     ProcessPointer const fork = leaf("f", {{{3, 1}, {3, 2}}, {}, {}});
-    Testing::Rows wide(1);
-    std::vector<Testing::PlainRule> many;
+    Rows wide(1);
+    std::vector<PlainRule> many;
     for (unsigned event = 3; event < 43; ++event) { // more than is searched from the begin
         wide[0].emplace_back(event, 0);
         many.push_back({9, 0, {{0, event}}});
@@ -106,10 +157,7 @@ TEST(MachineRun, a_limit_on_states_leaves_as_many_and_drops_the_row) {
     for (StateNumber const limit : {0U, 1U, 2U, 5U, 40U, 63U, 64U, 65U}) {
         for (unsigned const threads : {1U, 3U}) {
             for (bool const keep : {false, true}) {
-                RunOptions options;
-                options.max_states = limit;
-                options.threads = threads;
-                options.keep_transitions = keep;
+                RunOptions const options{{limit}, keep, threads};
                 auto const found = explore_term(term, options).run;
                 EXPECT_EQ(found.outcome, limit < 64 ? Outcome::state_limit : Outcome::complete);
                 EXPECT_EQ(found.state_count, std::min(limit, 64U));
@@ -130,28 +178,23 @@ TEST(MachineRun, a_limit_on_states_leaves_as_many_and_drops_the_row) {
 TEST(MachineRun, memory_and_progress_can_end_it) {
     Progress seen;
     unsigned calls = 0;
-    auto const stop_at_second_call = [&](Progress const& progress) {
+    auto const stop_at_tenth_call = [&](Progress const& progress) {
         seen = progress;
-        return ++calls < 2;
+        return ++calls < 10;
     };
     struct {
         std::uint64_t max_memory;
-        std::function<bool(Progress const&)> progress;
+        Watch progress;
         Outcome outcome;
     } const rows[] = {{1, nullptr, Outcome::memory_limit},
-                      {0, stop_at_second_call, Outcome::interrupted}};
+                      {0, stop_at_tenth_call, Outcome::interrupted}};
     auto const machine = machine_of(rings(12, 4)); // long enough for several looks around
     for (auto const& row : rows) {
         for (unsigned const threads : {1U, 2U}) {
-            MachineStates states(*machine);
-            RunOptions options;
-            options.keep_transitions = false;
-            options.max_states = 1U << 20;
-            options.max_memory = row.max_memory;
-            options.progress = row.progress;
-            options.threads = threads;
+            ConfigurationTables tables(*machine);
+            RunOptions options{{1U << 20, row.max_memory, row.progress}, false, threads};
             calls = 0;
-            auto const found = run(states, options);
+            auto const found = run(tables, options);
             EXPECT_EQ(found.outcome, row.outcome);
             EXPECT_EQ(found.transition_count % 12, 0U);
             if (row.progress) {
@@ -161,6 +204,60 @@ TEST(MachineRun, memory_and_progress_can_end_it) {
                 EXPECT_EQ(seen.frontier, seen.states - seen.explored);
                 EXPECT_GT(seen.depth, 0U);
                 EXPECT_LE(seen.depth, 12U * 3U);
+            }
+        }
+    }
+}
+
+/// `count` processes that do 3, and one of two things by it, join on it one after another: there are
+/// 2^count flat rules of as many participants.
+ProcessPointer chain(unsigned count) {
+    auto const either = [](unsigned number) {
+        std::string const name = std::to_string(number);
+        return construct("Either" + name, {ring("a" + name, 2, 3), ring("b" + name, 2, 3)});
+    };
+    ProcessPointer term = either(0);
+    for (unsigned i = 1; i < count; ++i) {
+        UnCompiledFormat const joined = format_of({0, 1}, {{3, 0, {{0, 3}, {1, 3}}}});
+        term = construct("Chain" + std::to_string(i), {term, either(i)}, always({joined}));
+    }
+    return term;
+}
+
+TEST(MachineRun, what_a_machine_needs_before_its_first_states_is_watched_too) {
+    constexpr std::uint64_t mib = 1 << 20;
+    constexpr std::chrono::milliseconds watched(100);
+    auto const start = std::chrono::steady_clock::now;
+    auto begin = start();
+    auto const after_a_while = [&](Progress const&) { return start() - begin < watched; };
+    struct {
+        char const* what;
+        ProcessPointer term;
+        std::uint64_t memory;
+        Watch progress;
+        Outcome outcome;
+    } const rows[] = {
+        {"flattening meets the limit", chain(20), 60 * mib, nullptr, Outcome::memory_limit},
+        {"flattening hears", chain(20), 0, after_a_while, Outcome::interrupted},
+        {"one state has too many successors", together(fan(1'000), 2), 20 * mib, nullptr,
+         Outcome::memory_limit},
+        {"more successors than can be counted", together(fan(1'024), 7), 0, nullptr,
+         Outcome::memory_limit},
+    };
+    for (auto const& row : rows) {
+        for (unsigned const threads : {1U, 3U}) {
+            std::uint64_t const held = resident_bytes();
+            std::uint64_t const peak = peak_resident_bytes();
+            begin = start();
+            RunOptions const options{
+                {no_state, row.memory == 0 ? 0 : held + row.memory, row.progress}, true, threads};
+            auto const found = explore_term(row.term, options);
+            EXPECT_EQ(found.run.outcome, row.outcome) << row.what;
+            EXPECT_EQ(found.run.refusal, "") << row.what;
+            EXPECT_EQ(found.run.transition_count, 0U) << row.what;
+            EXPECT_LT(start() - begin, watched * 20) << row.what;
+            if (row.memory != 0) {
+                EXPECT_LE(peak_resident_bytes(), std::max(peak, held + 2 * row.memory)) << row.what;
             }
         }
     }
@@ -179,7 +276,7 @@ TEST(MachineRun, what_cannot_be_compiled_or_run_is_refused) {
         char const* what;
         ProcessPointer term;
         std::uint64_t max_memory;
-        std::function<bool(Progress const&)> progress;
+        Watch progress;
         std::string refusal;
         Outcome outcome;
     } const rows[] = {
@@ -192,8 +289,14 @@ TEST(MachineRun, what_cannot_be_compiled_or_run_is_refused) {
         {"no memory to compile", long_compiled, 1, nullptr,
          "while it was compiled, " + std::string(describe(Outcome::memory_limit)),
          Outcome::complete},
-        {"interrupted while compiled", long_compiled, 0, [](Progress const&) { return false; }, "",
-         Outcome::interrupted},
+        {"interrupted while compiled", long_compiled, 0, give_up, "", Outcome::interrupted},
+        {"an event of a leaf",
+         construct("C", {ring("c", 1, most_event + 1)}, always({leads_to(4, 0)})), 0, nullptr,
+         "it has an event whose number is above 2147483647", Outcome::complete},
+        {"an event of a construct",
+         construct("C", {a},
+                   always({format_of({0}, {{4, 0, {{0, 3}}}}), leads_to(most_event + 1, 0)})),
+         0, nullptr, "it has an event whose number is above 2147483647", Outcome::complete},
     };
     for (auto const& row : rows) {
         RunOptions options;
@@ -203,7 +306,7 @@ TEST(MachineRun, what_cannot_be_compiled_or_run_is_refused) {
         EXPECT_EQ(found.run.refusal, row.refusal) << row.what;
         EXPECT_EQ(found.run.outcome, row.outcome) << row.what;
         EXPECT_EQ(found.machine, nullptr) << row.what;
-        EXPECT_EQ(found.states, nullptr) << row.what;
+        EXPECT_EQ(found.tables, nullptr) << row.what;
     }
 }
 
@@ -212,7 +315,7 @@ TEST(MachineRun, what_cannot_be_compiled_or_run_is_refused) {
 ProcessPointer growing() {
     std::vector<ProcessPointer> arguments{leaf("a", {{{3, 1}}, {{3, 2}}, {{3, 0}, {4, 0}}})};
     std::vector<unsigned> active{0};
-    std::vector<Testing::PlainRule> rules{{3, 0, {{0, 3}}}, {9, 1, {{0, 4}}}};
+    std::vector<PlainRule> rules{{3, 0, {{0, 3}}}, {9, 1, {{0, 4}}}};
     std::vector<UnCompiledFormat> formats{format_of(active, rules)};
     for (unsigned format = 1; format < 5; ++format) {
         unsigned const first = 3 * format - 2;
@@ -221,7 +324,7 @@ ProcessPointer growing() {
             active.push_back(argument);
         }
         rules.push_back({4 + format, format, {{first, 5}, {first + 1, 5}, {first + 2, 5}}});
-        for (Testing::PlainRule& rule : rules) {
+        for (PlainRule& rule : rules) {
             rule.target_format = rule.event == 9 ? (format + 1) % 5 : format;
         }
         formats.push_back(format_of(active, rules));
@@ -239,19 +342,19 @@ TEST(MachineRun, the_number_of_threads_makes_no_difference) {
                       {"states that become wider", growing(), 60'000, true}};
     for (auto const& row : rows) {
         auto const machine = machine_of(row.term);
-        MachineStates wide_already(*machine);
+        ConfigurationTables wide_already(*machine);
         RunOptions options;
         options.max_states = row.max_states;
-        run(wide_already, options);
+        ASSERT_EQ(run(wide_already, options).refusal, "");
         auto const wanted = run(wide_already, options);
         ASSERT_EQ(wanted.state_count, row.grows ? row.max_states : 4096U);
         ASSERT_EQ(wide_already.met(), row.grows ? 5U : 1U);
         Rows const wanted_rows = rows_of(wanted.lts);
         for (unsigned const threads : {1U, 2U, 4U}) {
-            MachineStates states(*machine);
-            EXPECT_EQ(states.width() < wide_already.width(), row.grows) << "nothing to widen";
+            ConfigurationTables tables(*machine);
+            EXPECT_EQ(tables.width() < wide_already.width(), row.grows) << "nothing to widen";
             options.threads = threads;
-            auto const found = run(states, options);
+            auto const found = run(tables, options);
             EXPECT_EQ(found.outcome, wanted.outcome) << row.what;
             EXPECT_EQ(found.state_count, wanted.state_count) << row.what;
             EXPECT_EQ(found.transition_count, wanted.transition_count) << row.what;
@@ -291,8 +394,8 @@ TEST(MachineRun, tells_which_slots_take_part_in_a_step) {
         EXPECT_EQ(slots_taking_part(found, row.source, row.event, row.target), row.slots)
             << row.source << " " << row.event << " " << row.target;
     }
-    EXPECT_EQ(components_in(found, 1), (Numbers{0, 1, 2}));
-    EXPECT_EQ(components_in(found, 2), (Numbers{2, 1}));
+    EXPECT_EQ(leaves_in(found, 1), (Numbers{0, 1, 2}));
+    EXPECT_EQ(leaves_in(found, 2), (Numbers{2, 1}));
 }
 
 } // namespace

@@ -1,11 +1,10 @@
-#include "state_space/machine/term_graph.h"
+#include "state_space/machine/compile/term_graph.h"
 #include "tests/state_space/machine/fake_construct.h"
+#include "tests/state_space/stack_of_size.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <pthread.h>
-#include <random>
 
 namespace Calder::StateSpace {
 namespace {
@@ -13,9 +12,7 @@ namespace {
 using ProcessCompiler::NamedProcess;
 using ProcessCompiler::NamedProcessSource;
 using ProcessCompiler::ProcessPointer;
-using Testing::CompilationLevel;
-using Testing::FakeConstruct;
-using Testing::leaf;
+using namespace Testing;
 
 using Names = std::vector<std::string>;
 using Terms = std::vector<ProcessPointer>;
@@ -40,7 +37,7 @@ ProcessPointer low(std::string name, Terms const& terms, std::set<unsigned> forb
 
 std::string name_of(TermGraph::Vertex const& vertex) {
     return vertex.is_name ? static_cast<NamedProcess const&>(*vertex.term).name()
-                          : static_cast<Testing::FakeProcess const&>(*vertex.term).name;
+                          : static_cast<FakeProcess const&>(*vertex.term).name;
 }
 
 Names constructs_of(TermGraph const& graph) {
@@ -85,32 +82,6 @@ TEST(MachineTermGraph, a_term_is_a_construct_if_it_or_something_inside_prefers_t
     }
 }
 
-TEST(MachineTermGraph, equal_terms_are_one_vertex) {
-    auto const same = [] { return high("S", {leaf("a", {{}}), leaf("a", {{}})}); };
-    TermGraph const graph = make_term_graph(high("R", {same(), leaf("b", {{}}), same()}), {});
-    ASSERT_EQ(graph.vertices.size(), 4U);
-    EXPECT_EQ(graph.vertices[0].next, (std::vector<VertexNumber>{1, 2, 1}));
-    EXPECT_EQ(graph.vertices[1].next, (std::vector<VertexNumber>{3, 3}));
-    EXPECT_EQ(name_of(graph.vertices[2]), "b0");
-}
-
-TEST(MachineTermGraph, a_name_leads_to_what_it_stands_for) {
-    NamedProcessSource source;
-    source.define("P", high("H", {source.reference("Q")}));
-    source.define("Q", leaf("a", {{}}));
-    TermGraph const graph = make_term_graph(source.reference("P"), source);
-    ASSERT_EQ(graph.vertices.size(), 4U);
-    Names names;
-    for (TermGraph::Vertex const& vertex : graph.vertices) {
-        names.push_back(name_of(vertex));
-        EXPECT_EQ(vertex.is_name, names.back() == "P" || names.back() == "Q");
-    }
-    EXPECT_EQ(names, (Names{"P", "H", "Q", "a0"}));
-    for (VertexNumber vertex = 0; vertex < 3; ++vertex) {
-        EXPECT_EQ(graph.vertices[vertex].next, std::vector<VertexNumber>{vertex + 1});
-    }
-}
-
 TEST(MachineTermGraph, recursion_is_refused_where_a_construct_forbids_it) {
     struct {
         char const* what;
@@ -149,53 +120,6 @@ TEST(MachineTermGraph, recursion_is_refused_where_a_construct_forbids_it) {
     }
 }
 
-/// By vertex: what can be reached from it in any number of steps.
-std::vector<std::set<VertexNumber>> reachable(TermGraph const& graph) {
-    std::vector<std::set<VertexNumber>> found(graph.vertices.size());
-    for (VertexNumber start = 0; start < graph.vertices.size(); ++start) {
-        std::vector<VertexNumber> waiting{start};
-        while (!waiting.empty()) {
-            VertexNumber const vertex = waiting.back();
-            waiting.pop_back();
-            if (found[start].insert(vertex).second) {
-                auto const& next = graph.vertices[vertex].next;
-                waiting.insert(waiting.end(), next.begin(), next.end());
-            }
-        }
-    }
-    return found;
-}
-
-TEST(MachineTermGraph, components_are_what_reaches_each_other_and_come_after_what_they_lead_to) {
-    for (unsigned seed = 0; seed < 40; ++seed) {
-        std::mt19937 random(seed);
-        NamedProcessSource source;
-        unsigned const size = 3 + seed / 2;
-        for (unsigned i = 0; i < size; ++i) {
-            Terms arguments;
-            for (unsigned count = static_cast<unsigned>(random() % 3); count > 0; --count) {
-                arguments.push_back(source.reference(std::to_string(random() % size)));
-            }
-            source.define(std::to_string(i), low("C" + std::to_string(i), arguments));
-        }
-        TermGraph const graph = make_term_graph(source.reference("0"), source);
-        auto const reached = reachable(graph);
-        std::vector<std::size_t> component_of(graph.vertices.size(), graph.components.size());
-        for (std::size_t number = 0; number < graph.components.size(); ++number) {
-            for (VertexNumber const member : graph.components[number]) {
-                component_of[member] = number;
-            }
-        }
-        for (VertexNumber i = 0; i < graph.vertices.size(); ++i) {
-            ASSERT_LT(component_of[i], graph.components.size()) << seed;
-            for (VertexNumber const j : reached[i]) {
-                ASSERT_EQ(component_of[i] == component_of[j], reached[j].count(i) > 0) << seed;
-                ASSERT_GE(component_of[i], component_of[j]) << seed;
-            }
-        }
-    }
-}
-
 void follow_a_long_chain_of_names() {
     constexpr unsigned length = 100'000;
     NamedProcessSource source;
@@ -212,17 +136,7 @@ void follow_a_long_chain_of_names() {
 }
 
 TEST(MachineTermGraph, a_long_chain_of_names_needs_no_stack) {
-    pthread_attr_t attributes;
-    ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{1} << 20), 0);
-    pthread_t thread{};
-    auto const body = [](void*) -> void* {
-        follow_a_long_chain_of_names();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, body, nullptr), 0);
-    ASSERT_EQ(pthread_join(thread, nullptr), 0);
-    pthread_attr_destroy(&attributes);
+    run_with_stack(std::size_t{1} << 20, follow_a_long_chain_of_names);
 }
 
 } // namespace

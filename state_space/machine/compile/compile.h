@@ -1,0 +1,34 @@
+#pragma once
+
+#include "state_space/machine/compile/machine.h"
+#include "state_space/machine/compile/term_graph.h"
+#include "state_space/search_monitor.h"
+
+#include <string>
+
+namespace Calder::StateSpace {
+
+struct Compilation {
+    /// Null when there is none.
+    std::unique_ptr<Machine const> machine;
+    /// Why the term cannot be compiled, a part of a sentence; empty when the outcome says it.
+    std::string refusal;
+    Outcome outcome = Outcome::complete;
+};
+
+struct CompilationOptions {
+    /// A leaf with more states refuses the compilation: the network around it may reach only few of
+    /// them.
+    StateNumber max_leaf_states = 1'000'000;
+    std::uint64_t max_memory = 0;
+    std::function<bool(Progress const&)> progress = nullptr;
+};
+
+/// Compiles the start of the graph by what the constructs say of themselves; no construct is known
+/// here. Refuses a graph in which recursion was refused, and events above `most_event`. The demands
+/// on `source` are those of `explore`.
+[[nodiscard]] Compilation compile(TermGraph graph,
+                                  ProcessCompiler::NamedProcessSource const& source,
+                                  CompilationOptions const& options = {});
+
+} // namespace Calder::StateSpace

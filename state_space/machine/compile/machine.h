@@ -1,0 +1,47 @@
+#pragma once
+
+#include "process_compiler/process.h"
+#include "state_space/machine/compile/leaf.h"
+
+#include <memory>
+#include <vector>
+
+namespace Calder::StateSpace {
+
+using PartNumber = std::uint32_t;
+constexpr std::uint32_t none = 0xFFFFFFFF;
+
+/// The largest number of an event: the bit above marks the events of steps that may repeat.
+constexpr unsigned most_event = 0x7FFFFFFF;
+
+/// Where the argument stands among those that run in the format; `none` when it does not run.
+[[nodiscard]] std::uint32_t place_of(unsigned argument,
+                                     HighLevelMachine::UnCompiledFormat const& format) noexcept;
+
+/// A piece of a machine: a leaf, or a construct with its formats over other parts.
+struct Part {
+    ProcessCompiler::ProcessPointer term;
+    /// What it can perform: of a leaf exactly what some state does; of a construct, the events of
+    /// the rules that can fire given the alphabets of its arguments.
+    BitSet alphabet{};
+    /// The number of the leaf; `none` for a construct.
+    std::uint32_t leaf = none;
+    std::vector<PartNumber> arguments{};
+    ProcessCompiler::Formats formats{};
+    /// By format: the argument that it lets through unchanged and alone; `none` for all others.
+    std::vector<std::uint32_t> passed_through{};
+
+    [[nodiscard]] bool is_construct() const noexcept { return leaf == none; }
+};
+
+/// A term compiled: a tree of constructs, each with formats and rules, and explicit transition
+/// systems as its leaves. It is kept as a graph: what occurs twice stands there once, and what
+/// recurs leads back.
+struct Machine {
+    PartNumber start = 0;
+    std::vector<Part> parts;
+    /// Equal terms are one leaf.
+    std::vector<std::unique_ptr<Leaf const>> leaves;
+};
+
+} // namespace Calder::StateSpace

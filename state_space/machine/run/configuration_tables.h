@@ -1,0 +1,77 @@
+#pragma once
+
+#include "state_space/machine/flatten/flattening.h"
+#include "state_space/machine/run/successor_table.h"
+
+#include <memory>
+
+namespace Calder::StateSpace {
+
+/// The tables of a machine's configurations, by which its states are read and their successors
+/// found; each is made when the first state of its configuration is met.
+///
+/// A machine that never leaves its first configuration has states that are nothing but their slots.
+/// In all others the first 32 bits of a state are the number of its configuration.
+class ConfigurationTables {
+  public:
+    /// Throws MachineRefusal when the machine has no first configuration.
+    explicit ConfigurationTables(Machine const& machine);
+    ConfigurationTables(ConfigurationTables const&) = delete;
+    ConfigurationTables& operator=(ConfigurationTables const&) = delete;
+
+    /// Makes the table of the first configuration, if it was not made; comes before all of the
+    /// following but what tells of leaves. Throws what `table` throws.
+    void make_first(SearchMonitor& monitor);
+
+    /// Enough for the words of every configuration met so far and of all that these lead to.
+    [[nodiscard]] std::uint32_t width() const noexcept { return m_width; }
+
+    /// The state in which the machine starts, `width` words long.
+    [[nodiscard]] std::vector<Word> start() const;
+
+    [[nodiscard]] ConfigurationNumber configuration_of(Word const* state) const noexcept {
+        return m_is_static ? m_start : static_cast<ConfigurationNumber>(*state & 0xFFFFFFFF);
+    }
+
+    /// The table for the configuration, which is made if it is new; then `width` may have grown.
+    /// Tables stay where they are. Throws MachineRefusal, and SearchEnded when the monitor says so.
+    SuccessorTable const& table(ConfigurationNumber number, SearchMonitor& monitor) {
+        return is_met(number) ? *m_tables[number] : make_table(number, monitor);
+    }
+
+    /// Of a configuration that was met.
+    [[nodiscard]] SuccessorTable const& table(ConfigurationNumber number) const noexcept {
+        return *m_tables[number];
+    }
+    [[nodiscard]] FlatRules const& rules(ConfigurationNumber number) const noexcept {
+        return *m_flattening.known_rules(number);
+    }
+
+    /// The leaves in the slots of a configuration.
+    [[nodiscard]] std::vector<std::uint32_t> leaves(ConfigurationNumber number) const {
+        return m_configurations.leaves(number);
+    }
+    [[nodiscard]] std::vector<std::uint32_t> start_leaves() const { return leaves(m_start); }
+
+    /// How many configurations have been met.
+    [[nodiscard]] std::size_t met() const noexcept { return m_met; }
+
+  private:
+    [[nodiscard]] bool is_met(ConfigurationNumber number) const noexcept {
+        return number < m_tables.size() && m_tables[number] != nullptr;
+    }
+    SuccessorTable const& make_table(ConfigurationNumber number, SearchMonitor& monitor);
+    Layout const& layout(ConfigurationNumber number);
+
+    Machine const& m_machine;
+    Configurations m_configurations;
+    Flattening m_flattening{m_configurations};
+    ConfigurationNumber m_start;
+    bool m_is_static = false;
+    std::uint32_t m_width = 1;
+    std::size_t m_met = 0;
+    std::vector<std::unique_ptr<Layout const>> m_layouts;        // by configuration
+    std::vector<std::unique_ptr<SuccessorTable const>> m_tables; // by configuration
+};
+
+} // namespace Calder::StateSpace

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+namespace Calder::StateSpace {
+
+/// Storage for `bytes`, not initialised, aligned to a cache line. What is at least 2 MiB is mapped
+/// for itself, aligned to that, and asks the system for pages of that size: a table that is entered
+/// at random touches more small pages than the processor keeps translations for. Pages never
+/// written to take no memory. Throws std::bad_alloc.
+[[nodiscard]] void* allocate_large(std::size_t bytes);
+
+/// `bytes` as it was asked for.
+void free_large(void* storage, std::size_t bytes) noexcept;
+
+struct FreeLarge {
+    std::size_t bytes = 0;
+
+    void operator()(void* storage) const noexcept { free_large(storage, bytes); }
+};
+
+/// An array of elements that need neither construction nor destruction.
+template <typename T> using LargeArray = std::unique_ptr<T[], FreeLarge>;
+
+template <typename T> [[nodiscard]] LargeArray<T> make_large_array(std::size_t count) {
+    std::size_t const bytes = count * sizeof(T);
+    return LargeArray<T>(static_cast<T*>(allocate_large(bytes)), FreeLarge{bytes});
+}
+
+} // namespace Calder::StateSpace

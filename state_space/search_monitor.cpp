@@ -1,0 +1,55 @@
+#include "state_space/search_monitor.h"
+
+#include "state_space/memory.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace Calder::StateSpace {
+
+namespace {
+
+constexpr std::chrono::milliseconds wanted_between_looks(10);
+
+} // namespace
+
+std::string_view describe(Outcome outcome) {
+    switch (outcome) {
+    case Outcome::complete: return "every state was explored";
+    case Outcome::state_limit: return "the limit on states was reached";
+    case Outcome::memory_limit: return "the limit on memory was reached";
+    case Outcome::nesting_limit: return "the process nests too deeply for the stack";
+    case Outcome::interrupted: return "it was interrupted";
+    }
+    return "";
+}
+
+bool SearchMonitor::look_around(Progress const& progress, std::uint64_t growth) {
+    m_progress = progress;
+    m_progress.memory = resident_bytes();
+    if (m_options.max_memory != 0 && m_progress.memory + growth > m_options.max_memory) {
+        return stop(Outcome::memory_limit);
+    }
+    if (m_options.progress && !m_options.progress(m_progress)) {
+        return stop(Outcome::interrupted);
+    }
+    adapt_interval();
+    return true;
+}
+
+std::uint64_t SearchMonitor::memory_left() const noexcept {
+    return m_options.max_memory == 0
+               ? std::numeric_limits<std::uint64_t>::max()
+               : m_options.max_memory - std::min(m_options.max_memory, m_progress.memory);
+}
+
+void SearchMonitor::adapt_interval() {
+    Clock::time_point const now = Clock::now();
+    m_interval = now - m_last_look > wanted_between_looks
+                     ? std::max<std::uint64_t>(m_interval / 2, 1)
+                     : std::min(m_interval * 2, m_longest_interval);
+    m_until_look = m_interval;
+    m_last_look = now;
+}
+
+} // namespace Calder::StateSpace

@@ -1,0 +1,89 @@
+#include "tools/leaf_names.h"
+
+#include <sstream>
+
+namespace Calder::Tools {
+
+namespace {
+
+constexpr std::int32_t most_characters = 40;
+
+/// The printed text without the blanks and line ends at its ends.
+std::string trimmed(std::string const& text) {
+    std::size_t const first = text.find_first_not_of(" \n");
+    std::size_t const last = text.find_last_not_of(" \n");
+    return first == std::string::npos ? "" : text.substr(first, last - first + 1);
+}
+
+using NamesOfTerms = std::unordered_map<ProcessCompiler::Process const*, std::string>;
+
+NamesOfTerms names_of_terms(Script::Script const& script) {
+    NamesOfTerms names;
+    for (Script::Script::Definition const& definition : script.definitions()) {
+        names.try_emplace(definition.term.get(), definition.name);
+        names.try_emplace(definition.body.get(), definition.name);
+    }
+    return names;
+}
+
+} // namespace
+
+LeafNames::LeafNames(Script::Script const& script, StateSpace::Machine const& machine) {
+    NamesOfTerms const names = names_of_terms(script);
+    for (auto const& leaf : machine.leaves) {
+        auto const found = names.find(leaf->term().get());
+        m_names.push_back(found != names.end() ? found->second
+                                               : short_text(*leaf->term(), script.session()));
+    }
+}
+
+std::vector<std::string> LeafNames::names(std::vector<std::uint32_t> const& leaves) const {
+    std::unordered_map<std::string, unsigned> counts;
+    for (std::uint32_t const leaf : leaves) {
+        ++counts[m_names[leaf]];
+    }
+    std::unordered_map<std::string, unsigned> seen;
+    std::vector<std::string> result;
+    for (std::uint32_t const leaf : leaves) {
+        std::string const& own = m_names[leaf];
+        result.push_back(counts[own] == 1 ? own : own + "#" + std::to_string(++seen[own]));
+    }
+    return result;
+}
+
+std::string names_taking_part(LeafNames const& names,
+                              StateSpace::MachineExploration const& exploration,
+                              StateSpace::StateNumber source, unsigned event,
+                              StateSpace::StateNumber target) {
+    std::vector<std::string> const all = names.names(leaves_in(exploration, source));
+    std::string text;
+    for (std::uint32_t const slot : slots_taking_part(exploration, source, event, target)) {
+        text += (text.empty() ? "" : ", ") + all[slot];
+    }
+    return text;
+}
+
+std::string short_text(ProcessCompiler::Process const& term,
+                       ProcessCompiler::Session const& session) {
+    std::ostringstream text;
+    {
+        ProcessCompiler::Printer printer(text, &session);
+        printer.abbreviate = true;
+        printer.remaining_characters = most_characters;
+        term.pretty_print(printer);
+    }
+    return trimmed(text.str());
+}
+
+std::string operator_text(ProcessCompiler::Process const& construct,
+                          ProcessCompiler::Session const& session) {
+    std::ostringstream text;
+    {
+        ProcessCompiler::Printer printer(text, &session);
+        printer.abbreviate = true;
+        construct.pretty_print_operator(printer);
+    }
+    return trimmed(text.str());
+}
+
+} // namespace Calder::Tools
