@@ -41,11 +41,11 @@ template <typename Successors, typename TakeCycle, typename TakeLoop> class Cycl
         while (!m_path.empty()) {
             Vertex& last = m_vertices[m_path.back()];
             auto const& successors = m_successors(m_path.back());
-            if (last.followed < successors.size()) {
-                follow(last, successors[last.followed++]);
-            } else {
+            if (last.followed == successors.size()) {
                 leave(m_path.back());
+                continue;
             }
+            follow(last, successors[last.followed++]);
         }
     }
 

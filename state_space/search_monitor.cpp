@@ -24,6 +24,11 @@ std::string_view describe(Outcome outcome) {
     return "";
 }
 
+SearchMonitor::SearchMonitor(ExplorationOptions const& options, std::uint64_t longest_interval)
+    : m_options(options), m_longest_interval(longest_interval) {
+    m_progress.memory = options.max_memory == 0 ? 0 : resident_bytes();
+}
+
 bool SearchMonitor::look_around(Progress const& progress, std::uint64_t growth) {
     m_progress = progress;
     m_progress.memory = resident_bytes();

@@ -65,8 +65,7 @@ class SearchMonitor {
     static constexpr std::uint64_t longest_for_machines = 65536;
 
     /// The options must outlive it.
-    SearchMonitor(ExplorationOptions const& options, std::uint64_t longest_interval)
-        : m_options(options), m_longest_interval(longest_interval) {}
+    SearchMonitor(ExplorationOptions const& options, std::uint64_t longest_interval);
     SearchMonitor(SearchMonitor const&) = delete;
     SearchMonitor& operator=(SearchMonitor const&) = delete;
 
@@ -100,7 +99,7 @@ class SearchMonitor {
         }
     }
 
-    /// What was left up to the limit at the last look, in bytes.
+    /// What was left up to the limit at the last look, or at first, in bytes.
     [[nodiscard]] std::uint64_t memory_left() const noexcept;
 
   private:
