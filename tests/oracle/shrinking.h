@@ -1,13 +1,35 @@
 #pragma once
 
-#include "tests/oracle/environment.h"
 #include "tests/oracle/plain_term.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstdlib>
 #include <iostream>
+#include <string>
 
 namespace Calder::Oracle {
+
+/// The seeds that a random test tries. CALDER_MODELS says how many they are, so that a run can be
+/// widened, and CALDER_SEED which is the first: the model that failed is the first one of its seed.
+struct SeedRange {
+    std::uint64_t first;
+    std::uint64_t end;
+
+    std::string text() const {
+        return "seeds " + std::to_string(first) + " to " + std::to_string(end - 1);
+    }
+};
+
+inline SeedRange seeds_from_environment(std::uint64_t models) {
+    auto const number = [](char const* name, std::uint64_t otherwise) {
+        char const* const text = std::getenv(name);
+        return text == nullptr ? otherwise : std::strtoull(text, nullptr, 10);
+    };
+    std::uint64_t const first = number("CALDER_SEED", 1);
+    return {first, first + number("CALDER_MODELS", models)};
+}
 
 /// The smallest model that still fails and that greedy steps from `model`, which fails, lead to.
 template <typename Fails> Model shrunk(Model model, Fails const& fails) {
@@ -25,7 +47,7 @@ template <typename Fails> Model shrunk(Model model, Fails const& fails) {
 }
 
 /// Fails with the smallest model that differs, of the first seed whose model does. CALDER_SEED
-/// replays it, CALDER_MODELS says how many are tried; see environment.h.
+/// replays it, CALDER_MODELS says how many are tried.
 template <typename ModelOf, typename DifferenceIn>
 void expect_no_difference(std::uint64_t models, ModelOf const& model_of,
                           DifferenceIn const& difference_in) {
