@@ -46,8 +46,8 @@ struct CartProductScratch {
 
     /// Sets the run of argument `index` to its entries on `event`, leaving out the last
     /// `left_out` entries of its sorted vector. False when there is none.
-    bool find_run(SyncVectors const& vectors, std::size_t index, unsigned event,
-                  std::size_t left_out = 0);
+    [[nodiscard]] bool find_run(SyncVectors const& vectors, std::size_t index, unsigned event,
+                                std::size_t left_out = 0);
 
     OwningArray<ProcessPointer> joint_arguments;
     IndexArray start;
@@ -75,12 +75,12 @@ struct SynchronisedVisit {
     }
 
     /// Combines what was kept, on each event of `synchronised` that every argument can perform.
-    bool combine_on(BitSet const& synchronised) {
+    [[nodiscard]] bool combine_on(BitSet const& synchronised) {
         sort_sync_vectors(vectors);
         return cart_product_synchronised_events(synchronised, vectors, arguments, visitor, op);
     }
     /// Combines the runs of `scratch`; the whole performs `event`.
-    bool combine(CartProductScratch& scratch, unsigned event) const {
+    [[nodiscard]] bool combine(CartProductScratch& scratch, unsigned event) const {
         return cart_product(arguments, vectors, scratch.start, scratch.end, scratch.joint_arguments,
                             scratch.current, visitor, event, op);
     }

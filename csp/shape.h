@@ -11,7 +11,7 @@ namespace Calder::ProcessCompiler::CSP {
 /// What a row says of arguments, by their index.
 enum class Arguments { none, first, second, all_but_first, every };
 
-constexpr bool holds_for(Arguments which, unsigned index) {
+[[nodiscard]] constexpr bool holds_for(Arguments which, unsigned index) {
     switch (which) {
     case Arguments::none: return false;
     case Arguments::first: return index == 0;
@@ -33,7 +33,7 @@ enum class SameOperator { of_its_kind, with_equal_parameters };
 template <typename Answer> using Asked = std::optional<Answer>;
 constexpr std::nullopt_t never_asked = std::nullopt;
 
-template <typename Answer> constexpr Answer answer_of(Asked<Answer> const& asked) {
+template <typename Answer> [[nodiscard]] constexpr Answer answer_of(Asked<Answer> const& asked) {
     if (!asked) {
         std::abort();
     }

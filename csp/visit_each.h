@@ -6,8 +6,9 @@ namespace Calder::ProcessCompiler::CSP {
 
 /// Asks the arguments one after the other for their transitions, while `moving` tells the visitor
 /// whose they are. Returns false, at once, when one of them does.
-inline bool visit_each(ProcessArray const& arguments, unsigned& moving,
-                       NamedProcessSource const& source, TransitionVisitor const& visitor) {
+[[nodiscard]] inline bool visit_each(ProcessArray const& arguments, unsigned& moving,
+                                     NamedProcessSource const& source,
+                                     TransitionVisitor const& visitor) {
     for (moving = 0; moving < arguments.size(); ++moving) {
         if (!arguments[moving]->visit_transitions(source, visitor)) {
             return false;
