@@ -20,8 +20,9 @@ namespace Calder::PrettyPrinter {
 /// pieces at a width, cuts long pieces, and stops when a character budget is spent.
 ///
 /// Text is collected in `pending_text` until `end_piece` or a newline makes a piece of it; the
-/// pieces of a line are written when the line ends. So nothing appears before a newline or the
-/// destructor, and a line is broken only where a piece ends. All lengths are in bytes.
+/// pieces of a line are written when the line ends. So but for the indentation nothing appears
+/// before a newline, `flush` or the destructor, and a line is broken only where a piece ends. All
+/// lengths are in bytes.
 ///
 /// `Session` is whatever the printed things need to name themselves. The members are public because
 /// the things that print read and set them.

@@ -9,7 +9,7 @@ namespace Calder::ProcessCompiler::CSP {
 /// its own. Tick belongs to every alphabet.
 ///
 ///     Pi --e--> Pi' for all i with e in Ai, and Pi' = Pi for the others
-///     ------------------------------------------------------------------- e in some Ai;
+///     ------------------------------------------------------------------- e in some Ai, not tau;
 ///     || (A1, P1) .. (An, Pn)  --e-->  || (A1, P1') .. (An, Pn')          for tick, to STOP
 ///
 ///     Pi --tau--> Pi'

@@ -8,10 +8,10 @@ namespace Calder::ProcessCompiler::CSP {
 /// silence. Linked events happen in no other way. The link (tick, tick) is always there; its joint
 /// step is tick.
 ///
-///     P --a--> P'     Q --b--> Q'          P --tick--> P'     Q --tick--> Q'
-///     -------------------------------      ----------------------------------
+///     P --a--> P'     Q --b--> Q'          P --tick--> P'     Q --b--> Q'
+///     -------------------------------      -------------------------------
 ///     P [L] Q  --tau-->  P' [L] Q'         P [L] Q  --tick-->  STOP
-///     a <-> b in L, not tick
+///     a <-> b in L, a not tick             tick <-> b in L
 ///
 ///     P --e--> P'                          Q --e--> Q'
 ///     -----------------------------        -----------------------------

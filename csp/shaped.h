@@ -27,8 +27,7 @@ template <typename Construct, typename Base> class Shaped : public Base {
     }
     CompilationLevel preferred_compilation_level(bool high_wished) const override {
         constexpr Level level = Construct::shape.level;
-        bool const high = level == Level::as_wished ? high_wished : level == Level::high;
-        return high ? CompilationLevel::high : CompilationLevel::low;
+        return as_wished(level == Level::as_wished ? high_wished : level == Level::high);
     }
     bool is_commutative() const override { return answer_of(Construct::shape.commutative); }
 

@@ -26,7 +26,8 @@ namespace Calder::ProcessCompiler::CSP {
 ///     ---------------------------- tick not in A
 ///     P /+A+\ Q  --tick-->  STOP
 ///
-/// What the visitor answers while Q is asked does not keep the joint transitions from being
+/// Of formats, a tick of Q is an event like any other: Q takes over by it. What the visitor answers
+/// while Q is asked does not keep the joint transitions from being
 /// offered.
 class CALDER_CSP_EXPORT SynchronisingInterruptOperator
     : public EventSetOperator<SynchronisingInterruptOperator> {

@@ -33,7 +33,7 @@ enum class CompilationLevel : unsigned {
     high = 1,
 };
 
-/// For the constructs that follow the host's wish.
+/// What a construct that follows the host's wish prefers.
 constexpr CompilationLevel as_wished(bool high_wished) {
     return high_wished ? CompilationLevel::high : CompilationLevel::low;
 }

@@ -14,7 +14,7 @@ namespace Calder::ProcessCompiler {
 ///
 /// It holds a name, never the process, so recursion makes no cycle of pointers. It has no arguments
 /// and no formats of its own: whoever compiles it first asks the source what it stands for. The
-/// questions about arguments abort, as for every term without any.
+/// questions about arguments abort, as for RUN and CHAOS.
 class CALDER_PROCESS_COMPILER_EXPORT NamedProcess : public Process {
   public:
     ~NamedProcess() override;

@@ -51,7 +51,7 @@ class CALDER_PROCESS_COMPILER_EXPORT Operator : public AtomicReferenceCounted,
     virtual CompilationLevel preferred_compilation_level(bool high_wished) const = 0;
     virtual bool is_commutative() const = 0;
 
-    /// The operator on its own, with the blanks that stand around it between two operands.
+    /// The operator on its own; where it stands between two operands, with the blanks around it.
     void pretty_print(Printer& printer) const override = 0;
     /// The operator and its parameters in words.
     virtual void pretty_print_description(Printer& printer) const = 0;

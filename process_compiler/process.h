@@ -73,9 +73,12 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     /// rather than to ask again. True unless a class knows that asking costs nothing.
     virtual bool needs_memoisation() const;
 
-    /// Calls `visitor` once for each transition of the term, in the construct's fixed order.
-    /// Returns false as soon as the visitor does, true when all were visited. `source` resolves
-    /// named processes and is passed on to the arguments. All arguments must be set.
+    /// Calls `visitor` once for each transition of the term, in the construct's fixed order. When
+    /// the visitor answers false, returns false at once; but two constructs go on: what is answered
+    /// to a joint tick is ignored, and a synchronising interrupt still offers its joint
+    /// transitions. So who wants to stop keeps answering false. Returns true when all were visited.
+    /// `source` resolves named processes and is passed on to the arguments. All arguments must be
+    /// set.
     virtual bool visit_transitions(NamedProcessSource const& source,
                                    TransitionVisitor const& visitor) const = 0;
 
@@ -86,8 +89,8 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
                                               HighLevelVisitor const& visitor) const;
 
     /// The construct as a machine over its arguments, which have the given alphabets: exactly one
-    /// for each argument. The caller owns the result; format 0 is the initial one. RUN and CHAOS
-    /// abort.
+    /// for each argument. The caller owns the result; format 0 is the initial one. RUN, CHAOS and
+    /// the reference to a named process abort.
     virtual std::unique_ptr<Formats>
     high_level_formats(std::vector<BitSet> const& alphabets) const = 0;
 
@@ -108,7 +111,7 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
 
     /// The whole term, operands included.
     void pretty_print(Printer& printer) const override = 0;
-    /// The bare operator symbol, with the blanks that stand around it between two operands.
+    /// The bare operator symbol; where it stands between two operands, with the blanks around it.
     virtual void pretty_print_operator(Printer& printer) const = 0;
     /// The construct and its parameters in words.
     virtual void pretty_print_operator_description(Printer& printer) const = 0;
@@ -124,17 +127,20 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     /// Whether a recursive reference may stand inside argument `index`.
     virtual bool allows_recursion(unsigned index) const = 0;
     virtual ArgumentState process_state(unsigned index) const = 0;
-    /// Whether argument `index` is thrown away as soon as another performs a visible event.
+    /// Whether argument `index` is thrown away as soon as another performs a visible event. Asked
+    /// only where some argument runs from the start: the two prefixes and internal choice abort.
     virtual bool discarded_by(unsigned index) const = 0;
     /// Asked only of an argument that starts off; aborts where none does.
     virtual TurnedOnBy turned_on_by(unsigned index) const = 0;
     /// What the term prefers, given whether the host wishes for the high level.
     virtual CompilationLevel preferred_compilation_level(bool high_wished) const = 0;
-    /// Whether arguments may be reordered without changing the term's meaning.
+    /// Whether arguments may be reordered without changing the term's meaning. The event-set prefix
+    /// aborts, CHAOS panics.
     virtual bool is_commutative() const = 0;
 
     virtual unsigned argument_count() const = 0;
     /// Null before `set_arguments` in a term built without arguments. The index is not checked.
+    /// RUN, CHAOS and the reference to a named process, which have no arguments, abort.
     virtual ProcessPointer const& argument(unsigned index) const = 0;
     /// Replaces the arguments by the first `argument_count` elements, of which there must be as
     /// many, retaining each new one before the one it replaces is released. Only for a term that
@@ -150,8 +156,8 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     CachedHash m_hash;
 };
 
-/// A term that a host can compile: one that describes itself by formats. All constructs are; only a
-/// reference to a named process is not.
+/// A term that a host can compile. All constructs are, although RUN and CHAOS have no formats and
+/// are only ever explored; only a reference to a named process is not.
 class CALDER_PROCESS_COMPILER_EXPORT CompilableProcess : public Process {
   public:
     CompilableProcess();

@@ -50,7 +50,7 @@ void find_cycles(TermGraph& graph) {
         });
 }
 
-/// The levels and the refusals of one strongly connected leaf after another.
+/// The levels and the refusals of one cycle after another.
 class LevelDecision {
   public:
     explicit LevelDecision(TermGraph& graph) : m_graph(graph), m_cycle_of(graph.vertices.size()) {}

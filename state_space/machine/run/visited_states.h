@@ -156,9 +156,6 @@ class VisitedStates {
     [[nodiscard]] std::size_t next(std::size_t bucket) const noexcept {
         return bucket + 1 == m_bucket_count ? 0 : bucket + 1;
     }
-    Word* writable_words(StateNumber state) noexcept {
-        return const_cast<Word*>(words(state));
-    }
     StateNumber add(std::size_t bucket, Word const* words, std::uint64_t hash);
     void insert(StateNumber state, std::uint64_t hash) noexcept;
     void fill_buckets(std::size_t count);
