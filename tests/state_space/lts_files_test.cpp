@@ -84,6 +84,35 @@ TEST_F(LtsFiles, a_large_file_is_whole) {
     EXPECT_EQ(written("large.aut", lts_of({row}, width)), text);
 }
 
+TEST_F(LtsFiles, writing_can_be_stopped_at_any_buffer) {
+    auto const lts = lts_of({Row(30'000, {3, 0}), Row(30'000, {3, 0})}, 2);
+    auto const stop_at = [&](unsigned call) {
+        unsigned calls = 0;
+        error("a.aut", lts, {.keep_going = [&] { return ++calls < call; }});
+        return calls;
+    };
+    written("a.aut", lts_of({{}}));
+    unsigned call = 0;
+    do {
+        ++call;
+        EXPECT_EQ(contents(path("a.aut")), "des (0, 0, 1)\n") << "before call " << call;
+        EXPECT_EQ(names(), std::vector<std::string>{"a.aut"}) << "before call " << call;
+    } while (stop_at(call) == call);
+    EXPECT_GT(call, 2U);
+    EXPECT_GT(contents(path("a.aut")).size(), 100'000U) << "never stopped";
+}
+
+TEST_F(LtsFiles, asking_whether_a_file_can_be_written_leaves_no_trace) {
+    check_lts_file(path("new.aut"));
+    EXPECT_EQ(names(), std::vector<std::string>());
+    EXPECT_THROW(check_lts_file(path("new.txt")), LtsFileError);
+    EXPECT_THROW(check_lts_file(path("nowhere/new.aut")), LtsFileError);
+    written("old.aut", lts_of({{}}));
+    check_lts_file(path("old.aut"));
+    EXPECT_EQ(contents(path("old.aut")), "des (0, 0, 1)\n");
+    EXPECT_EQ(names(), std::vector<std::string>{"old.aut"});
+}
+
 TEST_F(LtsFiles, the_ending_chooses_the_format) {
     EXPECT_EQ(lts_format_of("x/y.aut"), LtsFormat::aut);
     EXPECT_EQ(lts_format_of("y.aut.dot"), LtsFormat::dot);
