@@ -29,14 +29,19 @@ class TextWriter {
 
     void finish() {
         flush();
+        stop_if_not_wanted();
         m_file.commit();
     }
 
   private:
-    void flush() {
+    void stop_if_not_wanted() const {
         if (m_keep_going && !m_keep_going()) {
             throw LtsFileStopped(fmt::format("{} was not written: interrupted", m_path.native()));
         }
+    }
+
+    void flush() {
+        stop_if_not_wanted();
         m_file.write({m_buffer.data(), m_buffer.size()});
         m_buffer.clear();
     }

@@ -28,7 +28,7 @@ void check_lts_file(std::filesystem::path const& path);
 struct LtsFileOptions {
     /// How an .aut file writes tau; some tools read "i". A visible event of that name is an error.
     std::string tau_label = "tau";
-    /// Asked now and then while the file is written; as soon as it answers false, LtsFileStopped is
+    /// Asked before every write and before the file takes its place; as soon as it answers false, LtsFileStopped is
     /// thrown.
     std::function<bool()> keep_going = nullptr;
 };

@@ -3,6 +3,7 @@
 #include "tools/explore_command.h"
 #include "tools/interruption.h"
 #include "tools/machine_command.h"
+#include "tools/out_of_memory.h"
 #include "tools/print_command.h"
 #include "tools/stack_limit.h"
 #include "tools/standard_streams.h"
@@ -103,6 +104,21 @@ void add_machine(CLI::App& app, MachineOptions& options, Work& work) {
     command->callback([&] { work = [&] { return print_machine(options); }; });
 }
 
+/// Help, the version, or what is wrong with the command line.
+int answer(CLI::App const& app, CLI::ParseError const& error) {
+    std::ostringstream results;
+    std::ostringstream messages;
+    results.exceptions(std::ios_base::badbit);
+    messages.exceptions(std::ios_base::badbit);
+    int const result = app.exit(error, results, messages) == 0 ? exit_holds : exit_bad_input;
+    if (failed_allocations() > 0) { // in the library's own streams, and half the help is missing
+        throw std::bad_alloc();
+    }
+    print_result(results.str());
+    print_message(messages.str());
+    return result;
+}
+
 int run(int count, char** words) {
     CLI::App app("Explores, compiles, prints and describes CSP processes.\n"
                  "Exit codes: 0 done and what was asked for holds, 1 it does not hold,\n"
@@ -125,12 +141,7 @@ int run(int count, char** words) {
     try {
         app.parse(count, words);
     } catch (CLI::ParseError const& error) {
-        std::ostringstream results;
-        std::ostringstream messages;
-        int const result = app.exit(error, results, messages) == 0 ? exit_holds : exit_bad_input;
-        print_result(results.str());
-        print_message(messages.str());
-        return result;
+        return answer(app, error);
     }
     return work();
 }
@@ -148,7 +159,7 @@ int guarded_run(int count, char** words) {
         print_message("\n");
         return error.exit_code();
     } catch (std::bad_alloc const&) {
-        print_message("calder: out of memory\n");
+        print_message(out_of_memory);
         return exit_stopped_early;
     } catch (std::exception const& error) {
         print_message("calder: ");
