@@ -1,6 +1,7 @@
 #include "script/definition_graph.h"
 
 #include "core/cycle_search.h"
+#include "script/hints.h"
 #include "script/suggestion.h"
 
 #include <algorithm>
@@ -59,7 +60,12 @@ class NameResolution {
         if (m_events.is_channel(name)) {
             return ": " + in_quotes(name) + " is an event";
         }
+        if (std::string const hint = word_hint(name); !hint.empty()) {
+            return ": " + hint;
+        }
         Suggestion suggestion(name, m_suggestion_budget);
+        suggestion.consider("STOP");
+        suggestion.consider("SKIP");
         for (SyntaxTree::Definition const& definition : m_tree.definitions) {
             if (!suggestion.wants_more()) {
                 break;

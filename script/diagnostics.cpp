@@ -105,11 +105,17 @@ std::string render_all(Diagnostics const& diagnostics, std::string_view file_nam
                        std::string_view text) {
     std::string lines;
     Cursor cursor(text);
-    for (Diagnostic const& diagnostic : diagnostics) {
+    std::size_t const told = std::min(diagnostics.size(), most_told);
+    for (std::size_t index = 0; index < told; ++index) {
+        Diagnostic const& diagnostic = diagnostics[index];
         if (cursor.is_behind(diagnostic.location.line, excerpt_start(diagnostic.location))) {
             cursor = Cursor(text);
         }
         lines += heading(diagnostic, file_name) + excerpt(diagnostic.location, cursor);
+    }
+    if (std::size_t const more = diagnostics.size() - told; more > 0) {
+        lines += std::string(file_name) + ": " + std::to_string(more) + " more error" +
+                 (more == 1 ? "\n" : "s\n");
     }
     return lines;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,8 +39,11 @@ using Diagnostics = std::vector<Diagnostic>;
 /// call goes through the text up to the place.
 std::string render(Diagnostic const& diagnostic, std::string_view file_name, std::string_view text);
 
-/// The renderings of all, one after the other: diagnostics in order of place cost one pass over the
-/// text in all.
+/// So many are told in full: more is more than anybody reads.
+constexpr std::size_t most_told = 20;
+
+/// The renderings of the first most_told, one after the other, and a line that says how many more
+/// there are. Diagnostics in order of place cost one pass over the text in all.
 std::string render_all(Diagnostics const& diagnostics, std::string_view file_name,
                        std::string_view text);
 

@@ -21,8 +21,8 @@ EventTable::EventTable(TokenList const& tokens, SyntaxTree const& tree,
     : m_tokens(tokens), m_tree(tree), m_session(session), m_table(std::move(table)),
       m_diagnostics(diagnostics), m_suggestion_budget(suggestion_budget) {}
 
-unsigned EventTable::event(unsigned node) {
-    return is_tick(node) ? ProcessCompiler::tick : visible_event(node);
+unsigned EventTable::event_of_set(unsigned node) {
+    return is_tick(node) ? ProcessCompiler::tick : number_of(node, true);
 }
 
 unsigned EventTable::visible_event(unsigned node) {
@@ -30,6 +30,10 @@ unsigned EventTable::visible_event(unsigned node) {
         report(node, "'tick' may stand only in a set of events and in 'tick <-> tick'");
         return no_event;
     }
+    return number_of(node, false);
+}
+
+unsigned EventTable::number_of(unsigned node, bool in_set) {
     std::string const name = name_of(node);
     unsigned const number = m_session.event_number(name);
     if (number >= first_visible_event) {
@@ -39,11 +43,15 @@ unsigned EventTable::visible_event(unsigned node) {
         return no_event;
     }
     if (std::vector<Range> const ranges = ranges_of(node); !ranges.empty()) {
-        report(node, "the event " + in_quotes(name) + " is incomplete: fields are missing, as in " +
-                         in_quotes(m_session.event_object(ranges[0].first)->name()));
-    } else {
         report(node,
-               "the event " + in_quotes(name) + " is not declared" + suggestion_for(name, false));
+               "the event " + in_quotes(name) + " is incomplete: fields are missing, as in " +
+                   in_quotes(m_session.event_object(ranges[0].first)->name()) +
+                   (in_set ? "; " + in_quotes("{| " + name + " |}") + " holds all that begin so"
+                           : ""));
+    } else {
+        report(node, "the event " + in_quotes(name) + " is not declared" +
+                         (is_process(name) ? ": " + in_quotes(name) + " is a process"
+                                           : suggestion_for(name, false)));
     }
     return no_event;
 }
@@ -127,6 +135,15 @@ bool EventTable::find_range(unsigned node, Channel const& channel, Range& range)
     }
     range.first += channel.first_number;
     return token == m_tree[node].last_token;
+}
+
+bool EventTable::is_process(std::string_view name) {
+    if (m_processes.empty()) {
+        for (SyntaxTree::Definition const& definition : m_tree.definitions) {
+            m_processes.insert(m_tokens.text_of(definition.name));
+        }
+    }
+    return m_processes.contains(name);
 }
 
 std::string EventTable::suggestion_for(std::string const& name, bool may_be_channel) {

@@ -13,7 +13,7 @@ constexpr unsigned nesting_limit = 2000;
 constexpr unsigned event_limit = 1'000'000;
 /// Characters of the names of all events together.
 constexpr std::size_t event_text_limit = 100'000'000;
-/// Bytes of a script.
-constexpr std::size_t text_limit = 1'000'000'000;
+/// Bytes of a script. Reading one takes up to a hundred times as much memory.
+constexpr std::size_t text_limit = 100'000'000;
 
 } // namespace Calder::Script

@@ -1,6 +1,7 @@
 #include "script/scanner.h"
 
 #include "script/characters.h"
+#include "script/hints.h"
 #include "script/lexeme.h"
 #include "script/lexer.h"
 
@@ -133,7 +134,8 @@ class Scanner {
         if (m_list.text.substr(lexeme.offset, lexeme.length) == "-}") {
             return "'-}' closes no comment";
         }
-        return "unexpected character " + character_name(character);
+        return "unexpected character " + character_name(character) +
+               character_hint(m_list.text, m_offset);
     }
 
     void add(Token token, TokenKind kind) {
@@ -151,12 +153,13 @@ class Scanner {
         }
     }
 
-    /// Makes a definition of the name before it; a field of an event is no name.
+    /// Makes a definition of the name before it; a field of an event is no name, and a channel is not
+    /// defined.
     void take_equals(Token const& equals) {
         std::vector<Token>& tokens = m_list.tokens;
         std::size_t const count = tokens.size();
-        bool const is_field = count > 1 && tokens[count - 2].kind == Parser::token::DOT;
-        if (count == 0 || is_field) {
+        TokenKind const before = count > 1 ? tokens[count - 2].kind : Parser::token::END;
+        if (count == 0 || before == Parser::token::DOT || before == Parser::token::CHANNEL) {
             add(equals, equals.kind);
             return;
         }

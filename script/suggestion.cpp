@@ -13,6 +13,15 @@ namespace {
 
 constexpr std::size_t longest_name = 60;
 
+/// Of ASCII, which is all that names are made of.
+char lower(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+bool alike(char one, char other) {
+    return lower(one) == lower(other);
+}
+
 std::size_t edit_distance(std::string_view from, std::string_view to) {
     using Row = std::array<std::size_t, longest_name + 1>;
     Row before_last{};
@@ -24,9 +33,9 @@ std::size_t edit_distance(std::string_view from, std::string_view to) {
         last = row;
         row[0] = i + 1;
         for (std::size_t j = 0; j < to.size(); ++j) {
-            std::size_t const replaced = last[j] + (from[i] == to[j] ? 0 : 1);
+            std::size_t const replaced = last[j] + (alike(from[i], to[j]) ? 0 : 1);
             row[j + 1] = std::min({replaced, row[j] + 1, last[j + 1] + 1});
-            if (i > 0 && j > 0 && from[i] == to[j - 1] && from[i - 1] == to[j]) {
+            if (i > 0 && j > 0 && alike(from[i], to[j - 1]) && alike(from[i - 1], to[j])) {
                 row[j + 1] = std::min(row[j + 1], before_last[j - 1] + 1);
             }
         }

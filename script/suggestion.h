@@ -6,8 +6,8 @@
 namespace Calder::Script {
 
 /// Looks for the known name that a wrong one was meant to be: the first of the nearest by the
-/// number of characters to insert, delete, replace or exchange with the next one (Damerau 1964), if
-/// it is near enough for the length of the name.
+/// number of characters to insert, delete, replace or exchange with the next one (Damerau 1964), in
+/// any mixture of capitals, if it is near enough for the length of the name.
 class Suggestion {
   public:
     /// `budget` is how many more characters may be compared; it is shared by all suggestions of a

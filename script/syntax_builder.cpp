@@ -122,10 +122,10 @@ void SyntaxBuilder::report(unsigned token, std::string message) {
     m_diagnostics.push_back({m_tokens.location(token), std::move(message)});
 }
 
-void SyntaxBuilder::report_syntax_error(unsigned token, std::string message) {
+void SyntaxBuilder::report_syntax_error(unsigned token, std::string message, unsigned shown) {
     // What the scanner could not read it has reported already.
     if (m_tokens[token].kind != Parser::token::BAD) {
-        report(token, std::move(message));
+        report(shown == none ? token : shown, std::move(message));
     }
     lose_names_around(token);
 }

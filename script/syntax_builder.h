@@ -39,9 +39,10 @@ class SyntaxBuilder {
                                  std::array<unsigned, 4> const& letters);
     unsigned parenthesised(unsigned term);
 
-    /// Reports an error at a token and takes note of the names that are lost with the definition or
-    /// declaration around it.
-    void report_syntax_error(unsigned token, std::string message);
+    /// Reports that the text cannot go on with a token, and takes note of the names that are lost
+    /// with the definition or declaration around it. `shown` is the token that the message is about,
+    /// by default the same.
+    void report_syntax_error(unsigned token, std::string message, unsigned shown = none);
     TokenList const& tokens() const { return m_tokens; }
 
     SyntaxTree take_tree() { return std::move(m_tree); }

@@ -1,3 +1,4 @@
+#include "script/hints.h"
 #include "script/syntax_builder.h"
 
 #include <algorithm>
@@ -35,6 +36,17 @@ Kinds const& operators() {
     return kinds;
 }
 
+Kinds const& sets() {
+    using K = Parser::symbol_kind;
+    static Kinds const kinds = kinds_of({K::S_LEFT_BRACE, K::S_CLOSURE_OPEN});
+    return kinds;
+}
+
+Kinds const& names() {
+    static Kinds const kinds = kinds_of({Parser::symbol_kind::S_NAME});
+    return kinds;
+}
+
 /// Tokens that are told as one thing where all of them are expected.
 struct Group {
     char const* name;
@@ -48,22 +60,49 @@ std::vector<Group> const& groups() {
          kinds_of({K::S_STOP, K::S_SKIP, K::S_RUN, K::S_CHAOS, K::S_NAME, K::S_LEFT_PARENTHESIS,
                    K::S_PARALLEL, K::S_LEFT_BRACE, K::S_CLOSURE_OPEN})},
         {"a name or a number", kinds_of({K::S_NAME, K::S_NUMBER})},
-        {"a name", kinds_of({K::S_NAME})},
+        {"a name", names()},
         {"a number", kinds_of({K::S_NUMBER})},
-        {"a set of events", kinds_of({K::S_LEFT_BRACE, K::S_CLOSURE_OPEN})},
+        {"a set of events", sets()},
         {"an operator", operators()},
         {"a definition", kinds_of({K::S_DEFINED_NAME, K::S_CHANNEL, K::S_YYEOF})},
     };
     return list;
 }
 
+template <std::size_t count>
+bool is_one_of(TokenKind kind, std::array<TokenKind, count> const& kinds) {
+    return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
+}
+
+/// Whether a name that is wanted at a token is that of an event, and not of a channel or of a
+/// letter of the replicated form. In front of a term both may be.
+bool wants_event(TokenList const& tokens, unsigned token) {
+    using T = Parser::token;
+    constexpr std::array<TokenKind, 6> of_lists{T::COMMA,  T::DOT,     T::NAME,
+                                                T::NUMBER, T::RENAMES, T::LINKS};
+    constexpr std::array<TokenKind, 4> opens_events{T::LEFT_BRACE, T::CLOSURE_OPEN,
+                                                    T::RENAMING_OPEN, T::LEFT_BRACKET};
+    constexpr std::array<TokenKind, 3> joins_events{T::COMMA, T::RENAMES, T::LINKS};
+    if (token == 0) {
+        return false;
+    }
+    unsigned start = token - 1;
+    if (is_one_of(tokens[start].kind, joins_events)) {
+        while (start > 0 && is_one_of(tokens[start].kind, of_lists)) {
+            --start;
+        }
+    }
+    bool const is_letter = start > 0 && tokens[start - 1].kind == T::AT;
+    return !is_letter && is_one_of(tokens[start].kind, opens_events);
+}
+
 /// "a, b or c" of the first few things expected.
-std::string list_of_expected(Kinds expected) {
+std::string list_of_expected(Kinds expected, bool name_is_event) {
     std::vector<std::string> items;
     for (Group const& group : groups()) {
         if ((expected & group.members) == group.members) {
             expected &= ~group.members;
-            items.emplace_back(group.name);
+            items.emplace_back(name_is_event && group.members == names() ? "an event" : group.name);
         }
     }
     for (std::size_t kind = 0; kind < expected.size(); ++kind) {
@@ -110,8 +149,15 @@ void Parser::report_syntax_error(context const& where) const {
                        " binds tighter than the operator before it");
         return;
     }
-    build.report_syntax_error(place, "unexpected " + description_of(build.tokens(), place) +
-                                         ", expected " + list_of_expected(expected));
+    TokenList const& tokens = build.tokens();
+    bool const wants_field = expected == kinds_of({symbol_kind::S_LEFT_BRACE});
+    if (auto const hint =
+            syntax_hint(tokens, {place, term_is_complete, expected == sets(), wants_field})) {
+        build.report_syntax_error(place, hint->message, hint->token);
+        return;
+    }
+    build.report_syntax_error(place, "unexpected " + description_of(tokens, place) + ", expected " +
+                                         list_of_expected(expected, wants_event(tokens, place)));
 }
 
 /// The parser's other way to complain, which nothing here makes it use.

@@ -104,7 +104,7 @@ TermBuilder::Value TermBuilder::value_of_set(unsigned node) {
     for (unsigned const child : m_tree.children_of(node)) {
         if (m_tree[node].kind == NodeKind::closure_set) {
             set.is_complete &= m_events.insert_closure(child, set.events);
-        } else if (unsigned const event = m_events.event(child); event != no_event) {
+        } else if (unsigned const event = m_events.event_of_set(child); event != no_event) {
             set.events.insert(event);
         } else {
             set.is_complete = false;

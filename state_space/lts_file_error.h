@@ -10,4 +10,10 @@ class LtsFileError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// A file that was not written to its end because the caller did not want it any more.
+class LtsFileStopped : public LtsFileError {
+  public:
+    using LtsFileError::LtsFileError;
+};
+
 } // namespace Calder::StateSpace

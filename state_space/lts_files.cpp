@@ -16,7 +16,8 @@ constexpr std::size_t flushed_at = 1 << 16;
 /// The file and what is not yet written to it.
 class TextWriter {
   public:
-    explicit TextWriter(std::filesystem::path const& path) : m_file(path) {}
+    TextWriter(std::filesystem::path const& path, std::function<bool()> const& keep_going)
+        : m_path(path), m_keep_going(keep_going), m_file(path) {}
 
     template <typename Format, typename... Values>
     void print(Format const& format, Values const&... values) {
@@ -28,15 +29,25 @@ class TextWriter {
 
     void finish() {
         flush();
+        stop_if_not_wanted();
         m_file.commit();
     }
 
   private:
+    void stop_if_not_wanted() const {
+        if (m_keep_going && !m_keep_going()) {
+            throw LtsFileStopped(fmt::format("{} was not written: interrupted", m_path.native()));
+        }
+    }
+
     void flush() {
+        stop_if_not_wanted();
         m_file.write({m_buffer.data(), m_buffer.size()});
         m_buffer.clear();
     }
 
+    std::filesystem::path const& m_path;
+    std::function<bool()> const& m_keep_going;
     OutputFile m_file;
     fmt::memory_buffer m_buffer;
 };
@@ -130,12 +141,17 @@ LtsFormat lts_format_of(std::filesystem::path const& path) {
                                    path.native()));
 }
 
+void check_lts_file(std::filesystem::path const& path) {
+    lts_format_of(path);
+    OutputFile const never_committed(path);
+}
+
 void write_lts_file(std::filesystem::path const& path, LabelledTransitionSystem const& lts,
                     Session const& session, LtsFileOptions const& options) {
     LtsFormat const format = lts_format_of(path);
     std::string const tau_label = format == LtsFormat::aut ? options.tau_label : "tau";
     Labels const labels(session, format, tau_label, path);
-    TextWriter writer(path);
+    TextWriter writer(path, options.keep_going);
     switch (format) {
     case LtsFormat::aut: write_aut(writer, lts, labels); break;
     case LtsFormat::dot: write_dot(writer, lts, labels); break;

@@ -5,6 +5,7 @@
 #include "state_space/lts_file_error.h"
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 namespace Calder::StateSpace {
@@ -17,13 +18,19 @@ enum class LtsFormat {
     dot,
 };
 
-/// The format that the ending of the name chooses. Another ending throws LtsFileError. For asking
-/// before the work, not after it.
+/// The format that the ending of the name chooses. Another ending throws LtsFileError.
 LtsFormat lts_format_of(std::filesystem::path const& path);
+
+/// For asking before the work, not after it: throws LtsFileError when a file of this name could not
+/// be written now. Leaves everything as it is.
+void check_lts_file(std::filesystem::path const& path);
 
 struct LtsFileOptions {
     /// How an .aut file writes tau; some tools read "i". A visible event of that name is an error.
     std::string tau_label = "tau";
+    /// Asked before every write and before the file takes its place; as soon as it answers false, LtsFileStopped is
+    /// thrown.
+    std::function<bool()> keep_going = nullptr;
 };
 
 /// Writes what is explored of the system, with the names that the session has for its events. The

@@ -8,12 +8,13 @@
 #include "tools/leaf_names.h"
 #include "tools/machine_text.h"
 #include "tools/progress_line.h"
+#include "tools/standard_streams.h"
 
 #include <fmt/core.h>
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
+#include <limits>
 #include <thread>
 #include <unistd.h>
 
@@ -24,7 +25,8 @@ namespace {
 constexpr std::uint64_t bytes_per_mib = std::uint64_t{1024} * 1024;
 
 std::uint64_t memory_limit(ExploreOptions const& options) {
-    return options.max_memory_mib ? *options.max_memory_mib * bytes_per_mib
+    constexpr std::uint64_t most = std::numeric_limits<std::uint64_t>::max() / bytes_per_mib;
+    return options.max_memory_mib ? std::min(*options.max_memory_mib, most) * bytes_per_mib
                                   : default_memory_limit();
 }
 
@@ -35,8 +37,8 @@ unsigned thread_count(ExploreOptions const& options) {
 /// By the machine, if it is wanted and there is one; otherwise by terms.
 StateSpace::MachineExploration explore(Script::Script const& script,
                                        Script::Script::Definition const& definition,
-                                       ExploreOptions const& options) {
-    InterruptionWatch const watch;
+                                       ExploreOptions const& options,
+                                       InterruptionWatch const& watch) {
     ProgressLine line(!options.quiet && (options.progress || isatty(STDERR_FILENO) == 1));
     StateSpace::RunOptions bounds;
     bounds.max_states = options.max_states.value_or(bounds.max_states);
@@ -54,9 +56,9 @@ StateSpace::MachineExploration explore(Script::Script const& script,
             return result;
         }
         if (!options.quiet) {
-            fmt::print(stderr, "calder: {} is explored term by term: {}\n{}", definition.name,
-                       result.run.refusal,
-                       recursion_notes(result.refused, script, options.input.file));
+            print_message(fmt::format(
+                "calder: {} is explored term by term: {}\n{}", definition.name, result.run.refusal,
+                recursion_notes(result.refused, script, options.input.name())));
         }
     }
     result.run =
@@ -66,7 +68,7 @@ StateSpace::MachineExploration explore(Script::Script const& script,
 
 /// One line of the summary: a title and what stands for it.
 void tell(char const* title, std::string const& text) {
-    fmt::print("{:<13}{}\n", title, text);
+    print_result(fmt::format("{:<13}{}\n", title, text));
 }
 
 std::string trace_text(StateSpace::Deadlock const& deadlock,
@@ -78,17 +80,23 @@ std::string trace_text(StateSpace::Deadlock const& deadlock,
     return text.empty() ? "at the start" : "after " + text;
 }
 
+constexpr std::size_t least_event_width = 15;
+
 /// For each event of the trace, which leaves of the machine take part in it.
 void tell_steps(StateSpace::Deadlock const& deadlock,
                 StateSpace::MachineExploration const& exploration, Script::Script const& script) {
     LeafNames const names(script, *exploration.machine);
+    std::size_t width = least_event_width;
+    for (unsigned const event : deadlock.trace) {
+        width = std::max(width, script.session().event_object(event)->name().size());
+    }
     for (std::size_t step = 0; step < deadlock.trace.size(); ++step) {
         StateSpace::StateNumber const source = deadlock.sources[step];
         StateSpace::StateNumber const target =
             step + 1 < deadlock.sources.size() ? deadlock.sources[step + 1] : deadlock.state;
         std::string const event = script.session().event_object(deadlock.trace[step])->name();
         tell("", fmt::format(
-                     "{:<15} {}", event,
+                     "{:<{}} {}", event, width,
                      names_taking_part(names, exploration, source, deadlock.trace[step], target)));
     }
 }
@@ -122,29 +130,51 @@ std::string engine_text(StateSpace::MachineExploration const& exploration) {
                            : fmt::format(" at the start, in {} configurations", configurations));
 }
 
-void write_file(ExploreOptions const& options, StateSpace::Run const& run,
-                ProcessCompiler::Session const& session) {
+/// False, and told, when there is no such file.
+bool write_file(ExploreOptions const& options, StateSpace::Run const& run,
+                ProcessCompiler::Session const& session, InterruptionWatch const& watch) {
+    std::string reason = "the exploration is not complete";
     if (run.outcome == StateSpace::Outcome::complete) {
         StateSpace::LtsFileOptions file_options;
         file_options.tau_label = options.tau_label;
-        StateSpace::write_lts_file(options.output, run.lts, session, file_options);
-    } else {
-        fmt::print(stderr, "calder: {} was not written: the exploration is not complete\n",
-                   options.output);
+        file_options.keep_going = [&watch] { return !watch.interrupted(); };
+        try {
+            StateSpace::write_lts_file(options.output, run.lts, session, file_options);
+            return true;
+        } catch (StateSpace::LtsFileStopped const&) {
+            reason = "interrupted";
+        }
     }
+    print_message(fmt::format("calder: {} was not written: {}\n", options.output, reason));
+    return false;
+}
+
+/// A deadlock that was found is one, however the search ended. The exit code then says that, and a
+/// message the other.
+int exit_code(StateSpace::Run const& run, bool holds, bool is_written) {
+    bool const complete = run.outcome == StateSpace::Outcome::complete;
+    if (!holds) {
+        if (!complete) {
+            print_message(fmt::format("calder: the search stopped early: {}\n",
+                                      StateSpace::describe(run.outcome)));
+        }
+        return exit_fails;
+    }
+    return complete && is_written ? exit_holds : exit_stopped_early;
 }
 
 } // namespace
 
 int explore_process(ExploreOptions const& options) {
     if (!options.output.empty()) {
-        StateSpace::lts_format_of(options.output); // before the work, not after it
+        StateSpace::check_lts_file(options.output); // before the work, not after it
     }
-    auto const script = read_input(options.input);
+    auto const script = read_input(options.input, memory_limit(options));
     auto const& definition = chosen_process(*script, options.input);
 
+    InterruptionWatch const watch;
     auto const start = std::chrono::steady_clock::now();
-    StateSpace::MachineExploration const exploration = explore(*script, definition, options);
+    StateSpace::MachineExploration const exploration = explore(*script, definition, options, watch);
     std::chrono::duration<double> const time = std::chrono::steady_clock::now() - start;
     StateSpace::Run const& run = exploration.run;
     bool const complete = run.outcome == StateSpace::Outcome::complete;
@@ -159,15 +189,11 @@ int explore_process(ExploreOptions const& options) {
     tell("peak memory",
          fmt::format("{:.1f} MiB", static_cast<double>(StateSpace::peak_resident_bytes()) /
                                        static_cast<double>(bytes_per_mib)));
-    std::fflush(stdout);
+    finish_results();
 
-    if (!options.output.empty()) {
-        write_file(options, run, script->session());
-    }
-    if (!complete) {
-        return exit_stopped_early;
-    }
-    return holds ? exit_holds : exit_fails;
+    bool const is_written =
+        options.output.empty() || write_file(options, run, script->session(), watch);
+    return exit_code(run, holds, is_written);
 }
 
 } // namespace Calder::Tools

@@ -1,55 +1,107 @@
 #include "tools/input.h"
 
 #include "script/diagnostics.h"
+#include "script/suggestion.h"
 #include "state_space/available_memory.h"
 #include "state_space/memory.h"
+#include "tools/address_space_bound.h"
 #include "tools/command_error.h"
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 namespace Calder::Tools {
 
 namespace {
 
+/// So many names of a script are listed.
+constexpr std::size_t most_listed = 10;
+
+/// Standard input is closed like any other: nobody else reads it.
 struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-std::string contents_of(std::string const& name) {
-    std::unique_ptr<std::FILE, CloseFile> const file(std::fopen(name.c_str(), "rb"));
+/// The script; of one that is too long no more than shows that.
+std::string contents_of(Input const& input) {
+    std::unique_ptr<std::FILE, CloseFile> const file(
+        input.file == "-" ? stdin : std::fopen(input.file.c_str(), "rb"));
     std::string text;
     if (file) {
         char buffer[1 << 16];
         while (std::size_t const length = std::fread(buffer, 1, sizeof buffer, file.get())) {
             text.append(buffer, length);
+            if (text.size() > Script::text_limit) {
+                return text;
+            }
         }
     }
     if (!file || std::ferror(file.get()) != 0) {
-        throw CommandError(fmt::format("calder: cannot read {}: {}", name, std::strerror(errno)));
+        throw CommandError(
+            fmt::format("calder: cannot read {}: {}", input.name(), std::strerror(errno)));
     }
     return text;
 }
 
-} // namespace
-
-std::unique_ptr<Script::Script> read_input(Input const& input) {
-    std::string const text = contents_of(input.file);
+std::unique_ptr<Script::Script> read_script(Input const& input) {
+    std::string const text = contents_of(input);
     Script::ReadResult result = Script::read_script(text);
     if (result.script) {
         return std::move(result.script);
     }
-    std::string errors = Script::render_all(result.diagnostics, input.file, text);
+    std::string errors = Script::render_all(result.diagnostics, input.name(), text);
     errors.pop_back(); // the newline that the caller adds to every message
     throw CommandError(errors);
 }
 
+/// What there is instead: of a short script all, of a long one what was meant.
+std::string known_names(Script::Script const& script, std::string const& wrong) {
+    auto const& definitions = script.definitions();
+    if (definitions.size() > most_listed) {
+        unsigned budget = Script::suggestion_budget;
+        Script::Suggestion suggestion(wrong, budget);
+        for (Script::Script::Definition const& definition : definitions) {
+            suggestion.consider(definition.name);
+        }
+        if (std::string const meant = suggestion.text(); !meant.empty()) {
+            return meant;
+        }
+    }
+    std::string names;
+    std::size_t const listed = std::min(definitions.size(), most_listed);
+    for (std::size_t index = 0; index < listed; ++index) {
+        names += (index == 0 ? "; it defines: " : ", ") + definitions[index].name;
+    }
+    return listed == definitions.size()
+               ? names
+               : fmt::format("{} and {} more", names, definitions.size() - listed);
+}
+
+} // namespace
+
+std::uint64_t default_memory_limit() {
+    return StateSpace::resident_bytes() + StateSpace::available_bytes() / 10 * 9;
+}
+
+std::unique_ptr<Script::Script> read_input(Input const& input, std::uint64_t max_memory) {
+    try {
+        AddressSpaceBound const bound(max_memory);
+        return read_script(input);
+    } catch (std::bad_alloc const&) {
+        throw CommandError(
+            fmt::format("calder: {} was not read: the limit on memory was reached", input.name()),
+            exit_stopped_early);
+    }
+}
+
 Script::Script::Definition const& chosen_process(Script::Script const& script, Input const& input) {
     if (script.definitions().empty()) {
-        throw CommandError(fmt::format("calder: {} defines no process", input.file));
+        throw CommandError(fmt::format("calder: {} defines no process", input.name()));
     }
     if (input.process.empty()) {
         return script.definitions().back();
@@ -57,16 +109,8 @@ Script::Script::Definition const& chosen_process(Script::Script const& script, I
     if (Script::Script::Definition const* const found = script.find(input.process)) {
         return *found;
     }
-    std::string names;
-    for (Script::Script::Definition const& definition : script.definitions()) {
-        names += (names.empty() ? "" : ", ") + definition.name;
-    }
-    throw CommandError(fmt::format("calder: {} does not define '{}'; it defines: {}", input.file,
-                                   input.process, names));
-}
-
-std::uint64_t default_memory_limit() {
-    return StateSpace::resident_bytes() + StateSpace::available_bytes() / 10 * 9;
+    throw CommandError(fmt::format("calder: {} does not define '{}'{}", input.name(), input.process,
+                                   known_names(script, input.process)));
 }
 
 } // namespace Calder::Tools

@@ -1,9 +1,13 @@
 #include "tools/interruption.h"
 
+#include "tools/command_error.h"
+
 #include <atomic>
 #include <csignal>
 #include <cstdint>
 #include <ctime>
+#include <string_view>
+#include <unistd.h>
 
 namespace Calder::Tools {
 
@@ -33,22 +37,36 @@ void note_signal(int signal) {
     }
 }
 
-} // namespace
+/// Calls only what may be called while anything else is going on.
+void end_at_once(int) {
+    constexpr std::string_view message = "calder: interrupted\n";
+    [[maybe_unused]] ssize_t const written =
+        write(STDERR_FILENO, message.data(), message.size()); // there is nobody else to tell
+    _exit(exit_stopped_early);
+}
 
-InterruptionWatch::InterruptionWatch() {
-    first_signal = 0;
+void handle_signals(void (*handler)(int)) {
     struct sigaction action {};
-    action.sa_handler = note_signal;
+    action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
     for (int const signal : watched) {
         sigaction(signal, &action, nullptr);
     }
 }
 
+} // namespace
+
+void end_when_interrupted() {
+    handle_signals(end_at_once);
+}
+
+InterruptionWatch::InterruptionWatch() {
+    first_signal = 0;
+    handle_signals(note_signal);
+}
+
 InterruptionWatch::~InterruptionWatch() {
-    for (int const signal : watched) {
-        std::signal(signal, SIG_DFL);
-    }
+    end_when_interrupted();
 }
 
 bool InterruptionWatch::interrupted() const {

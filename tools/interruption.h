@@ -2,8 +2,12 @@
 
 namespace Calder::Tools {
 
-/// While one lives, the first Ctrl-C (SIGINT) or SIGTERM is only noted, so that what was found so
-/// far can be told; one that comes a moment later ends the program as usual.
+/// From here on Ctrl-C (SIGINT) or SIGTERM ends the program at once, with a message and
+/// exit_stopped_early. For work that leaves nothing behind, such as reading a script.
+void end_when_interrupted();
+
+/// While one lives, the first Ctrl-C or SIGTERM is only noted, so that what was found so far can be
+/// told; one that comes a moment later ends the program as usual.
 class InterruptionWatch {
   public:
     InterruptionWatch();

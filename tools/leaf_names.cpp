@@ -1,19 +1,12 @@
 #include "tools/leaf_names.h"
 
-#include <sstream>
+#include "tools/term_text.h"
 
 namespace Calder::Tools {
 
 namespace {
 
 constexpr std::int32_t most_characters = 40;
-
-/// The printed text without the blanks and line ends at its ends.
-std::string trimmed(std::string const& text) {
-    std::size_t const first = text.find_first_not_of(" \n");
-    std::size_t const last = text.find_last_not_of(" \n");
-    return first == std::string::npos ? "" : text.substr(first, last - first + 1);
-}
 
 using NamesOfTerms = std::unordered_map<ProcessCompiler::Process const*, std::string>;
 
@@ -65,25 +58,19 @@ std::string names_taking_part(LeafNames const& names,
 
 std::string short_text(ProcessCompiler::Process const& term,
                        ProcessCompiler::Session const& session) {
-    std::ostringstream text;
-    {
-        ProcessCompiler::Printer printer(text, &session);
+    return printed_text(session, [&](ProcessCompiler::Printer& printer) {
         printer.abbreviate = true;
         printer.remaining_characters = most_characters;
         term.pretty_print(printer);
-    }
-    return trimmed(text.str());
+    });
 }
 
 std::string operator_text(ProcessCompiler::Process const& construct,
                           ProcessCompiler::Session const& session) {
-    std::ostringstream text;
-    {
-        ProcessCompiler::Printer printer(text, &session);
+    return printed_text(session, [&](ProcessCompiler::Printer& printer) {
         printer.abbreviate = true;
         construct.pretty_print_operator(printer);
-    }
-    return trimmed(text.str());
+    });
 }
 
 } // namespace Calder::Tools

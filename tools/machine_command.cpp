@@ -3,11 +3,11 @@
 #include "state_space/machine/compile/compile.h"
 #include "tools/command_error.h"
 #include "tools/interruption.h"
+#include "tools/machine_json.h"
 #include "tools/machine_text.h"
+#include "tools/standard_streams.h"
 
 #include <fmt/core.h>
-
-#include <cstdio>
 
 namespace Calder::Tools {
 
@@ -15,7 +15,7 @@ int print_machine(MachineOptions const& options) {
     auto const script = read_input(options.input);
     auto const& definition = chosen_process(*script, options.input);
     StateSpace::TermGraph graph = StateSpace::make_term_graph(definition.term, script->processes());
-    std::string const notes = recursion_notes(graph.refused, *script, options.input.file);
+    std::string const notes = recursion_notes(graph.refused, *script, options.input.name());
     StateSpace::Compilation compilation;
     {
         InterruptionWatch const watch;
@@ -27,16 +27,21 @@ int print_machine(MachineOptions const& options) {
                                 script->processes(), bounds);
     }
     if (!compilation.machine) {
-        fmt::print(stderr, "calder: {} has no machine: {}\n{}", definition.name,
-                   compilation.refusal.empty() ? std::string(describe(compilation.outcome))
-                                               : compilation.refusal,
-                   notes);
+        print_message(fmt::format("calder: {} has no machine: {}\n{}", definition.name,
+                                  compilation.refusal.empty()
+                                      ? std::string(describe(compilation.outcome))
+                                      : compilation.refusal,
+                                  notes));
         return compilation.outcome == StateSpace::Outcome::complete ? exit_bad_input
                                                                     : exit_stopped_early;
     }
     LeafNames const names(*script, *compilation.machine);
     ShownMachine const shown{definition.name, *compilation.machine, *script, names};
-    fmt::print("{}", options.json ? machine_json(shown) : machine_text(shown));
+    if (options.json) {
+        write_machine_json(shown, print_result);
+    } else {
+        print_result(machine_text(shown));
+    }
     return exit_holds;
 }
 

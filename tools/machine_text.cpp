@@ -1,16 +1,12 @@
 #include "tools/machine_text.h"
 
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
-
-#include <algorithm>
 
 namespace Calder::Tools {
 
 using HighLevelMachine::ComponentEvent;
 using HighLevelMachine::UnCompiledFormat;
 using HighLevelMachine::UnCompiledRule;
-using Json = nlohmann::ordered_json;
 using StateSpace::Leaf;
 using StateSpace::Part;
 
@@ -76,53 +72,6 @@ std::string construct_text(ShownMachine const& shown, StateSpace::PartNumber num
     return text;
 }
 
-Json alphabet_json(ShownMachine const& shown, BitSet const& alphabet) {
-    Json events = Json::array();
-    for (unsigned const event : alphabet) {
-        events.push_back(event_name(shown, event));
-    }
-    return events;
-}
-
-Json rule_json(ShownMachine const& shown, UnCompiledRule const& rule) {
-    Json participants = Json::array();
-    for (ComponentEvent const& participant : rule.component_events) {
-        if (participant.event != ProcessCompiler::no_event) {
-            participants.push_back({{"argument", participant.component},
-                                    {"event", event_name(shown, participant.event)}});
-        }
-    }
-    return {{"event", event_name(shown, rule.event)},
-            {"target", rule.target_format},
-            {"participants", std::move(participants)}};
-}
-
-Json part_json(ShownMachine const& shown, StateSpace::PartNumber number) {
-    Part const& part = shown.machine.parts[number];
-    Json json{{"part", number}};
-    if (!part.is_construct()) {
-        Leaf const& leaf = *shown.machine.leaves[part.leaf];
-        json["component"] = part.leaf;
-        json["name"] = shown.names.name(part.leaf);
-        json["states"] = leaf.state_count();
-        json["transitions"] = leaf.transition_count();
-        json["alphabet"] = alphabet_json(shown, part.alphabet);
-        return json;
-    }
-    json["construct"] = operator_text(*part.term, shown.script.session());
-    json["arguments"] = part.arguments;
-    json["alphabet"] = alphabet_json(shown, part.alphabet);
-    for (UnCompiledFormat const& format : part.formats) {
-        Json rules = Json::array();
-        for (UnCompiledRule const& rule : format.rules) {
-            rules.push_back(rule_json(shown, rule));
-        }
-        json["formats"].push_back(
-            {{"running", format.active_components}, {"rules", std::move(rules)}});
-    }
-    return json;
-}
-
 } // namespace
 
 std::string machine_text(ShownMachine const& shown) {
@@ -142,16 +91,6 @@ std::string machine_text(ShownMachine const& shown) {
     }
     return fmt::format("{} starts in part {}\n\ncomponents\n{}\nconstructs\n{}", shown.process,
                        machine.start, leaves, constructs.empty() ? "  none\n" : constructs);
-}
-
-std::string machine_json(ShownMachine const& shown) {
-    Json parts = Json::array();
-    for (StateSpace::PartNumber number = 0; number < shown.machine.parts.size(); ++number) {
-        parts.push_back(part_json(shown, number));
-    }
-    Json const machine{
-        {"process", shown.process}, {"start", shown.machine.start}, {"parts", std::move(parts)}};
-    return machine.dump(2) + "\n";
 }
 
 std::string recursion_notes(std::vector<StateSpace::RefusedRecursion> const& all,

@@ -17,9 +17,6 @@ struct ShownMachine {
 /// For people: the leaves, then each construct with its formats and rules.
 std::string machine_text(ShownMachine const& shown);
 
-/// The same as JSON, indented by 2; docs/machines.md describes it.
-std::string machine_json(ShownMachine const& shown);
-
 /// Why recursion was refused: a line for each name on the cycles, with its place in the script.
 std::string recursion_notes(std::vector<StateSpace::RefusedRecursion> const& refused,
                             Script::Script const& script, std::string const& file);

@@ -1,58 +1,75 @@
 #include "tools/command_error.h"
+#include "tools/command_line.h"
 #include "tools/explore_command.h"
+#include "tools/interruption.h"
 #include "tools/machine_command.h"
+#include "tools/out_of_memory.h"
 #include "tools/print_command.h"
+#include "tools/stack_limit.h"
+#include "tools/standard_streams.h"
 
 #include <CLI/CLI.hpp>
-#include <fmt/core.h>
 
-#include <cstdio>
-#include <map>
+#include <functional>
+#include <limits>
 #include <new>
+#include <optional>
+#include <sstream>
 
 using namespace Calder::Tools;
 
 namespace {
 
-void add_input(CLI::App& command, Input& input) {
-    command.add_option("FILE", input.file, "The script")->required();
-    command.add_option("--process", input.process, "The process; by default the last one defined")
-        ->type_name("NAME");
-}
-
-std::map<std::string, Engine> const engines{{"machine", Engine::machine}, {"terms", Engine::terms}};
-
 constexpr unsigned most_threads = 1024;
 
-void add_explore(CLI::App& app, ExploreOptions& options, int& result) {
+/// What the command line asks for.
+using Work = std::function<int()>;
+
+void add_input(CLI::App& command, Input& input) {
+    command.add_option("FILE", input.file, "The script; - for standard input")
+        ->required()
+        ->check(not_empty());
+    command.add_option("--process", input.process, "The process; by default the last one defined")
+        ->type_name("NAME")
+        ->check(not_empty());
+}
+
+/// An option with a whole number, from `least` to what the variable holds or `most`.
+template <typename Number>
+void add_number(CLI::App& command, char const* name, std::optional<Number>& number,
+                std::uint64_t least, char const* description,
+                std::uint64_t most = std::numeric_limits<Number>::max()) {
+    command.add_option(name, number, description)->type_name("N")->check(whole_number(least, most));
+}
+
+void add_explore(CLI::App& app, ExploreOptions& options, Work& work) {
     CLI::App* const command =
         app.add_subcommand("explore", "Explore a process and count its states and transitions");
     add_input(*command, options.input);
     command
-        ->add_option("--engine", options.engine,
-                     "Explore the machine that the process compiles to, or its terms one by one")
+        ->add_option_function<std::string>(
+            "--engine",
+            [&](std::string const& word) {
+                options.engine = word == "terms" ? Engine::terms : Engine::machine;
+            },
+            "Explore the machine that the process compiles to, or its terms one by one")
         ->type_name("machine|terms")
-        ->transform(CLI::CheckedTransformer(engines, CLI::ignore_case))
+        ->check(one_of({"machine", "terms"}))
         ->default_str("machine");
-    command
-        ->add_option("--threads", options.threads,
-                     "How many threads run the machine; by default all that there are")
-        ->type_name("N")
-        ->check(CLI::Range(1U, most_threads));
-    command->add_option("--max-states", options.max_states, "Stop at this many states")
-        ->type_name("N")
-        ->check(CLI::PositiveNumber);
-    command
-        ->add_option("--max-memory", options.max_memory_mib,
-                     "Stop at this much memory, in MiB; by default at most of what is free")
-        ->type_name("N")
-        ->check(CLI::PositiveNumber);
+    add_number(*command, "--threads", options.threads, 1,
+               "How many threads run the machine, up to 1024; by default all that there are",
+               most_threads);
+    add_number(*command, "--max-states", options.max_states, 1, "Stop at this many states");
+    add_number(*command, "--max-memory", options.max_memory_mib, 1,
+               "Stop at this much memory, in MiB; by default at most of what is free");
     command
         ->add_option("--output", options.output,
                      "Write the transition system to a file, .aut or .dot by its ending")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(not_empty());
     command->add_option("--tau", options.tau_label, "How an .aut file writes the silent event")
-        ->check(CLI::IsMember({"tau", "i"}))
+        ->type_name("tau|i")
+        ->check(one_of({"tau", "i"}))
         ->capture_default_str();
     command->add_flag(
         "--deadlock", options.deadlock,
@@ -60,35 +77,46 @@ void add_explore(CLI::App& app, ExploreOptions& options, int& result) {
     command->add_flag("--progress", options.progress,
                       "Show how it gets on, also where standard error is no terminal");
     command->add_flag("--quiet", options.quiet, "Write only results and errors");
-    command->callback([&] { result = explore_process(options); });
+    command->callback([&] { work = [&] { return explore_process(options); }; });
 }
 
-void add_print(CLI::App& app, PrintOptions& options, int& result) {
+void add_print(CLI::App& app, PrintOptions& options, Work& work) {
     CLI::App* const command = app.add_subcommand("print", "Print a process as a term");
     add_input(*command, options.input);
     command->add_flag("--abbreviate", options.abbreviate, "Print … for continuations and sets");
-    command->add_option("--budget", options.budget, "Stop printing after this many characters")
-        ->type_name("N")
-        ->check(CLI::NonNegativeNumber);
-    command->add_option("--width", options.width, "Break lines at this width")
-        ->type_name("N")
-        ->check(CLI::PositiveNumber);
-    command->callback([&] { result = print_term(options); });
+    add_number(*command, "--budget", options.budget, 0, "Stop printing after this many characters");
+    add_number(*command, "--width", options.width, 1, "Break lines at this width");
+    command->callback([&] { work = [&] { return print_term(options); }; });
 }
 
-void add_describe(CLI::App& app, Input& input, int& result) {
+void add_describe(CLI::App& app, Input& input, Work& work) {
     CLI::App* const command =
         app.add_subcommand("describe", "Describe the outermost construct of a process in words");
     add_input(*command, input);
-    command->callback([&] { result = describe_term(input); });
+    command->callback([&] { work = [&] { return describe_term(input); }; });
 }
 
-void add_machine(CLI::App& app, MachineOptions& options, int& result) {
+void add_machine(CLI::App& app, MachineOptions& options, Work& work) {
     CLI::App* const command =
         app.add_subcommand("machine", "Print the machine that a process compiles to");
     add_input(*command, options.input);
     command->add_flag("--json", options.json, "As JSON");
-    command->callback([&] { result = print_machine(options); });
+    command->callback([&] { work = [&] { return print_machine(options); }; });
+}
+
+/// Help, the version, or what is wrong with the command line.
+int answer(CLI::App const& app, CLI::ParseError const& error) {
+    std::ostringstream results;
+    std::ostringstream messages;
+    results.exceptions(std::ios_base::badbit);
+    messages.exceptions(std::ios_base::badbit);
+    int const result = app.exit(error, results, messages) == 0 ? exit_holds : exit_bad_input;
+    if (failed_allocations() > 0) { // in the library's own streams, and half the help is missing
+        throw std::bad_alloc();
+    }
+    print_result(results.str());
+    print_message(messages.str());
+    return result;
 }
 
 int run(int count, char** words) {
@@ -99,36 +127,52 @@ int run(int count, char** words) {
     app.set_version_flag("--version", "calder " CALDER_VERSION);
     app.require_subcommand(1);
 
-    int result = exit_holds;
+    app.failure_message(command_line_error);
+
+    Work work;
     ExploreOptions explore;
     PrintOptions print;
     Input describe;
     MachineOptions machine;
-    add_explore(app, explore, result);
-    add_print(app, print, result);
-    add_describe(app, describe, result);
-    add_machine(app, machine, result);
+    add_explore(app, explore, work);
+    add_print(app, print, work);
+    add_describe(app, describe, work);
+    add_machine(app, machine, work);
     try {
         app.parse(count, words);
     } catch (CLI::ParseError const& error) {
-        return app.exit(error) == 0 ? exit_holds : exit_bad_input;
+        return answer(app, error);
     }
-    return result;
+    return work();
+}
+
+int guarded_run(int count, char** words) {
+    try {
+        require_stack();
+        int const result = run(count, words);
+        finish_results();
+        return result;
+    } catch (ResultsLost const& lost) {
+        return tell_lost_results(lost);
+    } catch (CommandError const& error) {
+        print_message(error.what());
+        print_message("\n");
+        return error.exit_code();
+    } catch (std::bad_alloc const&) {
+        print_message(out_of_memory);
+        return exit_stopped_early;
+    } catch (std::exception const& error) {
+        print_message("calder: ");
+        print_message(error.what());
+        print_message("\n");
+        return exit_bad_input;
+    }
 }
 
 } // namespace
 
 int main(int count, char** words) {
-    try {
-        return run(count, words);
-    } catch (CommandError const& error) {
-        fmt::print(stderr, "{}\n", error.what());
-        return exit_bad_input;
-    } catch (std::bad_alloc const&) {
-        fmt::print(stderr, "calder: out of memory\n");
-        return exit_stopped_early;
-    } catch (std::exception const& error) {
-        fmt::print(stderr, "calder: {}\n", error.what());
-        return exit_bad_input;
-    }
+    prepare_standard_streams();
+    end_when_interrupted();
+    return guarded_run(count, words);
 }

@@ -1,29 +1,33 @@
 #include "tools/print_command.h"
 
 #include "tools/command_error.h"
-
-#include <iostream>
+#include "tools/standard_streams.h"
+#include "tools/term_text.h"
 
 namespace Calder::Tools {
 
 int print_term(PrintOptions const& options) {
     auto const script = read_input(options.input);
     auto const& definition = chosen_process(*script, options.input);
-    ProcessCompiler::Printer printer(std::cout, &script->session());
-    printer.abbreviate = options.abbreviate;
-    printer.remaining_characters = options.budget.value_or(printer.remaining_characters);
-    printer.line_width = options.width.value_or(printer.line_width);
-    definition.body->pretty_print(printer);
-    printer << "\n";
+    ResultStream results;
+    print_to(results, script->session(), [&](ProcessCompiler::Printer& printer) {
+        printer.abbreviate = options.abbreviate;
+        printer.remaining_characters = options.budget.value_or(printer.remaining_characters);
+        printer.line_width = options.width.value_or(printer.line_width);
+        definition.body->pretty_print(printer);
+        printer << "\n";
+    });
     return exit_holds;
 }
 
 int describe_term(Input const& input) {
     auto const script = read_input(input);
     auto const& definition = chosen_process(*script, input);
-    ProcessCompiler::Printer printer(std::cout, &script->session());
-    definition.body->pretty_print_operator_description(printer);
-    printer << "\n";
+    ResultStream results;
+    print_to(results, script->session(), [&](ProcessCompiler::Printer& printer) {
+        definition.body->pretty_print_operator_description(printer);
+        printer << "\n";
+    });
     return exit_holds;
 }
 

@@ -1,8 +1,9 @@
 #include "tools/progress_line.h"
 
+#include "tools/standard_streams.h"
+
 #include <fmt/format.h>
 
-#include <cstdio>
 #include <unistd.h>
 
 namespace Calder::Tools {
@@ -26,7 +27,7 @@ ProgressLine::ProgressLine(bool shown)
 
 ProgressLine::~ProgressLine() {
     if (m_line_is_open) {
-        fmt::print(stderr, "\r\x1b[K");
+        print_message("\r\x1b[K");
     }
 }
 
@@ -46,12 +47,7 @@ void ProgressLine::show(StateSpace::Progress const& progress, Clock::time_point 
         progress.states, per_second(progress.states, m_last_states, now - m_last),
         progress.transitions, per_second(progress.transitions, m_last_transitions, now - m_last),
         progress.frontier, progress.depth, static_cast<double>(progress.memory) / bytes_per_mib);
-    if (m_on_terminal) {
-        fmt::print(stderr, "\r{}\x1b[K", line);
-    } else {
-        fmt::print(stderr, "{}\n", line);
-    }
-    std::fflush(stderr);
+    print_message(m_on_terminal ? "\r" + line + "\x1b[K" : line + "\n");
     m_line_is_open = m_on_terminal;
     m_last = now;
     m_last_states = progress.states;

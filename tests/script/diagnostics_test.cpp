@@ -54,6 +54,20 @@ TEST(Diagnostics, quotations_are_cut) {
     EXPECT_EQ(in_quotes(std::string(61, 'x')), "'" + std::string(60, 'x') + "…'");
 }
 
+TEST(Diagnostics, beyond_twenty_are_counted) {
+    Diagnostics diagnostics(most_told, {{1, 1, 1}, "a"});
+    std::string const one = render(diagnostics[0], "f", "x");
+    std::string all;
+    for (std::size_t i = 0; i < most_told; ++i) {
+        all += one;
+    }
+    EXPECT_EQ(render_all(diagnostics, "f", "x"), all);
+    diagnostics.push_back(diagnostics[0]);
+    EXPECT_EQ(render_all(diagnostics, "f", "x"), all + "f: 1 more error\n");
+    diagnostics.resize(1000, diagnostics[0]);
+    EXPECT_EQ(render_all(diagnostics, "f", "x"), all + "f: 980 more errors\n");
+}
+
 TEST(Diagnostics, are_sorted_by_place_and_each_kept_once) {
     Diagnostics diagnostics{{{2, 1, 1}, "z"},  {{1, 9, 1}, "b"}, {{1, 9, 1}, "a"},
                             {{1, 10, 1}, "c"}, {{2, 1, 1}, "z"}, {{1, 9, 1}, "b"}};

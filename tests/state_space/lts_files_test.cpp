@@ -71,15 +71,51 @@ TEST_F(LtsFiles, dot) {
               "}\n");
 }
 
-TEST_F(LtsFiles, a_large_file_is_whole) {
-    constexpr unsigned width = 30'000; // several buffers long
+constexpr unsigned width = 30'000; // whose row is several buffers long
+
+Row wide_row() {
     Row row;
-    std::string text = "des (0, 30000, 30000)\n";
     for (unsigned target = 0; target < width; ++target) {
         row.emplace_back(3, target);
+    }
+    return row;
+}
+
+TEST_F(LtsFiles, a_large_file_is_whole) {
+    std::string text = "des (0, 30000, 30000)\n";
+    for (unsigned target = 0; target < width; ++target) {
         text += "(0, \"a\", " + std::to_string(target) + ")\n";
     }
-    EXPECT_EQ(written("large.aut", lts_of({row}, width)), text);
+    EXPECT_EQ(written("large.aut", lts_of({wide_row()}, width)), text);
+}
+
+TEST_F(LtsFiles, writing_can_be_stopped_at_any_buffer) {
+    auto const lts = lts_of({wide_row()}, width);
+    auto const stop_at = [&](unsigned call) {
+        unsigned calls = 0;
+        error("a.aut", lts, {.keep_going = [&] { return ++calls < call; }});
+        return calls;
+    };
+    written("a.aut", lts_of({{}}));
+    unsigned call = 0;
+    do {
+        ++call;
+        EXPECT_EQ(contents(path("a.aut")), "des (0, 0, 1)\n") << "before call " << call;
+        EXPECT_EQ(names(), std::vector<std::string>{"a.aut"}) << "before call " << call;
+    } while (stop_at(call) == call);
+    EXPECT_GT(call, 2U);
+    EXPECT_GT(contents(path("a.aut")).size(), 100'000U) << "never stopped";
+}
+
+TEST_F(LtsFiles, asking_whether_a_file_can_be_written_leaves_no_trace) {
+    check_lts_file(path("new.aut"));
+    EXPECT_EQ(names(), std::vector<std::string>());
+    EXPECT_THROW(check_lts_file(path("new.txt")), LtsFileError);
+    EXPECT_THROW(check_lts_file(path("nowhere/new.aut")), LtsFileError);
+    written("old.aut", lts_of({{}}));
+    check_lts_file(path("old.aut"));
+    EXPECT_EQ(contents(path("old.aut")), "des (0, 0, 1)\n");
+    EXPECT_EQ(names(), std::vector<std::string>{"old.aut"});
 }
 
 TEST_F(LtsFiles, the_ending_chooses_the_format) {

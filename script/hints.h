@@ -1,0 +1,34 @@
+#pragma once
+
+#include "script/token_list.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Calder::Script {
+
+/// What to say, and where, to people who write what they know from elsewhere.
+struct Hint {
+    unsigned token;
+    std::string message;
+};
+
+/// What the grammar knows at an error.
+struct SyntaxErrorContext {
+    unsigned token;    // where the text cannot go on
+    bool follows_term; // the term in front of it is complete
+    bool wants_set;    // of events, and nothing else
+    bool wants_field;  // the values of a field of a channel, and nothing else
+};
+
+/// Nothing where the text resembles nothing that people try.
+std::optional<Hint> syntax_hint(TokenList const& tokens, SyntaxErrorContext const& context);
+
+/// For a word that other notations reserve; otherwise empty.
+std::string word_hint(std::string_view word);
+
+/// For a character that belongs to no token, at a place of the text: `": …"`, or nothing.
+std::string character_hint(std::string_view text, std::size_t offset);
+
+} // namespace Calder::Script

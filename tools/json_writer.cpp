@@ -1,0 +1,70 @@
+#include "tools/json_writer.h"
+
+#include <nlohmann/json.hpp>
+
+namespace Calder::Tools {
+
+namespace {
+
+constexpr std::size_t flushed_at = 1 << 16;
+constexpr unsigned indentation = 2;
+
+/// With everything escaped that JSON wants escaped.
+std::string quoted(std::string const& text) {
+    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+} // namespace
+
+void JsonWriter::key(char const* name) {
+    separate();
+    m_pending += quoted(name) + ": ";
+    m_follows_key = true;
+}
+
+void JsonWriter::value(std::uint64_t number) {
+    separate();
+    m_pending += std::to_string(number);
+}
+
+void JsonWriter::value(std::string const& text) {
+    separate();
+    m_pending += quoted(text);
+}
+
+void JsonWriter::finish() {
+    m_write(m_pending + "\n");
+    m_pending.clear();
+}
+
+void JsonWriter::begin(char bracket) {
+    separate();
+    m_pending += bracket;
+    m_is_first = true;
+    ++m_depth;
+}
+
+void JsonWriter::end(char bracket) {
+    --m_depth;
+    if (!m_is_first) {
+        m_pending += '\n';
+        m_pending.append(std::size_t{indentation} * m_depth, ' ');
+    }
+    m_pending += bracket;
+    m_is_first = false;
+}
+
+void JsonWriter::separate() {
+    if (m_pending.size() >= flushed_at) {
+        m_write(m_pending);
+        m_pending.clear();
+    }
+    if (m_depth > 0 && !m_follows_key) {
+        m_pending += m_is_first ? "\n" : ",\n";
+        m_pending.append(std::size_t{indentation} * m_depth, ' ');
+    }
+    m_is_first = false;
+    m_follows_key = false;
+}
+
+} // namespace Calder::Tools

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace Calder::Tools {
+
+/// Writes one JSON value, indented by 2, each call what comes next. The calls must make up a value:
+/// in an object a key stands before each value, and what is begun is ended.
+class JsonWriter {
+  public:
+    explicit JsonWriter(std::function<void(std::string_view)> const& write) : m_write(write) {}
+
+    void begin_object() { begin('{'); }
+    void end_object() { end('}'); }
+    void begin_array() { begin('['); }
+    void end_array() { end(']'); }
+    void key(char const* name);
+    void value(std::uint64_t number);
+    /// Bytes that are not UTF-8 become U+FFFD.
+    void value(std::string const& text);
+
+    template <typename Value> void member(char const* name, Value const& each) {
+        key(name);
+        value(each);
+    }
+
+    /// Passes on what is pending, with a newline.
+    void finish();
+
+  private:
+    void begin(char bracket);
+    void end(char bracket);
+    /// The comma, the line and the blanks in front of a member or an element.
+    void separate();
+
+    std::function<void(std::string_view)> const& m_write;
+    std::string m_pending;
+    unsigned m_depth = 0;
+    bool m_is_first = true; // of what was begun last
+    bool m_follows_key = false;
+};
+
+} // namespace Calder::Tools
