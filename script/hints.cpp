@@ -65,6 +65,8 @@ constexpr std::array words{
     Row{"Channel", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
 };
 
+constexpr std::size_t longest_call = 40; // bytes
+
 constexpr char const* no_sets = "names of sets are not in the notation yet";
 
 /// The tokens around an error. A token of that name may be asked for in front of the first one and
@@ -99,10 +101,17 @@ class Reading {
         return {at(distance), std::move(message)};
     }
 
-    std::string between(unsigned first, unsigned last) const {
-        std::size_t const start = m_tokens[first].offset;
-        return in_quotes(
-            m_tokens.text.substr(start, m_tokens[last].offset + m_tokens[last].length - start));
+    /// A name and what stands in parentheses behind it: `'B(n)'`, or `'B(…)'` where that is long or
+    /// cannot be shown in a line.
+    std::string call_text(unsigned name, unsigned close) const {
+        std::size_t const start = m_tokens[name].offset;
+        std::size_t const length = m_tokens[close].offset + m_tokens[close].length - start;
+        std::string_view const text = m_tokens.text.substr(start, length);
+        bool const can_be_shown =
+            kind_at(close) == Token::RIGHT_PARENTHESIS && length <= longest_call &&
+            std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+        return in_quotes(can_be_shown ? std::string(text)
+                                      : std::string(m_tokens.text_of(name)) + "(…)");
     }
 
     bool starts_item(TokenKind kind) const {
@@ -165,7 +174,7 @@ class Reading {
             if (kind(distance + 1) == Token::LEFT_PARENTHESIS &&
                 kind_at(closing(name + 1) + 1) == Token::EQUALS) {
                 return Hint{name, "definitions with parameters, as " +
-                                      between(name, closing(name + 1)) +
+                                      call_text(name, closing(name + 1)) +
                                       ", are not in the notation yet"};
             }
             if (kind(distance + 1) == Token::COLON && kind(distance + 2) == Token::EQUALS) {
@@ -186,7 +195,7 @@ class Reading {
         if (kind(0) != Token::LEFT_PARENTHESIS || kind(-1) != Token::NAME) {
             return std::nullopt;
         }
-        return here(-1, "processes with parameters, as " + between(at(-1), closing(at(0))) +
+        return here(-1, "processes with parameters, as " + call_text(at(-1), closing(at(0))) +
                             ", are not in the notation yet");
     }
 

@@ -6,6 +6,7 @@
 #include "script/lexer.h"
 
 #include <algorithm>
+#include <memory>
 #include <new>
 #include <string>
 
@@ -21,24 +22,31 @@ class Lexer {
     explicit Lexer(std::string_view text) : m_buffer(text) {
         std::replace(m_buffer.begin(), m_buffer.end(), '\0', '\x01');
         m_buffer.append(2, '\0');
-        if (calder_script_yylex_init_extra(&m_comment_depth, &m_scanner) != 0) {
+        yyscan_t scanner = nullptr;
+        if (calder_script_yylex_init_extra(&m_comment_depth, &scanner) != 0) {
             throw std::bad_alloc();
         }
-        calder_script_yy_scan_buffer(m_buffer.data(), m_buffer.size(), m_scanner);
+        m_scanner.reset(scanner);
+        calder_script_yy_scan_buffer(m_buffer.data(), m_buffer.size(), scanner);
     }
     Lexer(Lexer const&) = delete;
     Lexer& operator=(Lexer const&) = delete;
-    ~Lexer() { calder_script_yylex_destroy(m_scanner); }
 
     /// The kind of the next lexeme; END, which is 0, behind the last one.
-    int next() { return calder_script_yylex(m_scanner); }
-    unsigned length() const { return static_cast<unsigned>(calder_script_yyget_leng(m_scanner)); }
+    int next() { return calder_script_yylex(m_scanner.get()); }
+    unsigned length() const {
+        return static_cast<unsigned>(calder_script_yyget_leng(m_scanner.get()));
+    }
     unsigned comment_depth() const { return m_comment_depth; }
 
   private:
+    struct Destroy {
+        void operator()(void* scanner) const { calder_script_yylex_destroy(scanner); }
+    };
+
     std::string m_buffer;
     unsigned m_comment_depth = 0;
-    yyscan_t m_scanner = nullptr;
+    std::unique_ptr<void, Destroy> m_scanner;
 };
 
 class Scanner {

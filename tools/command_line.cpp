@@ -89,7 +89,7 @@ std::string words_about(CLI::App const& app, CLI::App const& command, CLI::Error
         return &command == &app ? "a command is missing: " + alternatives(names_of_commands(app))
                                 : "FILE is missing";
     }
-    std::string const what = error.what();
+    std::string what = error.what();
     if (error.get_name() == "ArgumentMismatch") {
         std::string const option = what.substr(0, what.find_first_of(": "));
         return option + (what.find("At Most") != std::string::npos    ? " is given more than once"

@@ -68,7 +68,7 @@ std::string known_names(Script::Script const& script, std::string const& wrong) 
         for (Script::Script::Definition const& definition : definitions) {
             suggestion.consider(definition.name);
         }
-        if (std::string const meant = suggestion.text(); !meant.empty()) {
+        if (std::string meant = suggestion.text(); !meant.empty()) {
             return meant;
         }
     }

@@ -120,10 +120,11 @@ int answer(CLI::App const& app, CLI::ParseError const& error) {
 }
 
 int run(int count, char** words) {
-    CLI::App app("Explores, compiles, prints and describes CSP processes.\n"
-                 "Exit codes: 0 done and what was asked for holds, 1 it does not hold,\n"
-                 "2 the input or the command line is wrong, 3 stopped early.",
-                 "calder");
+    CLI::App app(
+        "Explores, compiles, prints and describes CSP processes.\n"
+        "Exit codes: 0 done and what was asked for holds, 1 it does not hold,\n"
+        "2 the input or the command line is wrong or results cannot be written, 3 stopped early.",
+        "calder");
     app.set_version_flag("--version", "calder " CALDER_VERSION);
     app.require_subcommand(1);
 
