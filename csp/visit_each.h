@@ -9,6 +9,7 @@ namespace Calder::ProcessCompiler::CSP {
 inline bool visit_each(ProcessArray const& arguments, unsigned& moving,
                        NamedProcessSource const& source, TransitionVisitor const& visitor) {
     for (moving = 0; moving < arguments.size(); ++moving) {
+        watch_recursion();
         if (!arguments[moving]->visit_transitions(source, visitor)) {
             return false;
         }

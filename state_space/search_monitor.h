@@ -91,6 +91,9 @@ class SearchMonitor {
     /// bytes, while `work_ahead` is done. Of the progress, all but the memory is the caller's.
     [[nodiscard]] bool look_around(Progress const& progress, std::uint64_t growth);
 
+    /// Whether the last look is longer ago than looks are wanted apart, whatever was counted.
+    [[nodiscard]] bool is_overdue() const noexcept;
+
     /// For work on what the search needs, which finds no states: counts it, and looks around when
     /// it is time. Throws SearchEnded.
     void go_on(std::uint64_t work, std::uint64_t growth = 0) {

@@ -1,5 +1,8 @@
 #include "tools/leaf_names.h"
 
+#include "process_compiler/printing.h"
+#include "state_space/stack_guard.h"
+
 #include <sstream>
 
 namespace Calder::Tools {
@@ -66,11 +69,19 @@ std::string names_taking_part(LeafNames const& names,
 std::string short_text(ProcessCompiler::Process const& term,
                        ProcessCompiler::Session const& session) {
     std::ostringstream text;
-    {
-        ProcessCompiler::Printer printer(text, &session);
-        printer.abbreviate = true;
-        printer.remaining_characters = most_characters;
+    ProcessCompiler::Printer printer(text, &session);
+    printer.abbreviate = true;
+    ProcessCompiler::cut_text(printer, most_characters);
+    try {
+        ProcessCompiler::RecursionWatch const watch(StateSpace::StackGuard().lowest());
         term.pretty_print(printer);
+        printer.flush();
+    } catch (ProcessCompiler::NestedTooDeeply const&) {
+        printer.silenced = true;
+        return "…";
+    } catch (...) {
+        printer.silenced = true; // its destructor would write, and must not throw
+        throw;
     }
     return trimmed(text.str());
 }

@@ -1,6 +1,10 @@
 #include "tools/print_command.h"
 
+#include "process_compiler/printing.h"
+#include "state_space/stack_guard.h"
 #include "tools/command_error.h"
+
+#include <fmt/core.h>
 
 #include <iostream>
 
@@ -11,10 +15,22 @@ int print_term(PrintOptions const& options) {
     auto const& definition = chosen_process(*script, options.input);
     ProcessCompiler::Printer printer(std::cout, &script->session());
     printer.abbreviate = options.abbreviate;
-    printer.remaining_characters = options.budget.value_or(printer.remaining_characters);
+    if (options.budget) {
+        ProcessCompiler::cut_text(printer, *options.budget);
+    }
     printer.line_width = options.width.value_or(printer.line_width);
-    definition.body->pretty_print(printer);
-    printer << "\n";
+    try {
+        ProcessCompiler::RecursionWatch const watch(StateSpace::StackGuard().lowest());
+        definition.body->pretty_print(printer);
+        printer << "\n";
+    } catch (ProcessCompiler::NestedTooDeeply const& error) {
+        printer.silenced = true;
+        fmt::print(stderr, "calder: {}\n", error.what());
+        return exit_stopped_early;
+    } catch (...) {
+        printer.silenced = true; // its destructor would write, and must not throw
+        throw;
+    }
     return exit_holds;
 }
 
