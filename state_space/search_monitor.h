@@ -46,7 +46,8 @@ struct ExplorationOptions {
     /// is copied to grow are reckoned with.
     std::uint64_t max_memory = 0;
     /// Called about every 4096 transitions of terms, or 65536 of a machine, and more often where
-    /// they take long; while a machine is made, as often. Answers whether to go on.
+    /// they take long, also before the first of them; while a machine is made, as often. Answers
+    /// whether to go on.
     std::function<bool(Progress const&)> progress = nullptr;
 };
 
