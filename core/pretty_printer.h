@@ -34,6 +34,7 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
 
     static constexpr unsigned no_piece_budget = 0xFFFFFFFF;
     static constexpr unsigned no_line_width = std::numeric_limits<unsigned>::max();
+    static constexpr std::size_t no_pending_limit = std::numeric_limits<std::size_t>::max();
 
     /// A printer without a limit of any kind, writing to `stream`, which must outlive it.
     PrettyPrinter(std::basic_ostream<Char>& stream, Session printed_session)
@@ -51,8 +52,19 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
         if (!is_spent()) {
             end_piece();
             write_pieces();
-            pieces.clear();
+            clear_pieces();
         }
+    }
+
+    /// Whether the rest of the line would be dropped in any case, so that nothing more need be
+    /// printed into it. Only where `most_pending` is set: otherwise everything is collected.
+    [[nodiscard]] bool has_enough() const {
+        if (most_pending == no_pending_limit) {
+            return false;
+        }
+        bool const is_used_up = remaining_characters > 0 &&
+                                m_pieces_length >= static_cast<std::size_t>(remaining_characters);
+        return is_spent() || is_used_up || m_pieces_length + pending_text.size() >= most_pending;
     }
 
     PrettyPrinter& operator<<(Text const& text) {
@@ -63,10 +75,10 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
         std::size_t start = 0;
         for (std::size_t newline; (newline = text.find('\n', start)) != Text::npos;
              start = newline + 1) {
-            pending_text.append(text, start, newline - start);
+            collect(text, start, newline - start);
             end_line();
         }
-        pending_text.append(text, start);
+        collect(text, start, Text::npos);
         return *this;
     }
 
@@ -92,6 +104,7 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
                 piece_budget -= static_cast<unsigned>(
                     pending_text.size() < piece_budget ? pending_text.size() : piece_budget);
             }
+            m_pieces_length += pending_text.size();
             pieces.push_back(std::move(pending_text));
         }
         pending_text.clear();
@@ -130,9 +143,24 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
     bool at_line_start = true;
     /// Bytes that pieces may still have in all; no_piece_budget means no limit.
     unsigned piece_budget = no_piece_budget;
+    /// For who cuts the text in any case: a line is collected until its pieces use up
+    /// `remaining_characters`, or until it has this many bytes, and then no further. By default it
+    /// is collected whole, although only its beginning may be written.
+    std::size_t most_pending = no_pending_limit;
 
   private:
     [[nodiscard]] bool is_spent() const { return silenced || remaining_characters == 0; }
+
+    void collect(Text const& text, std::size_t start, std::size_t length) {
+        if (!has_enough()) {
+            pending_text.append(text, start, length);
+        }
+    }
+
+    void clear_pieces() {
+        pieces.clear();
+        m_pieces_length = 0;
+    }
 
     void write_indent() {
         if (!indent_written) {
@@ -153,7 +181,7 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
         output << '\n' << std::flush;
         indent_written = false;
         at_line_start = true;
-        pieces.clear();
+        clear_pieces();
     }
 
     void write_pieces() {
@@ -179,6 +207,8 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
         remaining_characters = left < 1 ? 0 : static_cast<std::int32_t>(left);
         return remaining_characters == 0;
     }
+
+    std::size_t m_pieces_length = 0; // of all pieces together
 };
 
 /// What can print itself into such a stream.

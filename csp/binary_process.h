@@ -3,6 +3,7 @@
 #include "core/hash_combine.h"
 #include "csp/shaped.h"
 #include "process_compiler/printing.h"
+#include "process_compiler/shared_comparison.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -27,12 +28,16 @@ template <typename Construct> class BinaryProcess : public ShapedProcess<Constru
         });
     }
     bool operator==(Process const& other) const override {
-        return other.kind() == this->kind() && *m_first == *this->same_kind(other).m_first &&
-               *m_second == *this->same_kind(other).m_second;
+        return equal_at_once(this, &other, [&] {
+            return other.kind() == this->kind() && *m_first == *this->same_kind(other).m_first &&
+                   *m_second == *this->same_kind(other).m_second;
+        });
     }
     bool operator!=(Process const& other) const override {
-        return other.kind() != this->kind() || *m_first != *this->same_kind(other).m_first ||
-               *m_second != *this->same_kind(other).m_second;
+        return !equal_at_once(this, &other, [&] {
+            return !(other.kind() != this->kind() || *m_first != *this->same_kind(other).m_first ||
+                     *m_second != *this->same_kind(other).m_second);
+        });
     }
     ProcessPointer clone(bool deep) const override {
         if (!deep) {

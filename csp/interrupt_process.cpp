@@ -14,6 +14,7 @@ InterruptProcess::~InterruptProcess() = default;
 
 bool InterruptProcess::visit_transitions(NamedProcessSource const& source,
                                          TransitionVisitor const& visitor) const {
+    watch_recursion();
     struct {
         ProcessPointer const& first;
         ProcessPointer const& second;

@@ -3,6 +3,7 @@
 #include "core/hash_combine.h"
 #include "csp/shaped.h"
 #include "process_compiler/printing.h"
+#include "process_compiler/shared_comparison.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -26,12 +27,16 @@ template <typename Construct, typename Offer> class PrefixedProcess
         });
     }
     bool operator==(Process const& other) const override {
-        return other.kind() == this->kind() && m_offer == this->same_kind(other).m_offer &&
-               *m_destination == *this->same_kind(other).m_destination;
+        return equal_at_once(this, &other, [&] {
+            return other.kind() == this->kind() && m_offer == this->same_kind(other).m_offer &&
+                   *m_destination == *this->same_kind(other).m_destination;
+        });
     }
     bool operator!=(Process const& other) const override {
-        return other.kind() != this->kind() || m_offer != this->same_kind(other).m_offer ||
-               *m_destination != *this->same_kind(other).m_destination;
+        return !equal_at_once(this, &other, [&] {
+            return !(other.kind() != this->kind() || m_offer != this->same_kind(other).m_offer ||
+                     *m_destination != *this->same_kind(other).m_destination);
+        });
     }
     ProcessPointer clone(bool deep) const override {
         return new Construct(m_offer, deep ? m_destination->clone(true) : nullptr);

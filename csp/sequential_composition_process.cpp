@@ -14,6 +14,7 @@ SequentialCompositionProcess::~SequentialCompositionProcess() = default;
 
 bool SequentialCompositionProcess::visit_transitions(NamedProcessSource const& source,
                                                      TransitionVisitor const& visitor) const {
+    watch_recursion();
     struct {
         ProcessPointer const& second;
         TransitionVisitor const& visitor;

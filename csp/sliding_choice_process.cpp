@@ -14,6 +14,7 @@ SlidingChoiceProcess::~SlidingChoiceProcess() = default;
 
 bool SlidingChoiceProcess::visit_transitions(NamedProcessSource const& source,
                                              TransitionVisitor const& visitor) const {
+    watch_recursion();
     struct {
         ProcessPointer const& second;
         TransitionVisitor const& visitor;

@@ -10,6 +10,7 @@ namespace Calder::ProcessCompiler::CSP {
                                      NamedProcessSource const& source,
                                      TransitionVisitor const& visitor) {
     for (moving = 0; moving < arguments.size(); ++moving) {
+        watch_recursion();
         if (!arguments[moving]->visit_transitions(source, visitor)) {
             return false;
         }

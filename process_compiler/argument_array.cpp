@@ -1,6 +1,7 @@
 #include "process_compiler/argument_array.h"
 
 #include "core/hash_combine.h"
+#include "process_compiler/shared_comparison.h"
 
 #include <algorithm>
 
@@ -11,20 +12,25 @@ std::uint64_t hash_arguments(ProcessArray const& arguments) {
 }
 
 bool arguments_equal(ProcessArray const& left, ProcessArray const& right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](ProcessPointer const& mine, ProcessPointer const& theirs) {
-                          return mine == theirs || *mine == *theirs;
-                      });
+    return equal_at_once(&left, &right, [&] {
+        return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                          [](ProcessPointer const& mine, ProcessPointer const& theirs) {
+                              return mine == theirs || *mine == *theirs;
+                          });
+    });
 }
 
 bool arguments_differ(ProcessArray const& left, ProcessArray const& right) {
-    return !std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                       [](ProcessPointer const& mine, ProcessPointer const& theirs) {
-                           return mine == theirs || !(*mine != *theirs);
-                       });
+    return !equal_at_once(&left, &right, [&] {
+        return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                          [](ProcessPointer const& mine, ProcessPointer const& theirs) {
+                              return mine == theirs || !(*mine != *theirs);
+                          });
+    });
 }
 
 void clone_arguments(ProcessArray const& arguments, ProcessArray& clones) {
+    watch_recursion();
     std::transform(arguments.begin(), arguments.end(), clones.begin(),
                    [](ProcessPointer const& argument) { return argument->clone(true); });
 }

@@ -31,6 +31,7 @@ void NamedProcess::set_arguments(ProcessArray const&) {}
 
 bool NamedProcess::visit_transitions(NamedProcessSource const& source,
                                      TransitionVisitor const& visitor) const {
+    watch_recursion();
     return source.process(*this)->visit_transitions(source, visitor);
 }
 

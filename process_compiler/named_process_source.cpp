@@ -12,8 +12,14 @@ NamedProcessPointer const& NamedProcessSource::reference(std::string const& name
     auto const number = static_cast<unsigned>(m_references.size());
     auto const [entry, is_new] = m_numbers.try_emplace(name, number);
     if (is_new) {
-        m_references.emplace_back(new NamedProcess(name, number));
-        m_processes.emplace_back();
+        try {
+            NamedProcessPointer made(new NamedProcess(name, number));
+            m_processes.resize(std::size_t{number} + 1);
+            m_references.push_back(std::move(made));
+        } catch (...) {
+            m_numbers.erase(entry);
+            throw;
+        }
     }
     return m_references[entry->second];
 }

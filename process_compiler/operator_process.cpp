@@ -18,18 +18,26 @@ OperatorProcess const& as_application(Process const& other) {
 } // namespace
 
 OperatorProcess::OperatorProcess(OperatorPointer applied, ProcessPointer const& only)
-    : m_operator(std::move(applied)), m_arguments{only} {}
+    : m_operator(std::move(applied)), m_arguments{only} {
+    watch_recursion();
+}
 
 OperatorProcess::OperatorProcess(OperatorPointer applied, ProcessPointer const& first,
                                  ProcessPointer const& second)
-    : m_operator(std::move(applied)), m_arguments{first, second} {}
+    : m_operator(std::move(applied)), m_arguments{first, second} {
+    watch_recursion();
+}
 
 OperatorProcess::OperatorProcess(OperatorPointer applied, ProcessArray const& arguments)
-    : m_operator(std::move(applied)), m_arguments(arguments) {}
+    : m_operator(std::move(applied)), m_arguments(arguments) {
+    watch_recursion();
+}
 
 OperatorProcess::OperatorProcess(OperatorPointer applied, ProcessArray const& arguments,
                                  unsigned index, ProcessPointer const& replacement)
-    : m_operator(std::move(applied)), m_arguments(arguments, index, replacement) {}
+    : m_operator(std::move(applied)), m_arguments(arguments, index, replacement) {
+    watch_recursion();
+}
 
 OperatorProcess::~OperatorProcess() = default;
 
@@ -47,6 +55,7 @@ void OperatorProcess::set_arguments(ProcessArray const& arguments) {
 
 bool OperatorProcess::visit_transitions(NamedProcessSource const& source,
                                         TransitionVisitor const& visitor) const {
+    watch_recursion();
     return m_operator->visit_transitions(source, visitor, m_arguments);
 }
 

@@ -8,6 +8,9 @@ namespace {
 
 constexpr unsigned description_indent = 4;
 
+/// A piece is written whole where it is cut by its place; beyond this many bytes it is not.
+constexpr std::size_t longest_whole_piece = 4096;
+
 void print_operand(Printer& printer, Process const& construct, Process const& operand,
                    unsigned bare_associativity) {
     auto const [precedence, associativity] = construct.pretty_print_information();
@@ -25,8 +28,14 @@ void print_operand(Printer& printer, Process const& construct, Process const& op
 
 } // namespace
 
+void cut_text(Printer& printer, std::int32_t characters) {
+    printer.remaining_characters = characters;
+    printer.most_pending = static_cast<std::size_t>(characters) + longest_whole_piece;
+}
+
 void print_within_budget(Printer& printer, PrettyPrintable const& printed) {
-    if (printer.remaining_characters != 0) {
+    watch_recursion();
+    if (printer.remaining_characters != 0 && !printer.has_enough()) {
         printed.pretty_print(printer);
     }
 }

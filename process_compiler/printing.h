@@ -8,6 +8,10 @@ namespace Calder::ProcessCompiler {
 
 // What the constructs print alike. All of it stops where the printer's budget is spent.
 
+/// Lets a printer write a line only up to the piece that reaches this many characters, at least 0,
+/// and build no more of it than it takes to know that: terms may have texts of terabytes.
+CALDER_PROCESS_COMPILER_EXPORT void cut_text(Printer& printer, std::int32_t characters);
+
 /// Prints an operand, an event or a set while the printer's character budget is not spent.
 CALDER_PROCESS_COMPILER_EXPORT void print_within_budget(Printer& printer,
                                                         PrettyPrintable const& printed);

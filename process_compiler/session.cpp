@@ -12,7 +12,12 @@ Session::~Session() = default;
 unsigned Session::declare_event(std::string const& name) {
     auto const [entry, is_new] = m_numbers.try_emplace(name, number_bound());
     if (is_new) {
-        m_events.emplace_back(new Event(name));
+        try {
+            m_events.push_back(EventPointer(new Event(name)));
+        } catch (...) {
+            m_numbers.erase(entry);
+            throw;
+        }
     }
     return entry->second;
 }

@@ -18,7 +18,8 @@ class CALDER_PROCESS_COMPILER_EXPORT Session {
     Session(Session const&) = delete;
     Session& operator=(Session const&) = delete;
 
-    /// The number of the event of this name, which is declared if it is new.
+    /// The number of the event of this name, which is declared if it is new. Where memory
+    /// runs out, the session is as before.
     unsigned declare_event(std::string const& name);
 
     /// The number of an event by its name; no_event when it is not declared.

@@ -212,6 +212,9 @@ std::vector<StateNumber> bisimulation_classes(LabelledTransitionSystem const& lt
 }
 
 bool are_bisimilar(LabelledTransitionSystem const& left, LabelledTransitionSystem const& right) {
+    if (left.state_count() == 0 || right.state_count() == 0) {
+        return left.state_count() == right.state_count();
+    }
     LtsBuilder both;
     append(both, left, 0);
     append(both, right, left.state_count());

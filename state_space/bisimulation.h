@@ -18,7 +18,8 @@ namespace Calder::StateSpace {
 /// is linear in the system.
 [[nodiscard]] std::vector<StateNumber> bisimulation_classes(LabelledTransitionSystem const& lts);
 
-/// Whether the starts of two systems are strongly bisimilar.
+/// Whether the starts of two systems are strongly bisimilar. A system without states has no start,
+/// and is like another one without.
 [[nodiscard]] bool are_bisimilar(LabelledTransitionSystem const& left,
                                  LabelledTransitionSystem const& right);
 

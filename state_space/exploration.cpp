@@ -1,5 +1,6 @@
 #include "state_space/exploration.h"
 
+#include "process_compiler/recursion_watch.h"
 #include "state_space/lts_builder.h"
 #include "state_space/stack_guard.h"
 #include "state_space/state_table.h"
@@ -22,9 +23,14 @@ class Explorer {
 
     Exploration run(ProcessPointer const& start) {
         try {
+            ProcessCompiler::RecursionWatch const watch(m_stack.lowest(),
+                                                        [this] { look_between_reports(); });
             explore_from(start);
         } catch (std::bad_alloc const&) {
             m_monitor.stop(Outcome::memory_limit);
+        } catch (ProcessCompiler::NestedTooDeeply const&) {
+            m_monitor.stop(Outcome::nesting_limit);
+        } catch (SearchEnded const&) { // the monitor knows why
         }
         return {m_builder.finish(m_states.size()), m_monitor.outcome()};
     }
@@ -33,6 +39,7 @@ class Explorer {
     void explore_from(ProcessPointer const& start);
     bool take(unsigned event, ProcessPointer const& successor);
     bool look_around();
+    void look_between_reports();
 
     NamedProcessSource const& m_source;
     SearchMonitor& m_monitor;
@@ -92,6 +99,14 @@ bool Explorer::look_around() {
     return m_monitor.look_around(
         Progress{states, m_builder.transition_count(), explored, states - explored, m_depth},
         m_states.growth_bytes(ahead) + m_builder.growth_bytes(ahead));
+}
+
+/// An operator that synchronises collects what its arguments offer, which may take hours, before
+/// anything is reported. Ends the search from within.
+void Explorer::look_between_reports() {
+    if (m_monitor.is_overdue() && !look_around()) {
+        throw SearchEnded();
+    }
 }
 
 } // namespace

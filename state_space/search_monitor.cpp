@@ -42,6 +42,10 @@ bool SearchMonitor::look_around(Progress const& progress, std::uint64_t growth) 
     return true;
 }
 
+bool SearchMonitor::is_overdue() const noexcept {
+    return Clock::now() - m_last_look > wanted_between_looks;
+}
+
 std::uint64_t SearchMonitor::memory_left() const noexcept {
     return m_options.max_memory == 0
                ? std::numeric_limits<std::uint64_t>::max()

@@ -46,7 +46,8 @@ struct ExplorationOptions {
     /// is copied to grow are reckoned with.
     std::uint64_t max_memory = 0;
     /// Called about every 4096 transitions of terms, or 65536 of a machine, and more often where
-    /// they take long; while a machine is made, as often. Answers whether to go on.
+    /// they take long, also before the first of them; while a machine is made, as often. Answers
+    /// whether to go on.
     std::function<bool(Progress const&)> progress = nullptr;
 };
 
@@ -90,6 +91,9 @@ class SearchMonitor {
     /// False when the search is to end. `growth` is what may be allocated besides what there is, in
     /// bytes, while `work_ahead` is done. Of the progress, all but the memory is the caller's.
     [[nodiscard]] bool look_around(Progress const& progress, std::uint64_t growth);
+
+    /// Whether the last look is longer ago than looks are wanted apart, whatever was counted.
+    [[nodiscard]] bool is_overdue() const noexcept;
 
     /// For work on what the search needs, which finds no states: counts it, and looks around when
     /// it is time. Throws SearchEnded.

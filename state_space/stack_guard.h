@@ -21,6 +21,9 @@ class StackGuard {
         return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)) < m_lowest_wanted;
     }
 
+    /// Below which it is low.
+    [[nodiscard]] std::uintptr_t lowest() const noexcept { return m_lowest_wanted; }
+
   private:
     std::uintptr_t m_lowest_wanted;
 };

@@ -1,5 +1,6 @@
 #include "state_space/state_table.h"
 
+#include "process_compiler/shared_comparison.h"
 #include "state_space/memory.h"
 #include "state_space/mix.h"
 
@@ -15,7 +16,14 @@ constexpr unsigned first_slot_bits = 8;
 constexpr unsigned tag_bits = 32;
 
 bool are_equal(ProcessPointer const& known, ProcessPointer const& term, std::uint64_t hash) {
-    return known == term || (known->hash_code() == hash && *known == *term);
+    if (known == term) {
+        return true;
+    }
+    if (known->hash_code() != hash) {
+        return false;
+    }
+    ProcessCompiler::SharedComparison const shared;
+    return *known == *term;
 }
 
 } // namespace

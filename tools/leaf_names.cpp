@@ -1,5 +1,6 @@
 #include "tools/leaf_names.h"
 
+#include "process_compiler/printing.h"
 #include "tools/term_text.h"
 
 namespace Calder::Tools {
@@ -58,11 +59,15 @@ std::string names_taking_part(LeafNames const& names,
 
 std::string short_text(ProcessCompiler::Process const& term,
                        ProcessCompiler::Session const& session) {
-    return printed_text(session, [&](ProcessCompiler::Printer& printer) {
-        printer.abbreviate = true;
-        printer.remaining_characters = most_characters;
-        term.pretty_print(printer);
-    });
+    try {
+        return printed_text(session, [&](ProcessCompiler::Printer& printer) {
+            printer.abbreviate = true;
+            ProcessCompiler::cut_text(printer, most_characters);
+            term.pretty_print(printer);
+        });
+    } catch (ProcessCompiler::NestedTooDeeply const&) {
+        return "…";
+    }
 }
 
 std::string operator_text(ProcessCompiler::Process const& construct,

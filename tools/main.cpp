@@ -1,3 +1,4 @@
+#include "process_compiler/recursion_watch.h"
 #include "tools/command_error.h"
 #include "tools/command_line.h"
 #include "tools/explore_command.h"
@@ -161,6 +162,11 @@ int guarded_run(int count, char** words) {
         return error.exit_code();
     } catch (std::bad_alloc const&) {
         print_message(out_of_memory);
+        return exit_stopped_early;
+    } catch (Calder::ProcessCompiler::NestedTooDeeply const& error) {
+        print_message("calder: ");
+        print_message(error.what());
+        print_message("\n");
         return exit_stopped_early;
     } catch (std::exception const& error) {
         print_message("calder: ");

@@ -1,5 +1,6 @@
 #include "tools/print_command.h"
 
+#include "process_compiler/printing.h"
 #include "tools/command_error.h"
 #include "tools/standard_streams.h"
 #include "tools/term_text.h"
@@ -12,7 +13,9 @@ int print_term(PrintOptions const& options) {
     ResultStream results;
     print_to(results, script->session(), [&](ProcessCompiler::Printer& printer) {
         printer.abbreviate = options.abbreviate;
-        printer.remaining_characters = options.budget.value_or(printer.remaining_characters);
+        if (options.budget) {
+            ProcessCompiler::cut_text(printer, *options.budget);
+        }
         printer.line_width = options.width.value_or(printer.line_width);
         definition.body->pretty_print(printer);
         printer << "\n";

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "process_compiler/recursion_watch.h"
 #include "process_compiler/session.h"
+#include "state_space/stack_guard.h"
 
 #include <ostream>
 #include <sstream>
@@ -9,9 +11,11 @@
 namespace Calder::Tools {
 
 /// Calls `print` with a printer to the stream. A failure in it or in writing is passed on, which the
-/// printer's own destructor could not do.
+/// printer's own destructor could not do; a term that nests too deeply for the stack throws
+/// NestedTooDeeply.
 template <typename Print>
 void print_to(std::ostream& stream, ProcessCompiler::Session const& session, Print const& print) {
+    ProcessCompiler::RecursionWatch const watch(StateSpace::StackGuard().lowest());
     ProcessCompiler::Printer printer(stream, &session);
     try {
         print(printer);

@@ -51,7 +51,7 @@ MachineExploration explore_by_machine(ProcessPointer const& start, NamedProcessS
     MachineExploration result;
     TermGraph graph = make_term_graph(start, source);
     result.refused = graph.refused;
-    if (result.refused.empty() && !graph.vertices.front().is_construct) {
+    if (!graph.is_too_deep && result.refused.empty() && !graph.vertices.front().is_construct) {
         result.run = run_of(explore(start, source, options));
         return result;
     }

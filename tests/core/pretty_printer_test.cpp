@@ -94,6 +94,40 @@ TEST(Printer, writes_within_its_limits) {
     }
 }
 
+TEST(Printer, collects_no_more_of_a_line_than_is_asked_for) {
+    struct {
+        std::int32_t budget;
+        std::size_t most_pending;
+        char const* texts;
+        std::size_t collected;
+        char const* written;
+    } const lines[] = {
+        {4, Printer::no_pending_limit, "ab|cd|ef|gh", 8, "abcd\n"},
+        {4, 100, "ab|cd|ef|gh", 4, "abcd\n"},
+        {5, 100, "abcdefgh|ij", 8, "abcdefgh\n"},
+        {5, 100, "abcd\nefgh|ijkl", 4, "abcd\nefgh\n"},
+        {-1, 6, "abcd|efgh|ijkl", 8, "abcdefgh\n"},
+        {-1, 4, "abcd|efgh\nij", 2, "abcd\nij\n"},
+    };
+    for (auto const& row : lines) {
+        std::ostringstream stream;
+        Printer printer(stream, 0);
+        printer.remaining_characters = row.budget;
+        printer.most_pending = row.most_pending;
+        print(printer, row.texts);
+        std::size_t collected = printer.pending_text.size();
+        for (std::string const& piece : printer.pieces) {
+            collected += piece.size();
+        }
+        EXPECT_EQ(collected, row.collected) << row.texts;
+        EXPECT_EQ(printer.has_enough(),
+                  row.most_pending != Printer::no_pending_limit && collected >= 4)
+            << row.texts;
+        printer << "\n";
+        EXPECT_EQ(stream.str(), row.written) << row.texts;
+    }
+}
+
 TEST(Printer, holds_text_back_until_its_line_ends) {
     std::ostringstream stream;
     Printer printer(stream, 0);

@@ -31,6 +31,8 @@ TEST(Bisimulation, tells_systems_apart_by_what_they_can_answer) {
         {"tau is passed over", silent, loop, false},
         {"one more step is not seen", {{{3, 1}}, {{3, 2}}, {}}, {{{3, 1}}, {}}, false},
         {"nothing differs from nothing", {{}}, {{}}, true},
+        {"a system without states is asked for its start", {}, {}, true},
+        {"a system without states is like one that does nothing", {}, {{}}, false},
         {"an event is taken for another", {{{3, 0}}}, {{{4, 0}}}, false},
     };
     for (auto const& row : rows) {

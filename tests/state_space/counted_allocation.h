@@ -7,4 +7,21 @@ namespace Calder::StateSpace::Testing {
 /// How often this program has allocated with new.
 std::size_t allocation_count();
 
+/// How many blocks of new are not deleted.
+std::ptrdiff_t blocks_in_use();
+
+/// False where the operators are the sanitizer's.
+bool allocations_can_fail();
+
+/// While it lives, one allocation of this program fails: the one of this number, counted from 1.
+class FailingAllocation {
+  public:
+    explicit FailingAllocation(std::size_t number);
+    ~FailingAllocation();
+    FailingAllocation(FailingAllocation const&) = delete;
+    FailingAllocation& operator=(FailingAllocation const&) = delete;
+
+    bool has_failed() const;
+};
+
 } // namespace Calder::StateSpace::Testing

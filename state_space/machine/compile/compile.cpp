@@ -234,6 +234,9 @@ class Compiler {
 
 Compilation compile(TermGraph graph, NamedProcessSource const& source,
                     CompilationOptions const& options) {
+    if (graph.is_too_deep) {
+        return {nullptr, {}, Outcome::nesting_limit};
+    }
     if (!graph.refused.empty()) {
         return {nullptr, "it comes back inside arguments that do not allow recursion", {}};
     }

@@ -2,6 +2,8 @@
 
 #include "core/cycle_search.h"
 #include "process_compiler/kinds.h"
+#include "process_compiler/recursion_watch.h"
+#include "state_space/stack_guard.h"
 #include "state_space/state_table.h"
 
 #include <algorithm>
@@ -133,7 +135,13 @@ class LevelDecision {
 
 TermGraph make_term_graph(ProcessPointer const& start, NamedProcessSource const& source) {
     TermGraph graph;
-    graph.vertices = collect_vertices(start, source);
+    try {
+        ProcessCompiler::RecursionWatch const watch(StackGuard().lowest());
+        graph.vertices = collect_vertices(start, source);
+    } catch (ProcessCompiler::NestedTooDeeply const&) {
+        graph.is_too_deep = true;
+        return graph;
+    }
     find_cycles(graph);
     LevelDecision(graph).run();
     return graph;

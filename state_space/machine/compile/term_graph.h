@@ -41,6 +41,8 @@ struct TermGraph {
     std::vector<std::vector<VertexNumber>> cycles;
     /// One for each cycle that has any.
     std::vector<RefusedRecursion> refused;
+    /// Its terms nest too deeply for the stack to be told apart; then there is nothing else here.
+    bool is_too_deep = false;
 };
 
 /// Linear in the number of distinct terms and their arguments, but for the levels of what is on

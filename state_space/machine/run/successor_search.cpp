@@ -3,6 +3,8 @@
 #include "state_space/machine/run/visited_states.h"
 
 #include <algorithm>
+#include <system_error>
+#include <utility>
 
 namespace Calder::StateSpace {
 
@@ -49,11 +51,22 @@ void SearchJob::hash_steps() {
     }
 }
 
-SuccessorSearch::SuccessorSearch(unsigned threads)
+SuccessorSearch::SuccessorSearch(unsigned threads, ThreadStarter const& start)
     : m_ring(threads > 1 ? std::size_t{3} * threads : 1) {
-    for (unsigned thread = 1; thread < threads; ++thread) {
-        m_threads.emplace_back([this] { work(); });
+    try {
+        m_threads.reserve(threads); // a thread that has no place would end the program
+        for (unsigned thread = 1; thread < threads; ++thread) {
+            m_threads.push_back(start([this] { work(); }));
+        }
+    } catch (std::system_error const&) { // the system gives no more: those that started do
+    } catch (...) {
+        stop();
+        throw;
     }
+}
+
+std::thread SuccessorSearch::start_thread(std::function<void()> work) {
+    return std::thread(std::move(work));
 }
 
 void SuccessorSearch::submit() {

@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <deque>
 #include <exception>
+#include <functional>
 #include <mutex>
 #include <thread>
 
@@ -50,8 +51,11 @@ class SearchJob {
 /// in. One thread owns it and works, too, whenever it would have to wait.
 class SuccessorSearch {
   public:
-    /// `threads` counts the owner.
-    explicit SuccessorSearch(unsigned threads);
+    using ThreadStarter = std::function<std::thread(std::function<void()>)>;
+
+    /// `threads` counts the owner. Where `start` throws std::system_error, those that started must
+    /// do; the owner alone does, too.
+    explicit SuccessorSearch(unsigned threads, ThreadStarter const& start = start_thread);
     ~SuccessorSearch() { stop(); }
     SuccessorSearch(SuccessorSearch const&) = delete;
     SuccessorSearch& operator=(SuccessorSearch const&) = delete;
@@ -81,6 +85,7 @@ class SuccessorSearch {
         State state = State::done;
     };
 
+    static std::thread start_thread(std::function<void()> work);
     [[nodiscard]] Entry* next_waiting();
     void work();
 

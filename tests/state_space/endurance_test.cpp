@@ -1,0 +1,223 @@
+#include "process_compiler/session.h"
+#include "state_space/machine/machine_exploration.h"
+#include "state_space/machine/run/successor_search.h"
+#include "tests/state_space/counted_allocation.h"
+#include "tests/state_space/machine/fake_construct.h"
+#include "tests/state_space/stack_of_size.h"
+
+#include <gtest/gtest.h>
+
+#include <system_error>
+
+namespace Calder::StateSpace {
+namespace {
+
+using namespace Testing;
+
+constexpr std::size_t mib = std::size_t{1} << 20;
+
+/// Asks its argument so many times before it reports a step of its own, and passes nothing on: as
+/// operators that synchronise do.
+class Collecting : public FakeProcess {
+  public:
+    Collecting(ProcessPointer argument, unsigned times)
+        : FakeProcess("collecting", 1), m_times(times) {
+        arguments[0] = std::move(argument);
+    }
+
+    bool visit_transitions(NamedProcessSource const& source,
+                           TransitionVisitor const& visitor) const override {
+        for (unsigned time = 0; time < m_times; ++time) {
+            arguments[0]->visit_transitions(source, [](auto, auto const&) { return true; });
+        }
+        return visitor(3, self());
+    }
+
+  private:
+    unsigned m_times;
+};
+
+/// P0, which asks P1 so many times, which asks P2, …
+ProcessPointer chain_of_names(NamedProcessSource& source, unsigned length, unsigned times) {
+    for (unsigned number = 0; number < length; ++number) {
+        std::string const next = "P" + std::to_string(number + 1);
+        source.define("P" + std::to_string(number), new Collecting(source.reference(next), times));
+    }
+    source.define("P" + std::to_string(length), new FakeProcess("end"));
+    return source.reference("P0");
+}
+
+RunOptions with_progress(std::function<bool(Progress const&)> progress) {
+    RunOptions options;
+    options.progress = std::move(progress);
+    return options;
+}
+
+RunOptions with_memory(std::uint64_t bytes) {
+    RunOptions options;
+    options.max_memory = bytes;
+    return options;
+}
+
+TEST(Endurance, what_only_collects_is_watched_at_every_level) {
+    auto const interrupt = [](Progress const&) { return false; };
+    struct {
+        unsigned length, times;
+        RunOptions options;
+        Outcome outcome;
+    } const rows[] = {
+        {30, 2, with_progress(interrupt), Outcome::interrupted},
+        {30, 2, with_memory(1), Outcome::memory_limit},
+        {100'000, 1, {}, Outcome::nesting_limit},
+        {10, 2, {}, Outcome::complete},
+    };
+    for (auto const& row : rows) {
+        run_with_stack(8 * mib, [&] {
+            NamedProcessSource source;
+            ProcessPointer const start = chain_of_names(source, row.length, row.times);
+            Exploration const found = explore(start, source, row.options);
+            EXPECT_EQ(found.outcome, row.outcome) << row.length;
+            EXPECT_EQ(found.lts.explored_count(), row.outcome == Outcome::complete ? 2U : 0U);
+        });
+    }
+}
+
+TEST(Endurance, a_leaf_that_only_collects_ends_a_compilation_in_the_same_ways) {
+    NamedProcessSource source;
+    ProcessPointer const leaf = chain_of_names(source, 30, 2);
+    ProcessPointer const network = construct("network", {leaf, ring("b", 2, 4)});
+    auto const interrupt = [](Progress const&) { return false; };
+    MachineExploration const found = explore_by_machine(network, source, with_progress(interrupt));
+    EXPECT_EQ(found.run.outcome, Outcome::interrupted);
+    EXPECT_EQ(found.run.state_count, 0U);
+}
+
+/// The k-th thread and all after it do not start.
+SuccessorSearch::ThreadStarter starts_before(unsigned& asked, unsigned k) {
+    return [&asked, k](std::function<void()> work) {
+        if (++asked > k) {
+            throw std::system_error(
+                std::make_error_code(std::errc::resource_unavailable_try_again));
+        }
+        return std::thread(std::move(work));
+    };
+}
+
+TEST(Endurance, the_threads_that_start_do_the_work) {
+    for (unsigned const started : {0U, 1U, 2U}) {
+        unsigned asked = 0;
+        SuccessorSearch search(4, starts_before(asked, started));
+        EXPECT_EQ(asked, started + 1);
+        unsigned taken = 0;
+        for (unsigned submitted = 0; submitted < 100;) {
+            for (; search.has_room() && submitted < 100; ++submitted) {
+                search.free_job().clear(1);
+                search.submit();
+            }
+            EXPECT_EQ(search.oldest().source_count(), 0U);
+            search.release_oldest();
+            ++taken;
+        }
+        for (; !search.is_idle(); ++taken) {
+            (void)search.oldest();
+            search.release_oldest();
+        }
+        EXPECT_EQ(taken, 100U) << started;
+    }
+}
+
+TEST(Endurance, no_thread_is_left_behind_where_another_error_ends_the_start) {
+    unsigned asked = 0;
+    auto const start = [&asked](std::function<void()> work) {
+        if (++asked == 3) {
+            throw std::bad_alloc();
+        }
+        return std::thread(std::move(work));
+    };
+    EXPECT_THROW(SuccessorSearch(4, start), std::bad_alloc);
+}
+
+/// Two rings side by side, as a term that both engines know.
+struct Network {
+    ProcessPointer term = construct("network", {ring("a", 3, 3), ring("b", 4, 4)});
+    NamedProcessSource source;
+};
+
+using Work = std::function<bool()>; // whether it came to its end
+
+bool is_complete(Run const& run, StateNumber states) {
+    if (run.outcome == Outcome::complete && run.refusal.empty()) {
+        EXPECT_EQ(run.state_count, states);
+        return true;
+    }
+    return false;
+}
+
+/// By a machine, with threads.
+bool run_machine(unsigned threads) {
+    Network network;
+    RunOptions options;
+    options.threads = threads;
+    return is_complete(explore_by_machine(network.term, network.source, options).run, 12);
+}
+
+bool explore_terms() {
+    NamedProcessSource source;
+    ProcessPointer const start = chain_of_names(source, 5, 2);
+    return is_complete(run_of(explore(start, source)), 2);
+}
+
+/// Declares events and names, again where memory ran out: numbers stay apart.
+bool declare() {
+    ProcessCompiler::Session session;
+    NamedProcessSource source;
+    for (std::string const name : {"a", "b", "a name that is too long to stand in the string"}) {
+        try {
+            session.declare_event(name);
+            source.reference(name);
+        } catch (std::bad_alloc const&) {
+        }
+        unsigned const event = session.declare_event(name);
+        EXPECT_EQ(session.event_object(event)->name(), name);
+        EXPECT_EQ(source.references()[source.reference(name)->number()]->name(), name);
+    }
+    EXPECT_EQ(session.number_bound(), 6U);
+    EXPECT_EQ(source.references().size(), 3U);
+    return true;
+}
+
+TEST(Endurance, an_allocation_that_fails_ends_a_search_and_loses_nothing) {
+    if (!allocations_can_fail()) {
+        GTEST_SKIP() << "the sanitizer has operators of its own";
+    }
+    struct {
+        char const* name;
+        Work work;
+        unsigned at_least;
+    } const rows[] = {
+        {"declarations", declare, 10},
+        {"terms", explore_terms, 30},
+        {"machine", [] { return run_machine(1); }, 100},
+        {"machine, two threads", [] { return run_machine(2); }, 100},
+    };
+    for (auto const& row : rows) {
+        row.work(); // what is allocated once for the whole program
+        unsigned failed = 0;
+        bool done = false;
+        for (std::size_t number = 1; !done; ++number) {
+            std::ptrdiff_t const before = blocks_in_use();
+            FailingAllocation const failing(number);
+            try {
+                done = row.work() && !failing.has_failed();
+            } catch (std::bad_alloc const&) {
+            }
+            failed += failing.has_failed() ? 1 : 0;
+            EXPECT_EQ(blocks_in_use(), before) << row.name << " at allocation " << number;
+            ASSERT_LT(number, 100'000U) << row.name;
+        }
+        EXPECT_GE(failed, row.at_least) << row.name;
+    }
+}
+
+} // namespace
+} // namespace Calder::StateSpace
