@@ -13,7 +13,7 @@ namespace Calder::Tools {
 
 namespace {
 
-constexpr int watched[] = {SIGINT, SIGTERM};
+constexpr int watched[] = {SIGINT, SIGTERM, SIGHUP};
 
 /// Who sends a signal to the command and to its process group sends it twice at once, and two
 /// threads may each get one. Only what comes later than this, in nanoseconds, is a second wish.
@@ -50,13 +50,18 @@ void handle_signals(void (*handler)(int)) {
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
     for (int const signal : watched) {
-        sigaction(signal, &action, nullptr);
+        struct sigaction before {};
+        sigaction(signal, nullptr, &before);
+        if (signal != SIGHUP || before.sa_handler != SIG_IGN) { // nohup ignores that one
+            sigaction(signal, &action, nullptr);
+        }
     }
 }
 
 } // namespace
 
 void end_when_interrupted() {
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is an error of writing, which is told
     handle_signals(end_at_once);
 }
 

@@ -85,7 +85,8 @@ void add_print(CLI::App& app, PrintOptions& options, Work& work) {
     CLI::App* const command = app.add_subcommand("print", "Print a process as a term");
     add_input(*command, options.input);
     command->add_flag("--abbreviate", options.abbreviate, "Print … for continuations and sets");
-    add_number(*command, "--budget", options.budget, 0, "Stop printing after this many characters");
+    add_number(*command, "--budget", options.budget, 0,
+               "Print no further than the piece, whole, that reaches this many characters");
     add_number(*command, "--width", options.width, 1, "Break lines at this width");
     command->callback([&] { work = [&] { return print_term(options); }; });
 }
