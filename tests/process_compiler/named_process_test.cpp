@@ -8,24 +8,7 @@
 namespace Calder::ProcessCompiler {
 namespace {
 
-using Testing::FakePointer;
 using Testing::FakeProcess;
-
-TEST(NamedProcess, does_what_it_stands_for) {
-    NamedProcessSource source;
-    NamedProcessPointer const loop = source.reference("LOOP");
-    FakePointer const body(new FakeProcess("body"));
-    body->transitions = {{3, loop}, {4, body}, {5, loop}};
-    source.define("LOOP", body);
-
-    std::vector<std::pair<unsigned, ProcessPointer>> seen;
-    EXPECT_FALSE(loop->visit_transitions(source, [&](unsigned event, ProcessPointer const& next) {
-        seen.emplace_back(event, next);
-        return seen.size() < 2;
-    }));
-    EXPECT_EQ(seen, (std::vector<std::pair<unsigned, ProcessPointer>>{{3, loop}, {4, body}}));
-    body->transitions.clear(); // the test's own cycle of pointers
-}
 
 TEST(NamedProcess, is_its_name) {
     NamedProcessSource source;

@@ -58,26 +58,6 @@ FakePointer construct_over(std::vector<ProcessPointer> const& operands) {
     return construct;
 }
 
-TEST(Printing, an_nary_operator_joins_its_operands) {
-    struct {
-        std::vector<ProcessPointer> operands;
-        char const* text;
-    } const rows[] = {
-        {{}, "NOTHING"},
-        {{operand(8, 6)}, "(P)"},
-        {{operand(8, 1), operand(7, 5), operand(8, 5)}, "P or P or (P)"},
-    };
-    Session const session;
-    for (auto const& row : rows) {
-        EXPECT_EQ(printed_by(session,
-                             [&](Printer& p) {
-                                 PrettyPrinter::nary_operator(p, "NOTHING",
-                                                              *construct_over(row.operands));
-                             }),
-                  row.text);
-    }
-}
-
 TEST(Printing, a_long_chain_is_broken_beside_its_operators_and_cut_at_the_budget) {
     FakePointer const chain =
         construct_over({operand(8, 1), operand(8, 1), operand(8, 1), operand(8, 1)});

@@ -8,23 +8,6 @@ namespace {
 using ProcessCompiler::Session;
 using Testing::script_of;
 
-TEST(Script, a_chain_is_one_term) {
-    struct {
-        char const* term;
-        unsigned arguments;
-    } const rows[] = {
-        {"STOP", 0},
-        {"a -> STOP", 1},
-        {"STOP [] STOP [] STOP", 3},
-        {"(STOP [] STOP) [] STOP", 2},
-        {"STOP [] (STOP [] STOP [] STOP)", 2},
-    };
-    for (auto const& row : rows) {
-        auto const script = script_of(std::string("channel a T = ") + row.term);
-        EXPECT_EQ(script->find("T")->term->argument_count(), row.arguments) << row.term;
-    }
-}
-
 TEST(Script, events_are_numbered_in_the_order_of_their_declaration) {
     auto const script = script_of("P = think -> STOP\n"
                                   "channel think, eat\n"

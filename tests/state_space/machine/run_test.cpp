@@ -43,15 +43,6 @@ TEST(MachineRun, numbers_states_as_they_are_reached_and_transitions_ascend_by_ev
     EXPECT_EQ(found.run.outcome, Outcome::complete);
 }
 
-TEST(MachineRun, a_term_that_is_no_construct_is_explored_as_it_stands) {
-    Rows const rows{{{5, 1}, {3, 1}}, {{4, 0}}};
-    MachineExploration const found = explore_term(leaf("a", rows));
-    EXPECT_EQ(rows_of(found.run.lts), rows);
-    EXPECT_EQ(found.run.state_count, 2U);
-    EXPECT_EQ(found.run.transition_count, 3U);
-    EXPECT_EQ(found.machine, nullptr);
-}
-
 /// All arguments do their 3 together.
 FormatMaker together(unsigned count) {
     UnCompiledFormat format;
