@@ -1,6 +1,7 @@
 #include "tools/leaf_names.h"
 
 #include "process_compiler/printing.h"
+#include "process_compiler/recursion_watch.h"
 #include "state_space/stack_guard.h"
 
 #include <sstream>

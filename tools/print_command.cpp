@@ -1,6 +1,7 @@
 #include "tools/print_command.h"
 
 #include "process_compiler/printing.h"
+#include "process_compiler/recursion_watch.h"
 #include "state_space/stack_guard.h"
 #include "tools/command_error.h"
 
