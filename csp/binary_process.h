@@ -23,6 +23,7 @@ template <typename Construct> class BinaryProcess : public ShapedProcess<Constru
 
     std::uint64_t hash_code() const override {
         return this->m_hash.get([this] {
+            watch_recursion();
             std::uint64_t const hash = hash_combine(Construct::shape.hash_seed, hash_of(m_first));
             return hash_combine(hash, hash_of(m_second));
         });

@@ -2,6 +2,7 @@
 
 #include "csp/colours.h"
 #include "csp/shared_stop.h"
+#include "process_compiler/recursion_watch.h"
 
 namespace Calder::ProcessCompiler::CSP {
 

@@ -22,6 +22,7 @@ template <typename Construct, typename Offer> class PrefixedProcess
 
     std::uint64_t hash_code() const override {
         return this->m_hash.get([this] {
+            watch_recursion();
             std::uint64_t const hash = hash_combine(Construct::shape.hash_seed, hash_word(m_offer));
             return hash_combine(hash, hash_of(m_destination));
         });

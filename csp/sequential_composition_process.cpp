@@ -1,6 +1,7 @@
 #include "csp/sequential_composition_process.h"
 
 #include "csp/colours.h"
+#include "process_compiler/recursion_watch.h"
 
 namespace Calder::ProcessCompiler::CSP {
 

@@ -1,6 +1,7 @@
 #include "csp/sliding_choice_process.h"
 
 #include "csp/colours.h"
+#include "process_compiler/recursion_watch.h"
 
 namespace Calder::ProcessCompiler::CSP {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "process_compiler/process.h"
+#include "process_compiler/recursion_watch.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -9,8 +10,8 @@ namespace Calder::ProcessCompiler::CSP {
 [[nodiscard]] inline bool visit_each(ProcessArray const& arguments, unsigned& moving,
                                      NamedProcessSource const& source,
                                      TransitionVisitor const& visitor) {
+    watch_recursion();
     for (moving = 0; moving < arguments.size(); ++moving) {
-        watch_recursion();
         if (!arguments[moving]->visit_transitions(source, visitor)) {
             return false;
         }

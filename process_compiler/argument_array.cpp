@@ -7,25 +7,37 @@
 
 namespace Calder::ProcessCompiler {
 
+namespace {
+
+/// Mostly all arguments but one are the same objects, and nothing is to be watched up to there.
+template <typename Equal>
+bool equal_arrays(ProcessArray const& left, ProcessArray const& right, Equal const& equal) {
+    if (left.size() != right.size()) {
+        return false;
+    }
+    auto const [mine, theirs] = std::mismatch(left.begin(), left.end(), right.begin());
+    return mine == left.end() ||
+           equal_at_once(&left, &right, [mine = mine, theirs = theirs, &left, &equal] {
+               return std::equal(mine, left.end(), theirs, equal);
+           });
+}
+
+} // namespace
+
 std::uint64_t hash_arguments(ProcessArray const& arguments) {
+    watch_recursion();
     return hash_sequence(arguments, hash_of);
 }
 
 bool arguments_equal(ProcessArray const& left, ProcessArray const& right) {
-    return equal_at_once(&left, &right, [&] {
-        return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                          [](ProcessPointer const& mine, ProcessPointer const& theirs) {
-                              return mine == theirs || *mine == *theirs;
-                          });
+    return equal_arrays(left, right, [](ProcessPointer const& mine, ProcessPointer const& theirs) {
+        return mine == theirs || *mine == *theirs;
     });
 }
 
 bool arguments_differ(ProcessArray const& left, ProcessArray const& right) {
-    return !equal_at_once(&left, &right, [&] {
-        return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                          [](ProcessPointer const& mine, ProcessPointer const& theirs) {
-                              return mine == theirs || !(*mine != *theirs);
-                          });
+    return !equal_arrays(left, right, [](ProcessPointer const& mine, ProcessPointer const& theirs) {
+        return mine == theirs || !(*mine != *theirs);
     });
 }
 

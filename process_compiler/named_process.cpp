@@ -3,6 +3,7 @@
 #include "core/hash_combine.h"
 #include "process_compiler/kinds.h"
 #include "process_compiler/named_process_source.h"
+#include "process_compiler/recursion_watch.h"
 
 #include <cstdlib>
 

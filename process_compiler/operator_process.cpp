@@ -3,6 +3,7 @@
 #include "core/hash_combine.h"
 #include "process_compiler/argument_array.h"
 #include "process_compiler/kinds.h"
+#include "process_compiler/recursion_watch.h"
 
 namespace Calder::ProcessCompiler {
 
@@ -18,26 +19,20 @@ OperatorProcess const& as_application(Process const& other) {
 } // namespace
 
 OperatorProcess::OperatorProcess(OperatorPointer applied, ProcessPointer const& only)
-    : m_operator(std::move(applied)), m_arguments{only} {
-    watch_recursion();
-}
+    : m_operator(std::move(applied)), m_arguments{only} {}
 
 OperatorProcess::OperatorProcess(OperatorPointer applied, ProcessPointer const& first,
                                  ProcessPointer const& second)
-    : m_operator(std::move(applied)), m_arguments{first, second} {
-    watch_recursion();
-}
+    : m_operator(std::move(applied)), m_arguments{first, second} {}
 
 OperatorProcess::OperatorProcess(OperatorPointer applied, ProcessArray const& arguments)
     : m_operator(std::move(applied)), m_arguments(arguments) {
-    watch_recursion();
+    watch_recursion(); // of one visit, an operator that synchronises makes any number
 }
 
 OperatorProcess::OperatorProcess(OperatorPointer applied, ProcessArray const& arguments,
                                  unsigned index, ProcessPointer const& replacement)
-    : m_operator(std::move(applied)), m_arguments(arguments, index, replacement) {
-    watch_recursion();
-}
+    : m_operator(std::move(applied)), m_arguments(arguments, index, replacement) {}
 
 OperatorProcess::~OperatorProcess() = default;
 

@@ -1,5 +1,6 @@
 #include "process_compiler/printing.h"
 
+#include "process_compiler/recursion_watch.h"
 #include "process_compiler/session.h"
 
 namespace Calder::ProcessCompiler {

@@ -9,7 +9,6 @@
 #include "process_compiler/event_numbers.h"
 #include "process_compiler/export.h"
 #include "process_compiler/high_level_machine.h"
-#include "process_compiler/recursion_watch.h"
 
 #include <boost/intrusive_ptr.hpp>
 
@@ -167,7 +166,6 @@ class CALDER_PROCESS_COMPILER_EXPORT CompilableProcess : public Process {
 
 /// What a term contributes to the hash code of a term around it: 0 when there is none.
 inline std::uint64_t hash_of(ProcessPointer const& process) {
-    watch_recursion();
     return process ? process->hash_code() : 0;
 }
 

@@ -50,7 +50,7 @@ class CALDER_PROCESS_COMPILER_EXPORT RecursionWatch {
 extern CALDER_PROCESS_COMPILER_EXPORT constinit thread_local RecursionWatch::State recursion_state
     __attribute__((tls_model("initial-exec")));
 
-/// One level of a recursion over terms, or one application built. A few instructions.
+/// One level of a recursion over terms, or one combination of successors. A few instructions.
 inline void watch_recursion() {
     // The frame's own address, not that of a local variable: those may live on the heap in builds
     // with the address sanitizer.

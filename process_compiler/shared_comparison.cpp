@@ -27,24 +27,19 @@ struct SharedComparison::Pairs {
     std::unordered_set<Pair, PairHash> set;
 };
 
-SharedComparison::SharedComparison() noexcept : m_outer(std::exchange(shared_comparison, this)) {}
-
-SharedComparison::~SharedComparison() {
-    shared_comparison = m_outer;
+bool SharedComparison::is_noted(void const* left, void const* right) const {
+    return m_equal->set.contains({left, right});
 }
 
-bool SharedComparison::knows(void const* left, void const* right) const {
-    return m_equal && m_equal->set.contains({left, right});
-}
-
-void SharedComparison::note(void const* left, void const* right) {
-    if (++m_steps < steps_before_notes) {
-        return;
-    }
-    if (!m_equal) {
-        m_equal = std::make_unique<Pairs>();
+void SharedComparison::add_note(void const* left, void const* right) {
+    if (m_equal == nullptr) {
+        m_equal = new Pairs();
     }
     m_equal->set.emplace(left, right);
+}
+
+void SharedComparison::forget() noexcept {
+    delete m_equal;
 }
 
 } // namespace Calder::ProcessCompiler

@@ -3,7 +3,7 @@
 #include "process_compiler/export.h"
 #include "process_compiler/recursion_watch.h"
 
-#include <memory>
+#include <utility>
 
 namespace Calder::ProcessCompiler {
 
@@ -15,27 +15,47 @@ namespace Calder::ProcessCompiler {
 /// Pairs are noted only in a comparison that has taken many steps; before that it costs nothing.
 class CALDER_PROCESS_COMPILER_EXPORT SharedComparison {
   public:
-    SharedComparison() noexcept;
-    ~SharedComparison();
+    inline SharedComparison() noexcept;
+    inline ~SharedComparison();
     SharedComparison(SharedComparison const&) = delete;
     SharedComparison& operator=(SharedComparison const&) = delete;
 
-    [[nodiscard]] bool knows(void const* left, void const* right) const;
-    void note(void const* left, void const* right);
+    [[nodiscard]] bool knows(void const* left, void const* right) const {
+        return m_equal != nullptr && is_noted(left, right);
+    }
+    void note(void const* left, void const* right) {
+        if (++m_steps >= steps_before_notes) {
+            add_note(left, right);
+        }
+    }
 
   private:
     struct Pairs;
+
+    [[nodiscard]] bool is_noted(void const* left, void const* right) const;
+    void add_note(void const* left, void const* right);
+    void forget() noexcept;
 
     static constexpr unsigned steps_before_notes = 4096;
 
     SharedComparison* m_outer;
     unsigned m_steps = 0;
-    std::unique_ptr<Pairs> m_equal; // null before there are notes
+    Pairs* m_equal = nullptr; // owned; null before there are notes
 };
 
 /// Of this thread; null where each comparison asks all arguments, as the contract says.
 extern CALDER_PROCESS_COMPILER_EXPORT constinit thread_local SharedComparison* shared_comparison
     __attribute__((tls_model("initial-exec")));
+
+inline SharedComparison::SharedComparison() noexcept
+    : m_outer(std::exchange(shared_comparison, this)) {}
+
+inline SharedComparison::~SharedComparison() {
+    shared_comparison = m_outer;
+    if (m_equal != nullptr) {
+        forget();
+    }
+}
 
 /// The answer of `compare`, or of an earlier comparison of the same two. They are named by
 /// addresses that are theirs as long as the comparison lasts.
@@ -43,17 +63,14 @@ template <typename Compare>
 bool equal_at_once(void const* left, void const* right, Compare const& compare) {
     watch_recursion();
     SharedComparison* const shared = shared_comparison;
-    if (shared == nullptr) {
-        return compare();
-    }
-    if (left == right || shared->knows(left, right)) {
+    if (shared != nullptr && (left == right || shared->knows(left, right))) {
         return true;
     }
-    if (!compare()) {
-        return false;
+    bool const are_equal = compare();
+    if (are_equal && shared != nullptr) {
+        shared->note(left, right);
     }
-    shared->note(left, right);
-    return true;
+    return are_equal;
 }
 
 } // namespace Calder::ProcessCompiler

@@ -1,6 +1,7 @@
 #include "tools/leaf_names.h"
 
 #include "process_compiler/printing.h"
+#include "process_compiler/recursion_watch.h"
 #include "tools/term_text.h"
 
 namespace Calder::Tools {

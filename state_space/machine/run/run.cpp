@@ -53,8 +53,6 @@ class Runner {
     void fill(SearchJob& job);
     bool take(SearchJob& job);
     bool take_row(SearchJob const& job, std::size_t first, std::size_t last);
-    bool take_steps(SearchJob const& job, std::size_t first, std::size_t last,
-                    std::uint64_t& never_repeated);
     void end_row(std::uint64_t never_repeated);
     StateNumber target_of(SearchJob const& job, std::size_t step);
     void begin_looking_ahead(SearchJob const& job);
@@ -155,36 +153,21 @@ bool Runner::take(SearchJob& job) {
     std::size_t first = 0;
     for (std::size_t source = 0; source < job.source_count(); ++source) {
         if (!take_row(job, first, job.row_end(source))) {
-            return false;
+            return m_monitor.stop(Outcome::state_limit);
         }
         first = job.row_end(source);
     }
     return !m_monitor.is_due(job.steps().size()) || look_around();
 }
 
-/// The row of the state that is being explored; false when the search is to end. A row may have
-/// millions of steps: it is looked around on the way.
+/// The row of the state that is being explored; false when it has a state too many.
 bool Runner::take_row(SearchJob const& job, std::size_t first, std::size_t last) {
-    std::uint64_t never_repeated = 0;
-    for (std::size_t end = 0; first < last; first = end) {
-        end = std::min<std::size_t>(last, first + SearchMonitor::longest_for_machines);
-        if (!take_steps(job, first, end, never_repeated) ||
-            (end < last && m_monitor.is_overdue() && !look_around())) {
-            return false;
-        }
-    }
-    end_row(never_repeated);
-    return true;
-}
-
-/// Some steps of the row; false when there is a state too many.
-bool Runner::take_steps(SearchJob const& job, std::size_t first, std::size_t last,
-                        std::uint64_t& never_repeated) {
     Steps const& steps = job.steps();
+    std::uint64_t never_repeated = 0;
     for (std::size_t step = first; step < last; ++step) {
         StateNumber const target = target_of(job, step);
         if (target == no_state) {
-            return m_monitor.stop(Outcome::state_limit);
+            return false;
         }
         if (steps.can_repeat(step)) {
             m_builder.add(steps.event(step), target);
@@ -194,6 +177,7 @@ bool Runner::take_steps(SearchJob const& job, std::size_t first, std::size_t las
             ++never_repeated;
         }
     }
+    end_row(never_repeated);
     return true;
 }
 
