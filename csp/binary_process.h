@@ -35,9 +35,9 @@ template <typename Construct> class BinaryProcess : public ShapedProcess<Constru
         });
     }
     bool operator!=(Process const& other) const override {
-        return !equal_at_once(this, &other, [&] {
-            return !(other.kind() != this->kind() || *m_first != *this->same_kind(other).m_first ||
-                     *m_second != *this->same_kind(other).m_second);
+        return differ_at_once(this, &other, [&] {
+            return other.kind() != this->kind() || *m_first != *this->same_kind(other).m_first ||
+                   *m_second != *this->same_kind(other).m_second;
         });
     }
     ProcessPointer clone(bool deep) const override {

@@ -34,9 +34,9 @@ template <typename Construct, typename Offer> class PrefixedProcess
         });
     }
     bool operator!=(Process const& other) const override {
-        return !equal_at_once(this, &other, [&] {
-            return !(other.kind() != this->kind() || m_offer != this->same_kind(other).m_offer ||
-                     *m_destination != *this->same_kind(other).m_destination);
+        return differ_at_once(this, &other, [&] {
+            return other.kind() != this->kind() || m_offer != this->same_kind(other).m_offer ||
+                   *m_destination != *this->same_kind(other).m_destination;
         });
     }
     ProcessPointer clone(bool deep) const override {

@@ -73,4 +73,10 @@ bool equal_at_once(void const* left, void const* right, Compare const& compare) 
     return are_equal;
 }
 
+/// The same for an operator!=: `compare` says whether the two differ.
+template <typename Compare>
+bool differ_at_once(void const* left, void const* right, Compare const& compare) {
+    return !equal_at_once(left, right, [&compare] { return !compare(); });
+}
+
 } // namespace Calder::ProcessCompiler
