@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 namespace Calder::Values {
 
@@ -14,12 +15,12 @@ class Value {
     enum class Kind : unsigned char {
         none, // no value
         truth,
-        integer,  // of 64 bits
-        name,     // without fields: what `datatype` or a set of channel values introduces
-        dotted,   // a name with fields: data.0
-        event,    // a complete one, by its number
-        channel,  // an event that wants fields still: in, take.0
-        tuple,    // of two parts or more
+        integer, // of 64 bits
+        name,    // without fields: what `datatype` or a set of channel values introduces
+        dotted,  // a name with fields: data.0
+        event,   // a complete one, by its number
+        channel, // an event that wants fields still: in, take.0
+        tuple,   // of two parts or more
         sequence,
         set,     // in the order of values, each once
         foreign, // what the host made; is only passed on
@@ -40,9 +41,7 @@ class Value {
     static constexpr Value small_integer(std::int64_t integer) {
         return Value((static_cast<std::uint64_t>(integer) << tag_bits) | integer_tag);
     }
-    static Value of_node(Node const* node) {
-        return Value(reinterpret_cast<std::uint64_t>(node));
-    }
+    static Value of_node(Node const* node) { return Value(reinterpret_cast<std::uint64_t>(node)); }
 
     Kind kind() const;
     bool is(Kind wanted) const { return kind() == wanted; }
@@ -72,5 +71,32 @@ class Value {
 
     std::uint64_t m_word = 0;
 };
+
+/// What a ValueStore keeps of a value that is no word; for values/ only.
+struct Node {
+    std::uint64_t hash; // of the content, never of an address
+    Value::Kind kind;
+    bool holds_events;   // a set: kept as a BitSet, in the place of the elements
+    std::uint16_t depth; // how deep values stand within it: 1 when nothing nests
+    /// A name's and a dotted value's place in the order of names; a channel's number.
+    std::uint32_t number;
+    /// How many elements; of an integer, its bits.
+    std::uint64_t size;
+    /// Of a tuple, a sequence or a set; the components of a dotted value or a channel.
+    Value const* first;
+
+    std::span<Value const> elements() const { return {first, size}; }
+};
+
+inline Value::Kind Value::kind() const {
+    constexpr Kind of_tag[] = {Kind::none, Kind::integer, Kind::truth, Kind::event, Kind::foreign};
+    std::uint64_t const tag = m_word & tag_mask;
+    return tag == 0 && m_word != 0 ? node().kind : of_tag[tag];
+}
+
+inline std::int64_t Value::as_integer() const {
+    return (m_word & tag_mask) == integer_tag ? static_cast<std::int64_t>(m_word) >> tag_bits
+                                              : static_cast<std::int64_t>(node().size);
+}
 
 } // namespace Calder::Values
