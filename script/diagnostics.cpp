@@ -96,25 +96,30 @@ std::string heading(Diagnostic const& diagnostic, std::string_view file_name) {
 
 } // namespace
 
-std::string render(Diagnostic const& diagnostic, std::string_view file_name,
-                   std::string_view text) {
-    return render_all({diagnostic}, file_name, text);
+std::string render(Diagnostic const& diagnostic, Sources const& sources) {
+    return render_all({diagnostic}, sources);
 }
 
-std::string render_all(Diagnostics const& diagnostics, std::string_view file_name,
-                       std::string_view text) {
+std::string render_all(Diagnostics const& diagnostics, Sources const& sources) {
     std::string lines;
-    Cursor cursor(text);
+    unsigned source = 0;
+    Cursor cursor(sources[source].text);
     std::size_t const told = std::min(diagnostics.size(), most_told);
     for (std::size_t index = 0; index < told; ++index) {
         Diagnostic const& diagnostic = diagnostics[index];
-        if (cursor.is_behind(diagnostic.location.line, excerpt_start(diagnostic.location))) {
-            cursor = Cursor(text);
+        Location const& location = diagnostic.location;
+        if (location.source != source ||
+            cursor.is_behind(location.line, excerpt_start(location))) {
+            source = location.source;
+            cursor = Cursor(sources[source].text);
         }
-        lines += heading(diagnostic, file_name) + excerpt(diagnostic.location, cursor);
+        lines += heading(diagnostic, sources[source].name) + excerpt(location, cursor);
+        for (std::string const& note : diagnostic.notes) {
+            lines += "  " + note + "\n";
+        }
     }
     if (std::size_t const more = diagnostics.size() - told; more > 0) {
-        lines += std::string(file_name) + ": " + std::to_string(more) + " more error" +
+        lines += sources[0].name + ": " + std::to_string(more) + " more error" +
                  (more == 1 ? "\n" : "s\n");
     }
     return lines;
@@ -128,8 +133,10 @@ std::string in_quotes(std::string_view text) {
 void sort_and_remove_repetitions(Diagnostics& diagnostics) {
     std::stable_sort(
         diagnostics.begin(), diagnostics.end(), [](Diagnostic const& a, Diagnostic const& b) {
-            return std::tie(a.location.line, a.location.column, a.location.length, a.message) <
-                   std::tie(b.location.line, b.location.column, b.location.length, b.message);
+            return std::tie(a.location.source, a.location.line, a.location.column,
+                            a.location.length, a.message) <
+                   std::tie(b.location.source, b.location.line, b.location.column,
+                            b.location.length, b.message);
         });
     diagnostics.erase(std::unique(diagnostics.begin(), diagnostics.end()), diagnostics.end());
 }
