@@ -8,6 +8,7 @@
 #include "state_space/state_table.h"
 
 #include <algorithm>
+#include <new>
 
 namespace Calder::StateSpace {
 
@@ -36,6 +37,8 @@ class Collector {
             graph.has_too_many_instances = !collect(start);
         } catch (ProcessCompiler::NestedTooDeeply const&) {
             graph.outcome = Outcome::nesting_limit;
+        } catch (std::bad_alloc const&) {
+            graph.outcome = Outcome::memory_limit;
         } catch (SearchEnded const&) {
             graph.outcome = m_monitor.outcome();
         }
