@@ -60,8 +60,10 @@ TEST(NamedProcess, an_instance_has_its_name_from_the_maker) {
         EXPECT_EQ(source.references()[row.reference->number()], row.reference);
         EXPECT_TRUE(*row.reference == *row.reference->clone(true));
     }
-    EXPECT_TRUE(*before != *instance);
-    EXPECT_TRUE(*instance != *source.add_reference());
+    ProcessPointer const term = instance;
+    ProcessPointer const next = source.add_reference();
+    EXPECT_TRUE(*term != *before);
+    EXPECT_TRUE(*term != *next);
 }
 
 TEST(NamedProcess, what_it_stands_for_is_made_once_when_it_is_first_asked_for) {
