@@ -11,27 +11,7 @@
 
 namespace Calder::Script {
 
-namespace {
-
 using ProcessCompiler::NameCycle;
-
-/// So many steps of a cycle are told.
-constexpr std::size_t longest_told_cycle = 8;
-
-/// "P runs Q, Q runs P"
-std::string steps_of(NameCycle const& cycle) {
-    std::string text;
-    for (std::size_t index = 0; index < cycle.size(); ++index) {
-        if (index == longest_told_cycle) {
-            return text + " and so on through " + std::to_string(cycle.size()) + " names";
-        }
-        text += index == 0 ? "" : ", ";
-        text += cycle[index]->name() + " runs " + cycle[(index + 1) % cycle.size()]->name();
-    }
-    return text;
-}
-
-} // namespace
 
 /// One reading of a script, from the text to the terms.
 class Reader {
@@ -74,9 +54,7 @@ class Reader {
 
     void report_unguarded_recursion() {
         for (NameCycle const& cycle : find_unguarded_recursion(m_script->m_processes)) {
-            m_diagnostics.push_back(
-                {m_script->find(cycle[0]->name())->location,
-                 "recursion without a guard: " + steps_of(cycle) + " from the start"});
+            m_diagnostics.push_back({m_script->find(cycle[0]->name())->location, describe(cycle)});
         }
     }
 
