@@ -161,6 +161,10 @@ static_assert(PrefixProcess::shape.precedence == EventSetPrefixProcess::shape.pr
 
 } // namespace
 
+ProcessPointer make_prefix(unsigned event, ProcessPointer const& process) {
+    return new PrefixProcess(event, process);
+}
+
 ConstructEntry const& entry_of(Construct construct) {
     return entries[static_cast<std::size_t>(construct)];
 }

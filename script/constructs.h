@@ -64,6 +64,10 @@ struct ConstructEntry {
     ProcessCompiler::ProcessPointer (*build)(Parts const& parts);
 };
 
+/// The commonest of terms without the arrays that parts come in.
+ProcessCompiler::ProcessPointer make_prefix(unsigned event,
+                                            ProcessCompiler::ProcessPointer const& process);
+
 /// The one list of what is known of the constructs.
 ConstructEntry const& entry_of(Construct construct);
 

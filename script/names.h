@@ -15,11 +15,11 @@ namespace Calder::Script {
 /// What a name at a node stands for, as far as definitions and variables tell.
 struct Binding {
     enum class Kind : unsigned char {
-        none, // neither: an event, a value, something built in, or unknown
+        neither, // an event, a value, something built in, or unknown
         variable,
         definition,
     };
-    Kind kind = Kind::none;
+    Kind kind = Kind::neither;
     unsigned number = none;
 };
 

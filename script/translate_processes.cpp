@@ -61,7 +61,7 @@ unsigned Translator::process_of_name(unsigned node) {
         return broken(node);
     }
     std::string_view const name = text_of(node);
-    bool const is_value = binding.kind != Binding::Kind::none || m_names.values.contains(name) ||
+    bool const is_value = binding.kind != Binding::Kind::neither || m_names.values.contains(name) ||
                           m_names.datatypes.contains(name) || find_builtin(name) != nullptr;
     if (is_value) {
         report(node, in_quotes(name) + " is a value, and a process is wanted here");
@@ -107,6 +107,12 @@ unsigned Translator::process_of_construct(unsigned node) {
     unsigned place = 0;
     for (unsigned const child : m_tree.children_of(node)) {
         append_operand(node, child, place++, operands);
+        // Where synchronising interrupts stand in a row, their sets must be the same.
+        if (construct == Construct::synchronising_interrupt && place == 1 &&
+            m_tree[child].kind == NodeKind::construct && !m_tree[child].is_parenthesised &&
+            m_tree[child].construct == construct) {
+            operands.push_back(event_set(m_tree.child(child, 1)));
+        }
     }
     return add_construct(construct, node, operands);
 }
@@ -170,7 +176,7 @@ void Translator::append_pair(Construct construct, unsigned pair, Operands& opera
 
 bool Translator::is_tick(unsigned node) const {
     return m_tree[node].kind == NodeKind::name && text_of(node) == "tick" &&
-           m_names.bindings[node].kind == Binding::Kind::none;
+           m_names.bindings[node].kind == Binding::Kind::neither;
 }
 
 unsigned Translator::prefix(unsigned node) {

@@ -160,7 +160,7 @@ unsigned Translator::value_of_call(unsigned node) {
         return call(node, binding.number, node);
     }
     Builtin const* const builtin =
-        binding.kind == Binding::Kind::none ? find_builtin(name) : nullptr;
+        binding.kind == Binding::Kind::neither ? find_builtin(name) : nullptr;
     if (builtin == nullptr || builtin->kind != Builtin::Kind::function) {
         if (binding.kind == Binding::Kind::variable || builtin != nullptr ||
             m_names.channels.contains(name) || m_names.values.contains(name)) {
@@ -257,7 +257,7 @@ unsigned Translator::comprehension(unsigned node, Results wanted) {
 unsigned Translator::event_set(unsigned node) {
     NodeKind const kind = m_tree[node].kind;
     unsigned const inner = first(node);
-    if (kind == NodeKind::name && m_names.bindings[node].kind == Binding::Kind::none &&
+    if (kind == NodeKind::name && m_names.bindings[node].kind == Binding::Kind::neither &&
         m_names.channels.contains(text_of(node))) {
         report(node, "a set of events stands between braces, as in '{| " +
                          std::string(text_of(node)) + " |}'");
@@ -306,6 +306,11 @@ unsigned Translator::event(unsigned node, Use use) {
     if (has_fields && m_names.bindings[node].kind == Binding::Kind::definition &&
         !may_be_event(head, use)) {
         return value_of_path(node);
+    }
+    bool const is_performed = use == Use::event || use == Use::renamed || use == Use::beginning;
+    if (is_performed && is_tick(node)) {
+        report(node, "'tick' may stand only in a set of events and in 'tick <-> tick'");
+        return broken(node);
     }
     if (!has_fields && !may_be_event(node, use)) {
         return value(node);

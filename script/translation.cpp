@@ -39,9 +39,15 @@ Translation Translator::run() {
     for (unsigned const node : m_tree.datatypes) {
         translate_datatype(node);
     }
+    auto const mark = [this] {
+        m_made.first_expressions.push_back(
+            static_cast<unsigned>(m_made.program.expressions.size()));
+    };
     for (unsigned number = 0; number < m_names.definitions.size(); ++number) {
+        mark();
         translate_definition(number);
     }
+    mark();
     return std::move(m_made);
 }
 
@@ -68,13 +74,19 @@ void Translator::translate_definition(unsigned number) {
             clause.body = broken(node);
         } else {
             unsigned const body = m_tree[node].last_child;
-            clause.body = named.is_process ? process(body) : value(body);
+            clause.body = named.is_process ? kept(process(body), node) : value(body);
         }
         made.clauses.push_back(std::move(clause));
     }
     made.slot_count = m_slot_count;
     m_made.program.definitions[number] = std::move(made);
     m_definition = none;
+}
+
+/// A process that is on no cycle is evaluated once and shared.
+unsigned Translator::kept(unsigned process, unsigned node) {
+    return add({.kind = Values::ExpressionKind::construct, .place = node, .number = keep_construct},
+               {process});
 }
 
 /// `datatype T = a | b.S.{0..1}` is the set of `a` and of every `b.x.y`.
@@ -90,7 +102,7 @@ void Translator::translate_datatype(unsigned node) {
     made.name = text_of(node);
     made.place = node;
     made.mode = CallMode::remember;
-    made.slot_count = m_slot_count;
+    made.slot_count = datatype.slot_count = m_slot_count;
     made.clauses.push_back({{}, add_operation(Operation::set, node, values)});
     m_made.program.definitions[m_datatype_definitions.at(text_of(node))] = std::move(made);
     m_made.datatypes.push_back(std::move(datatype));

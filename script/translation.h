@@ -29,6 +29,8 @@ struct EventLiteral {
 /// the first definitions are those of the table of names, and those of the datatypes follow.
 struct Translation {
     Values::Program program;
+    /// By definition: where its expressions begin; each ends where the next one begins.
+    std::vector<unsigned> first_expressions;
     std::vector<EventLiteral> literals;
     /// Expressions that are broken until the channels are declared: channels, and `Events`.
     std::vector<unsigned> declared_later;
@@ -38,6 +40,7 @@ struct Translation {
         /// By alternative: its name, and its fields' sets.
         std::vector<Values::Value> names;
         std::vector<std::vector<unsigned>> fields;
+        unsigned slot_count = 0;
     };
     std::vector<Datatype> datatypes;
 

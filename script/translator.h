@@ -33,6 +33,7 @@ class Translator {
 
     // translation.cpp: definitions and declarations
     void translate_definition(unsigned number);
+    unsigned kept(unsigned process, unsigned node);
     void translate_datatype(unsigned node);
     unsigned alternative(unsigned node, Translation::Datatype& datatype);
     void translate_declaration(unsigned node);
