@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/bit_set.h"
+#include "values/call_table.h"
 #include "values/field_list.h"
 #include "values/value_store.h"
 
@@ -11,7 +12,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace Calder::Values {
@@ -70,7 +70,7 @@ class ChannelTable {
     /// more are to follow: what its next field was declared with; behind the name of a value
     /// (`in.data`), the next field of that one, as far as the channel takes it. Of several
     /// declarations those count that have so many fields; if none has, all.
-    Value field_values(Value beginning, std::int64_t fields_behind) const;
+    Value field_values(Value beginning, unsigned fields_behind) const;
 
   private:
     struct Declaration {
@@ -78,27 +78,33 @@ class ChannelTable {
         unsigned first_number;
         std::shared_ptr<FieldList const> fields;
     };
-    struct Beginning; // a channel with components
+    /// A channel with components.
+    struct Beginning {
+        unsigned channel;
+        std::span<Value const> components;
+    };
     struct NextField;
 
     Declaration const* declaration_of(unsigned event) const;
+    /// Of a channel or a declared event; `room` holds the components of the latter.
     Beginning taken_apart(Value beginning, std::vector<Value>& room) const;
     Value completed(unsigned channel, std::span<Value const> components) const;
     Value name_with_fields(Value name, std::span<Value const> components) const;
-    [[noreturn]] void refuse(std::string_view what, std::string const& name,
-                             FieldList const& fields, std::span<Value const> components,
-                             FieldList::Filling const& farthest) const;
     std::string text_of_components(std::string const& name,
                                    std::span<Value const> components) const;
-    NextField next_field(Declaration const& declaration, std::span<Value const> components) const;
-    Value values_after(Value beginning, std::int64_t fields_behind) const;
+    std::string misfit(std::string const& name, FieldList const& fields,
+                       std::span<Value const> components, FieldList::Filling const& filling) const;
+    void collect_next(Declaration const& declaration, std::span<Value const> components,
+                      std::vector<NextField>& found) const;
+    Value next_values(Value beginning, unsigned fields_behind) const;
 
     ValueStore& m_store;
     std::vector<Declaration> m_declarations; // in the order of their events
     std::map<std::string, unsigned, std::less<>> m_channels;
     std::vector<std::vector<unsigned>> m_declarations_of; // by channel
-    /// Answers of field_values, by beginning and number of fields behind.
-    mutable std::map<std::pair<std::uint64_t, std::int64_t>, Value> m_field_values;
+    /// What field_values was asked, and by that number what it answered.
+    mutable CallTable m_asked;
+    mutable std::vector<Value> m_answers;
 };
 
 } // namespace Calder::Values

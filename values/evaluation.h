@@ -11,6 +11,7 @@
 namespace Calder::Values {
 
 class ChannelTable;
+class Interpreter;
 class ValueStore;
 
 /// A call that was under way.
@@ -74,8 +75,7 @@ class Evaluator {
     Value evaluate(unsigned expression, unsigned slot_count = 0);
 
   private:
-    class Implementation;
-    std::unique_ptr<Implementation> m_implementation;
+    std::unique_ptr<Interpreter> m_interpreter;
 };
 
 } // namespace Calder::Values

@@ -42,8 +42,9 @@ class Field {
     std::optional<unsigned> place_of(Value value) const;
     /// How many components its values have (1, or more for data.0), each number once, ascending.
     std::vector<unsigned> const& lengths() const { return m_lengths; }
-    /// Whether a value, a name or a dotted one, is how one of the values begins that has more fields.
-    bool has_beginning(Value value) const { return m_beginnings.find(value).has_value(); }
+    /// Where one of the values stands that begins as this one, a name or a dotted value, and has
+    /// more fields.
+    std::optional<unsigned> longer_than(Value value) const;
 
   private:
     std::vector<Value> m_values;
@@ -58,39 +59,40 @@ class Field {
 class FieldList {
   public:
     FieldList() : m_count_from{1} {}
+    /// Of lists of distinct values. A ValueError where one value of a field begins as another one
+    /// does, as data and data.0 do: what follows would not tell which one is meant.
     FieldList(ValueStore& store, std::vector<std::vector<Value>> const& fields);
 
     std::size_t size() const { return m_fields.size(); }
     Field const& operator[](std::size_t index) const { return m_fields[index]; }
     /// How many ways there are to fill the fields; 2^32 stands for any more.
-    std::uint64_t count() const { return m_count; }
-
-    /// Components that fill some of the fields, one after the other.
-    struct Filling {
-        std::size_t fields = 0;     // so many are filled
-        std::size_t components = 0; // by so many; what is left begins a value of the next field
-        std::uint64_t number = 0;   // which way to fill these fields, the last one running fastest
-    };
-    /// How all components are used up, in whole fields if that is possible. Otherwise nothing, and
-    /// `farthest` is where the first ones that do not fit stand.
-    std::optional<Filling> fill(ValueStore& store, std::span<Value const> components,
-                                Filling& farthest) const;
+    std::uint64_t count() const { return m_count_from[0]; }
     /// How many ways there are to fill the fields from this one on.
     std::uint64_t count_from(std::size_t field) const { return m_count_from[field]; }
+
+    /// How far components fill the fields, one after the other.
+    struct Filling {
+        std::size_t fields = 0;     // so many are filled
+        std::size_t components = 0; // by so many
+        std::uint64_t number = 0;   // which way to fill these fields, the last one running fastest
+        /// Whether nothing is left, or how a value of the next field begins.
+        bool fits = true;
+    };
+    Filling fill(ValueStore& store, std::span<Value const> components) const;
 
     /// Appends the values that fill the fields in way `number`.
     void append_values(std::uint64_t number, std::vector<Value>& values) const;
 
   private:
-    bool fill_from(ValueStore& store, std::span<Value const> components, Filling filling,
-                   std::optional<Filling>& best, Filling& farthest) const;
-
     std::vector<Field> m_fields;
     std::vector<std::uint64_t> m_count_from; // one more than there are fields
-    std::uint64_t m_count = 1;
 };
 
-/// The value that some components of a list are: one of them, or a name with its fields.
+/// The value that components are: a single one, or a name with its fields; nothing of others.
 Value joined(ValueStore& store, std::span<Value const> components);
+
+/// How many of the components, one or more, are the first value among them: a name takes as many
+/// values behind it as it has declared fields.
+std::size_t first_extent(ValueStore const& store, std::span<Value const> components);
 
 } // namespace Calder::Values

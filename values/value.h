@@ -3,6 +3,10 @@
 #include <cstdint>
 #include <span>
 
+namespace Calder {
+class BitSet;
+}
+
 namespace Calder::Values {
 
 struct Node; // what does not fit into a word
@@ -74,16 +78,21 @@ class Value {
 
 /// What a ValueStore keeps of a value that is no word; for values/ only.
 struct Node {
-    std::uint64_t hash; // of the content, never of an address
-    Value::Kind kind;
-    bool holds_events;   // a set: kept as a BitSet, in the place of the elements
-    std::uint16_t depth; // how deep values stand within it: 1 when nothing nests
+    Value::Kind kind = Value::Kind::none;
+    bool holds_events = false; // a set: of events only
+    std::uint16_t depth = 0;   // how deep values stand within it; 0 of names and integers
     /// A name's and a dotted value's place in the order of names; a channel's number.
-    std::uint32_t number;
+    std::uint32_t number = 0;
+    /// What it contributes to the hash of its content: of elements, a polynomial in which the first
+    /// one has the lowest power, so that leaving out the first ones takes no pass over the others.
+    std::uint64_t polynomial = 0;
     /// How many elements; of an integer, its bits.
-    std::uint64_t size;
-    /// Of a tuple, a sequence or a set; the components of a dotted value or a channel.
-    Value const* first;
+    std::uint64_t size = 0;
+    union {
+        /// Of a tuple, a sequence or a set; the components of a dotted value or a channel.
+        Value const* first = nullptr;
+        BitSet const* events;
+    };
 
     std::span<Value const> elements() const { return {first, size}; }
 };

@@ -43,7 +43,9 @@ class ValueStore {
 
     /// The channel of this number (any; given by whoever declares channels) without fields yet.
     Value channel(unsigned number, std::string const& name);
-    std::string const& text_of_channel(unsigned number) const { return m_channels[number]; }
+    /// One that was given.
+    Value channel_value(unsigned number) const { return m_channels[number].value; }
+    std::string const& text_of_channel(unsigned number) const { return m_channels[number].text; }
 
     /// Two parts or more.
     Value tuple(std::span<Value const> parts);
@@ -70,10 +72,14 @@ class ValueStore {
         Value value;
         FieldList fields;
     };
+    struct Channel {
+        std::string text;
+        Value value;
+    };
 
-    Value of_elements(Value::Kind kind, unsigned number, std::span<Value const> elements);
-    template <typename Same, typename Make>
-    Node const& intern(std::uint64_t hash, Same const& same, Make const& make);
+    Value of_elements(Node node, std::span<Value const> elements);
+    Value interned(Node const& node, bool shares_elements = false);
+    std::size_t slot_of(Node const& node) const;
     void grow();
 
     Arena m_arena;
@@ -81,8 +87,9 @@ class ValueStore {
     std::size_t m_count = 0;
     std::deque<Name> m_names;
     std::unordered_map<std::string_view, Value> m_names_by_text;
-    std::vector<std::string> m_channels;
+    std::vector<Channel> m_channels;
     std::deque<BitSet> m_event_sets;
+    std::vector<Value> m_room; // for one call
     mutable std::unordered_map<Node const*, std::vector<Value>> m_written_out;
 };
 
