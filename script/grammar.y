@@ -115,19 +115,37 @@ using Calder::Script::none;
 
 %token BAD "unreadable text"
 
+%token HIDING "\\"
+%token PROJECTION "|\\"
+%token INTERLEAVING "|||"
+%token PARALLEL_OPEN "[|"
+%token LEFT_BRACKET "["
+%token INTERNAL_CHOICE "|~|"
+%token EXTERNAL_CHOICE "[]"
+%token SYNCHRONISING_CHOICE_OPEN "[+"
+%token INTERRUPT "/\\"
+%token SYNCHRONISING_INTERRUPT_OPEN "/+"
+%token SLIDING_CHOICE "[>"
+%token SEMICOLON ";"
+%token ARROW "->"
+%token GUARD "&"
+%token OR "or"
+%token AND "and"
+%token NOT "not"
+
 %precedence OPEN
-%left HIDING "\\" PROJECTION "|\\"
-%left INTERLEAVING "|||"
-%left PARALLEL_OPEN "[|" LEFT_BRACKET "["
-%left INTERNAL_CHOICE "|~|"
-%left EXTERNAL_CHOICE "[]" SYNCHRONISING_CHOICE_OPEN "[+"
-%left INTERRUPT "/\\" SYNCHRONISING_INTERRUPT_OPEN "/+"
-%left SLIDING_CHOICE "[>"
-%right SEMICOLON ";"
-%right ARROW "->" GUARD "&"
-%left OR "or"
-%left AND "and"
-%precedence NOT "not"
+%left HIDING PROJECTION
+%left INTERLEAVING
+%left PARALLEL_OPEN LEFT_BRACKET
+%left INTERNAL_CHOICE
+%left EXTERNAL_CHOICE SYNCHRONISING_CHOICE_OPEN
+%left INTERRUPT SYNCHRONISING_INTERRUPT_OPEN
+%left SLIDING_CHOICE
+%right SEMICOLON
+%right ARROW GUARD
+%left OR
+%left AND
+%precedence NOT
 
 %%
 

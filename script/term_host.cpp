@@ -127,7 +127,8 @@ void TermHost::take_completions(Value left, Value right) {
 
 std::vector<Value> TermHost::components_of(unsigned event) const {
     std::vector<Value> components;
-    for (Value const field : m_channels.parts_of(event)->fields) {
+    auto const parts = m_channels.parts_of(event);
+    for (Value const field : parts->fields) {
         if (field.is(Value::Kind::dotted)) {
             components.push_back(m_channels.store().head(field));
             std::span<Value const> const inner = m_channels.store().elements(field);

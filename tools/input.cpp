@@ -10,10 +10,14 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <new>
+#include <optional>
+#include <utility>
 
 namespace Calder::Tools {
 
@@ -27,10 +31,9 @@ struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-/// The script; of one that is too long no more than shows that.
-std::string contents_of(Input const& input) {
-    std::unique_ptr<std::FILE, CloseFile> const file(
-        input.file == "-" ? stdin : std::fopen(input.file.c_str(), "rb"));
+/// The text of a file; of one that is too long no more than shows that. An error is in errno.
+std::optional<std::string> contents_of(std::FILE* opened) {
+    std::unique_ptr<std::FILE, CloseFile> const file(opened);
     std::string text;
     if (file) {
         char buffer[1 << 16];
@@ -42,19 +45,59 @@ std::string contents_of(Input const& input) {
         }
     }
     if (!file || std::ferror(file.get()) != 0) {
-        throw CommandError(
-            fmt::format("calder: cannot read {}: {}", input.name(), std::strerror(errno)));
+        return std::nullopt;
     }
     return text;
 }
 
+/// What a script includes stands beside it; `name` is that of the script.
+Script::Inclusion include_file(std::string_view path, std::string_view from) {
+    std::filesystem::path const relative(path);
+    std::filesystem::path const file =
+        (std::filesystem::path(from).parent_path() / relative).lexically_normal();
+    std::optional<std::string> text = contents_of(std::fopen(file.c_str(), "rb"));
+    if (!text) {
+        return {{}, std::strerror(errno)};
+    }
+    return {{file.string(), std::move(*text)}};
+}
+
+/// "N=9"
+std::pair<std::string, std::string> definition_of(std::string const& text) {
+    std::size_t const equals = text.find('=');
+    if (equals == std::string::npos || equals == 0 || equals + 1 == text.size()) {
+        throw CommandError(
+            fmt::format("calder: --define wants NAME=VALUE, as in 'N=9', and not '{}'", text));
+    }
+    return {text.substr(0, equals), text.substr(equals + 1)};
+}
+
+/// A name is looked up, and what else there is told; anything more is read like the script.
+bool is_name(std::string const& text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char c) {
+        return std::isalnum(c) != 0 || c == '_' || c == '\'';
+    });
+}
+
 std::unique_ptr<Script::Script> read_script(Input const& input) {
-    std::string const text = contents_of(input);
-    Script::ReadResult result = Script::read_script(text);
+    std::optional<std::string> text =
+        contents_of(input.file == "-" ? stdin : std::fopen(input.file.c_str(), "rb"));
+    if (!text) {
+        throw CommandError(
+            fmt::format("calder: cannot read {}: {}", input.name(), std::strerror(errno)));
+    }
+    Script::ReadOptions options;
+    for (std::string const& definition : input.definitions) {
+        options.definitions.push_back(definition_of(definition));
+    }
+    options.process = is_name(input.process) ? "" : input.process;
+    options.include = include_file;
+    Script::ReadResult result =
+        Script::read_script({input.name(), std::move(*text)}, options);
     if (result.script) {
         return std::move(result.script);
     }
-    std::string errors = Script::render_all(result.diagnostics, input.name(), text);
+    std::string errors = Script::render_all(result.diagnostics, result.sources);
     errors.pop_back(); // the newline that the caller adds to every message
     throw CommandError(errors);
 }
@@ -100,8 +143,14 @@ std::unique_ptr<Script::Script> read_input(Input const& input, std::uint64_t max
 }
 
 Script::Script::Definition const& chosen_process(Script::Script const& script, Input const& input) {
+    if (script.asked() != nullptr) {
+        return *script.asked();
+    }
     if (script.definitions().empty()) {
-        throw CommandError(fmt::format("calder: {} defines no process", input.name()));
+        throw CommandError(
+            fmt::format("calder: {} defines no process without parameters; one with parameters is "
+                        "asked for as in --process 'P(0)'",
+                        input.name()));
     }
     if (input.process.empty()) {
         return script.definitions().back();
@@ -111,6 +160,12 @@ Script::Script::Definition const& chosen_process(Script::Script const& script, I
     }
     throw CommandError(fmt::format("calder: {} does not define '{}'{}", input.name(), input.process,
                                    known_names(script, input.process)));
+}
+
+CommandError error_of(Script::ScriptError const& error, Script::Script const& script) {
+    std::string text = Script::render(error.diagnostic(), script.sources());
+    text.pop_back();
+    return CommandError(text);
 }
 
 } // namespace Calder::Tools

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "script/script.h"
+#include "tools/command_error.h"
 
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace Calder::Tools {
 
@@ -12,8 +14,10 @@ namespace Calder::Tools {
 struct Input {
     /// `-` for standard input.
     std::string file;
-    /// Empty for the process defined last.
+    /// Empty for the process defined last; a name, or anything that the notation has for a process.
     std::string process;
+    /// NAME=VALUE: what the script is to define instead of what it does.
+    std::vector<std::string> definitions;
 
     /// The file in messages.
     std::string name() const { return file == "-" ? "standard input" : file; }
@@ -30,5 +34,8 @@ std::unique_ptr<Script::Script> read_input(Input const& input,
 
 /// The definition that the input names; throws CommandError when there is none.
 Script::Script::Definition const& chosen_process(Script::Script const& script, Input const& input);
+
+/// What went wrong as the process was asked for what it does, as an error of the script.
+CommandError error_of(Script::ScriptError const& error, Script::Script const& script);
 
 } // namespace Calder::Tools

@@ -31,8 +31,14 @@ void add_input(CLI::App& command, Input& input) {
         ->required()
         ->check(not_empty());
     command.add_option("--process", input.process, "The process; by default the last one defined")
-        ->type_name("NAME")
+        ->type_name("PROCESS")
         ->check(not_empty());
+    command
+        .add_option("--define", input.definitions,
+                    "Define a constant of the script, in the place of what it says; any number")
+        ->type_name("NAME=VALUE")
+        ->expected(1)
+        ->take_all();
 }
 
 /// An option with a whole number, from `least` to what the variable holds or `most`.
