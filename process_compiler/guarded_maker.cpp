@@ -46,7 +46,7 @@ ProcessPointer GuardedMaker::make(unsigned number) {
     }
     Path const path(*this);
     enter(number);
-    ProcessPointer const made = m_path.front().term;
+    ProcessPointer made = m_path.front().term;
     while (!m_path.empty()) {
         if (m_waiting.size() == m_path.back().waiting_before) {
             leave();

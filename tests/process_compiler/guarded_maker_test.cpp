@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <numeric>
 #include <stdexcept>
 
 namespace Calder::ProcessCompiler {
@@ -134,7 +135,25 @@ TEST(GuardedMaker, a_chain_of_instances_has_a_limit) {
         EXPECT_EQ(instances.maker.made.size(), unguarded_chain_limit + 1);
         EXPECT_EQ(instances.source.is_defined(*instances.reference(unguarded_chain_limit)),
                   is_short);
+        EXPECT_EQ(instances.error_of(1), "") << "is shorter by one";
     }
+}
+
+TEST(GuardedMaker, neither_what_runs_side_by_side_nor_what_was_defined_counts_as_a_chain) {
+    constexpr unsigned count = 2 * unguarded_chain_limit;
+    Numbers all(count);
+    std::iota(all.begin(), all.end(), 1);
+    Instances side_by_side([&](unsigned number) { return number == 0 ? all : Numbers{}; });
+    EXPECT_EQ(side_by_side.error_of(0), "");
+    EXPECT_EQ(side_by_side.maker.made.size(), count + 1);
+
+    Instances defined([](unsigned number) { return number < 2 ? Numbers{number + 1} : Numbers{}; });
+    (void)defined.reference(count);
+    for (unsigned number = 2; number < count; ++number) {
+        defined.source.define(*defined.reference(number), defined.term({number + 1}));
+    }
+    EXPECT_EQ(defined.error_of(0), "");
+    EXPECT_EQ(defined.maker.made, (Numbers{0, 1, count}));
 }
 
 TEST(GuardedMaker, each_is_made_and_visited_once_however_long_the_chain_behind_it) {

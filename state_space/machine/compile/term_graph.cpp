@@ -16,7 +16,6 @@ using ProcessCompiler::CompilationLevel;
 using ProcessCompiler::NamedProcess;
 using ProcessCompiler::NamedProcessPointer;
 using ProcessCompiler::NamedProcessSource;
-using ProcessCompiler::Process;
 using ProcessCompiler::ProcessPointer;
 
 namespace {

@@ -23,7 +23,7 @@ struct RefusedRecursion {
 
 /// A machine is made of so many instances at most, leaving out those that are sequential. Each has
 /// to be made before the first step, and `P(n) = a -> (Q ||| P(n + 1))` has no end of them. They
-/// take about a second and 100 MiB.
+/// take 0.3 s and 70 MiB where their terms are small.
 constexpr unsigned most_instances = 100'000;
 
 /// What a term is made of: its arguments, their arguments and so on, and behind each name what it
