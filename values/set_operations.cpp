@@ -1,3 +1,4 @@
+#include "core/panic.h"
 #include "values/limits.h"
 #include "values/operations.h"
 #include "values/value_error.h"
@@ -37,7 +38,8 @@ Value Operations::of_sets(Operation operation, std::span<Value const> operands) 
     case Operation::is_empty: return Value::truth(size_of(set) == 0);
     case Operation::big_union: return big_union(set);
     case Operation::big_intersection: return big_intersection(set);
-    default: return power_set(set);
+    case Operation::power_set: return power_set(set);
+    default: panic(no_such_operation);
     }
 }
 
