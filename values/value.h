@@ -61,6 +61,7 @@ class Value {
     std::int64_t as_integer() const;
     unsigned as_event() const { return static_cast<unsigned>(m_word >> tag_bits); }
     unsigned as_foreign() const { return static_cast<unsigned>(m_word >> tag_bits); }
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the word is a pointer where no tag says otherwise
     Node const& node() const { return *reinterpret_cast<Node const*>(m_word); }
 
   private:
