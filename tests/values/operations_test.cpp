@@ -143,6 +143,8 @@ TEST(Operations, of_sets) {
         {Operation::set_union, "{1, 3}, {2, 3}", "{1, 2, 3}"},
         {Operation::set_union, "{think}, {up.0.0, 4}", "{4, think, up.0.0}"},
         {Operation::set_union, "{think}, {}", "{think}"},
+        {Operation::set_union, "{think}, {up}", "{think, up}"},
+        {Operation::set_union, "{think}, {ack}", "{ack, think}"},
         {Operation::set_union, "{1}, <2>", "'union' wants sets, and <2> is a sequence"},
         {Operation::intersection, "{1, 3}, {2, 3}", "{3}"},
         {Operation::intersection, "{think, up.0.0}, {up.0.0, up}", "{up.0.0}"},
