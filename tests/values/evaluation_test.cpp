@@ -80,7 +80,7 @@ TEST(Evaluator, comprehensions_yield_every_way_to_satisfy_them) {
     Qualifier const each_behind{b.binding(3),
                                 b.operation(Operation::sequence_range, {x, b.constant("3")}), 4};
     Qualifier const differ{no_number, b.operation(Operation::differ, {x, b.constant("2")}), 0};
-    Qualifier const each_set{b.binding(0), b.constant("{{}, {1, 2}, {3}}"), 1};
+    Qualifier const each_set{b.binding(0), b.constant("{{}, {1, 2}, {3}}"), 4};
     Qualifier const always{no_number, b.constant("true"), 0};
     Qualifier const never{no_number, b.constant("false"), 0};
     Qualifier const events{b.binding(0), b.constant("{think, up.0.0}"), 1};
