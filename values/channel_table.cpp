@@ -114,7 +114,7 @@ std::string ChannelTable::event_name(unsigned number) const {
     if (!parts) {
         return number == tick_number ? "tick" : number == tau_number ? "tau" : "?";
     }
-    return text_of_components(name_of(parts->channel), parts->fields);
+    return text_of(*this, name_of(parts->channel), parts->fields);
 }
 
 std::optional<ChannelTable::Parts> ChannelTable::parts_of(unsigned event) const {
@@ -176,7 +176,7 @@ Value ChannelTable::completed(unsigned channel, std::span<Value const> component
         return m_store.dotted(m_store.channel_value(channel), components);
     }
     std::string const& name = name_of(channel);
-    std::string const text = text_of_components(name, components);
+    std::string const text = short_text_of(*this, name, components);
     throw ValueError("the event " + in_quotes(text) + " is not declared: " +
                      misfit(name, *m_declarations[farthest].fields, components, best));
 }
@@ -189,18 +189,8 @@ Value ChannelTable::name_with_fields(Value name, std::span<Value const> componen
         return m_store.dotted(head, components);
     }
     std::string const& text = m_store.text_of_name(head);
-    throw ValueError(in_quotes(text_of_components(text, components)) +
+    throw ValueError(in_quotes(short_text_of(*this, text, components)) +
                      " is no value: " + misfit(text, fields, components, filling));
-}
-
-std::string ChannelTable::text_of_components(std::string const& name,
-                                             std::span<Value const> components) const {
-    std::string text = name;
-    for (Value const component : components) {
-        text += '.';
-        text += text_of(*this, component);
-    }
-    return text;
 }
 
 /// Why components that do not fit the fields do not.

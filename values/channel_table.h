@@ -49,7 +49,7 @@ class ChannelTable {
     /// some. Constant in time for fields of integers without gaps; otherwise a lookup for each field.
     Value with_fields(Value base, std::span<Value const> more) const;
 
-    /// `up.0.1`, `tick`, `tau`.
+    /// `up.0.1`, `tick`, `tau`; `?` of a number without an event.
     std::string event_name(unsigned number) const;
 
     /// An event taken apart.
@@ -90,8 +90,6 @@ class ChannelTable {
     Beginning taken_apart(Value beginning, std::vector<Value>& room) const;
     Value completed(unsigned channel, std::span<Value const> components) const;
     Value name_with_fields(Value name, std::span<Value const> components) const;
-    std::string text_of_components(std::string const& name,
-                                   std::span<Value const> components) const;
     std::string misfit(std::string const& name, FieldList const& fields,
                        std::span<Value const> components, FieldList::Filling const& filling) const;
     void collect_next(Declaration const& declaration, std::span<Value const> components,

@@ -53,7 +53,8 @@ class Unreadable : public std::exception {
 class Host {
   public:
     virtual ~Host() = default;
-    /// The meaning of a `construct` with these operands; usually foreign.
+    /// The meaning of a `construct` with these operands; usually foreign, with a number below
+    /// no_number.
     virtual Value construct(Expression const& expression, std::span<Value const> operands) = 0;
     /// The meaning of a call of a definition of mode `refer`.
     virtual Value refer(unsigned definition, std::span<Value const> arguments, Place place) = 0;

@@ -1,4 +1,5 @@
 #include "values/channel_table.h"
+#include "values/text.h"
 #include "values/value_error.h"
 
 #include <algorithm>
@@ -90,7 +91,7 @@ Value ChannelTable::next_values(Value beginning, unsigned fields_behind) const {
         collect_next(m_declarations[number], components, found);
     }
     if (found.empty()) {
-        throw ValueError('\'' + text_of_components(name_of(channel), components) +
+        throw ValueError('\'' + short_text_of(*this, name_of(channel), components) +
                          "' takes no further field");
     }
     auto const has_as_many = [&](NextField const& next) {

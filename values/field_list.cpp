@@ -99,12 +99,10 @@ std::optional<unsigned> Field::place_of(Value value) const {
     if (!value.is(Value::Kind::integer)) {
         return std::nullopt;
     }
-    // The difference of any two integers fits into the unsigned word.
+    // What is smaller than the first one comes round to the largest numbers.
     std::uint64_t const place = static_cast<std::uint64_t>(value.as_integer()) -
                                 static_cast<std::uint64_t>(*m_first_integer);
-    return value.as_integer() >= *m_first_integer && place < m_values.size()
-               ? std::optional(static_cast<unsigned>(place))
-               : std::nullopt;
+    return place < m_values.size() ? std::optional(static_cast<unsigned>(place)) : std::nullopt;
 }
 
 std::optional<unsigned> Field::longer_than(Value value) const {

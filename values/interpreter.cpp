@@ -85,7 +85,9 @@ void Interpreter::step() {
     case ExpressionKind::variable: break; // never become tasks
     case ExpressionKind::operation:
         if (has_operands(task)) {
-            finish(task.first, m_operations.apply(expression.operation, values_from(task.first)));
+            std::span<Value const> const operands = values_from(task.first);
+            Value const quick = quick_result(expression.operation, operands);
+            finish(task.first, quick ? quick : m_operations.apply(expression.operation, operands));
         }
         break;
     case ExpressionKind::conditional: choose(task); break;

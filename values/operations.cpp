@@ -1,11 +1,11 @@
 #include "values/operations.h"
 
+#include "core/panic.h"
 #include "values/limits.h"
 #include "values/text.h"
 #include "values/value_error.h"
 
 #include <algorithm>
-#include <array>
 
 namespace Calder::Values {
 
@@ -50,9 +50,9 @@ Value Operations::apply(Operation operation, std::span<Value const> operands) co
     case Operation::less:
     case Operation::at_most:
     case Operation::greater:
-    case Operation::at_least:
+    case Operation::at_least: return of_integers(operation, operands);
     case Operation::sequence_range:
-    case Operation::set_range: return of_integers(operation, operands);
+    case Operation::set_range: return range(operation, operands);
     case Operation::equal:
     case Operation::differ:
     case Operation::negation:
@@ -101,7 +101,7 @@ Value Operations::of_integers(Operation operation, std::span<Value const> operan
     case Operation::at_most: return Value::truth(left <= right);
     case Operation::greater: return Value::truth(left > right);
     case Operation::at_least: return Value::truth(left >= right);
-    default: return range(operation, left, right);
+    default: panic(no_such_operation);
     }
     if (overflows) {
         refuse_result(operation, operands);
@@ -123,7 +123,10 @@ void Operations::refuse_result(Operation operation, std::span<Value const> opera
     throw ValueError("the " + result + " does not fit into 64 bits");
 }
 
-Value Operations::range(Operation operation, std::int64_t first, std::int64_t last) const {
+Value Operations::range(Operation operation, std::span<Value const> operands) const {
+    want(operation, operands, Value::Kind::integer);
+    std::int64_t const first = operands[0].as_integer();
+    std::int64_t const last = operands[1].as_integer();
     std::vector<Value> elements;
     if (first <= last) {
         // One less than there are, which always fits.
@@ -151,9 +154,10 @@ Value Operations::of_values(Operation operation, std::span<Value const> operands
         check_size(operands.size(), "a sequence");
         return m_store.sequence(operands);
     case Operation::set: return checked_size(m_store.set(operands), "a set");
-    default:
+    case Operation::negation:
         want(operation, operands, Value::Kind::truth);
         return Value::truth(!operands[0].as_truth());
+    default: panic(no_such_operation);
     }
 }
 
@@ -161,9 +165,10 @@ Value Operations::of_fields(Operation operation, std::span<Value const> operands
     switch (operation) {
     case Operation::dot: return m_channels.with_fields(operands[0], operands.subspan(1));
     case Operation::closure: return closure(operands);
-    default:
+    case Operation::field_values:
         return m_channels.field_values(operands[0],
                                        static_cast<unsigned>(operands[1].as_integer()));
+    default: panic(no_such_operation);
     }
 }
 

@@ -39,7 +39,7 @@ std::strong_ordering compare_elements(Left const& left, Right const& right) {
             return std::strong_ordering::greater;
         }
         auto const order = compare(as_value(element), as_value(*other));
-        if (order != 0) {
+        if (std::is_neq(order)) {
             return order;
         }
         ++other;
@@ -61,7 +61,7 @@ std::strong_ordering compare_nodes(Node const& left, Node const& right) {
         return compare_sets(left, right);
     }
     auto const order = left.number <=> right.number;
-    return order != 0 ? order : compare_elements(left.elements(), right.elements());
+    return std::is_neq(order) ? order : compare_elements(left.elements(), right.elements());
 }
 
 } // namespace
@@ -72,7 +72,7 @@ std::strong_ordering compare(Value left, Value right) {
     }
     Value::Kind const kind = left.kind();
     auto const order = rank_of(kind) <=> rank_of(right.kind());
-    if (order != 0) {
+    if (std::is_neq(order)) {
         return order;
     }
     switch (kind) {

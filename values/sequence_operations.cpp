@@ -1,3 +1,4 @@
+#include "core/panic.h"
 #include "values/operations.h"
 #include "values/value_error.h"
 
@@ -19,12 +20,14 @@ Value Operations::of_sequences(Operation operation, std::span<Value const> opera
     case Operation::concatenate: return concatenated(operands);
     case Operation::concat: return concatenated_all(sequence);
     case Operation::set_of: return m_store.set(elements);
-    default: break;
+    case Operation::head:
+    case Operation::tail:
+        if (elements.empty()) {
+            throw ValueError('\'' + std::string(symbol_of(operation)) + "' of an empty sequence");
+        }
+        return operation == Operation::head ? elements[0] : m_store.suffix(sequence, 1);
+    default: panic(no_such_operation);
     }
-    if (elements.empty()) {
-        throw ValueError('\'' + std::string(symbol_of(operation)) + "' of an empty sequence");
-    }
-    return operation == Operation::head ? elements[0] : m_store.suffix(sequence, 1);
 }
 
 Value Operations::concatenated(std::span<Value const> sequences) const {

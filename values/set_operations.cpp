@@ -1,3 +1,4 @@
+#include "core/panic.h"
 #include "values/limits.h"
 #include "values/operations.h"
 #include "values/value_error.h"
@@ -8,8 +9,6 @@
 namespace Calder::Values {
 
 namespace {
-
-constexpr auto is_less = [](Value left, Value right) { return compare(left, right) < 0; };
 
 bool are_event_sets(Value left, Value right) {
     return is_event_set(left) && is_event_set(right);
@@ -37,7 +36,8 @@ Value Operations::of_sets(Operation operation, std::span<Value const> operands) 
     case Operation::is_empty: return Value::truth(size_of(set) == 0);
     case Operation::big_union: return big_union(set);
     case Operation::big_intersection: return big_intersection(set);
-    default: return power_set(set);
+    case Operation::power_set: return power_set(set);
+    default: panic(no_such_operation);
     }
 }
 
@@ -49,7 +49,7 @@ Value Operations::set_union(Value left, Value right) const {
     }
     std::vector<Value> elements;
     std::ranges::set_union(m_store.elements(left), m_store.elements(right),
-                           std::back_inserter(elements), is_less);
+                           std::back_inserter(elements), is_before);
     check_size(elements.size(), "a union");
     return m_store.set_from_sorted(elements);
 }
@@ -60,7 +60,7 @@ Value Operations::intersection(Value left, Value right) const {
     }
     std::vector<Value> elements;
     std::ranges::set_intersection(m_store.elements(left), m_store.elements(right),
-                                  std::back_inserter(elements), is_less);
+                                  std::back_inserter(elements), is_before);
     return m_store.set_from_sorted(elements);
 }
 
@@ -70,7 +70,7 @@ Value Operations::difference(Value left, Value right) const {
     }
     std::vector<Value> elements;
     std::ranges::set_difference(m_store.elements(left), m_store.elements(right),
-                                std::back_inserter(elements), is_less);
+                                std::back_inserter(elements), is_before);
     return m_store.set_from_sorted(elements);
 }
 
@@ -89,7 +89,7 @@ Value Operations::big_union(Value sets) const {
         std::span<Value const> const further = m_store.elements(set);
         elements.insert(elements.end(), further.begin(), further.end());
         if (elements.size() > 2 * largest_collection) {
-            std::ranges::sort(elements, is_less);
+            std::ranges::sort(elements, is_before);
             elements.erase(std::unique(elements.begin(), elements.end()), elements.end());
             check_size(elements.size(), "a union");
         }
@@ -139,7 +139,7 @@ bool has_member(ValueStore const& store, Value set, Value value) {
     if (is_event_set(set)) {
         return value.is(Value::Kind::event) && events_of(set).member(value.as_event());
     }
-    return std::ranges::binary_search(store.elements(set), value, is_less);
+    return std::ranges::binary_search(store.elements(set), value, is_before);
 }
 
 } // namespace Calder::Values

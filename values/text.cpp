@@ -23,9 +23,11 @@ class Writer {
         case Value::Kind::integer: write(std::to_string(value.as_integer())); return;
         case Value::Kind::event: write(m_channels.event_name(value.as_event())); return;
         case Value::Kind::name: write(store().text_of_name(value)); return;
-        case Value::Kind::dotted: write_fields(store().text_of_name(value), value); return;
+        case Value::Kind::dotted:
+            write_with(store().text_of_name(value), value.node().elements());
+            return;
         case Value::Kind::channel:
-            write_fields(m_channels.name_of(value.node().number), value);
+            write_with(m_channels.name_of(value.node().number), value.node().elements());
             return;
         case Value::Kind::tuple: write_between("(", value.node().elements(), ")"); return;
         case Value::Kind::sequence: write_between("<", value.node().elements(), ">"); return;
@@ -48,9 +50,28 @@ class Writer {
         write(closing);
     }
 
+    void write_with(std::string_view name, std::span<Value const> components) {
+        write(name);
+        for (Value const component : components) {
+            if (is_full()) {
+                return;
+            }
+            write(".");
+            write(component);
+        }
+    }
+
     bool is_full() const { return m_text.size() > m_most; }
 
-    std::string text() {
+    std::string full_text() {
+        if (is_full()) {
+            throw ValueError("the text of a value has more than " + std::to_string(m_most) +
+                             " characters");
+        }
+        return std::move(m_text);
+    }
+
+    std::string short_text() {
         if (is_full()) {
             std::size_t end = m_most;
             while (end > 0 && (static_cast<unsigned char>(m_text[end]) & 0xC0U) == 0x80U) {
@@ -68,17 +89,6 @@ class Writer {
     void write(std::string_view text) {
         if (!is_full()) {
             m_text += text;
-        }
-    }
-
-    void write_fields(std::string_view name, Value value) {
-        write(name);
-        for (Value const component : value.node().elements()) {
-            if (is_full()) {
-                return;
-            }
-            write(".");
-            write(component);
         }
     }
 
@@ -109,17 +119,27 @@ class Writer {
 std::string text_of(ChannelTable const& channels, Value value) {
     Writer writer(channels, longest_text);
     writer.write(value);
-    if (writer.is_full()) {
-        throw ValueError("the text of a value has more than " + std::to_string(longest_text) +
-                         " characters");
-    }
-    return writer.text();
+    return writer.full_text();
+}
+
+std::string text_of(ChannelTable const& channels, std::string_view name,
+                    std::span<Value const> components) {
+    Writer writer(channels, longest_text);
+    writer.write_with(name, components);
+    return writer.full_text();
 }
 
 std::string short_text_of(ChannelTable const& channels, Value value, std::size_t characters) {
     Writer writer(channels, characters);
     writer.write(value);
-    return writer.text();
+    return writer.short_text();
+}
+
+std::string short_text_of(ChannelTable const& channels, std::string_view name,
+                          std::span<Value const> components) {
+    Writer writer(channels, longest_quotation);
+    writer.write_with(name, components);
+    return writer.short_text();
 }
 
 std::string short_text_of(ChannelTable const& channels, Value value) {

@@ -20,6 +20,12 @@ std::string short_text_of(ChannelTable const& channels, Value value, std::size_t
 /// For messages.
 std::string short_text_of(ChannelTable const& channels, Value value);
 
+/// `up.0.1`: a name with components, in full and for messages.
+std::string text_of(ChannelTable const& channels, std::string_view name,
+                    std::span<Value const> components);
+std::string short_text_of(ChannelTable const& channels, std::string_view name,
+                          std::span<Value const> components);
+
 /// `(3, <>)`, each argument cut short for messages; nothing of none.
 std::string short_text_of(ChannelTable const& channels, std::span<Value const> arguments);
 

@@ -47,6 +47,8 @@ class Value {
     }
     static Value of_node(Node const* node) { return Value(reinterpret_cast<std::uint64_t>(node)); }
 
+    bool is_small_integer() const { return (m_word & tag_mask) == integer_tag; }
+
     Kind kind() const;
     bool is(Kind wanted) const { return kind() == wanted; }
     explicit operator bool() const { return m_word != 0; }
@@ -59,6 +61,7 @@ class Value {
     std::int64_t as_integer() const;
     unsigned as_event() const { return static_cast<unsigned>(m_word >> tag_bits); }
     unsigned as_foreign() const { return static_cast<unsigned>(m_word >> tag_bits); }
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the word is a pointer where no tag says otherwise
     Node const& node() const { return *reinterpret_cast<Node const*>(m_word); }
 
   private:
@@ -104,8 +107,8 @@ inline Value::Kind Value::kind() const {
 }
 
 inline std::int64_t Value::as_integer() const {
-    return (m_word & tag_mask) == integer_tag ? static_cast<std::int64_t>(m_word) >> tag_bits
-                                              : static_cast<std::int64_t>(node().size);
+    return is_small_integer() ? static_cast<std::int64_t>(m_word) >> tag_bits
+                              : static_cast<std::int64_t>(node().size);
 }
 
 } // namespace Calder::Values

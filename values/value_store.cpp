@@ -92,12 +92,14 @@ bool is_node(Value value) {
            value.is(Value::Kind::sequence) || value.is(Value::Kind::set);
 }
 
+std::uint16_t depth_of(Value value) {
+    return is_node(value) ? value.node().depth : std::uint16_t{0};
+}
+
 std::uint16_t depth_around(std::span<Value const> elements) {
     std::uint16_t deepest = 0;
     for (Value const element : elements) {
-        if (is_node(element)) {
-            deepest = std::max(deepest, element.node().depth);
-        }
+        deepest = std::max(deepest, depth_of(element));
     }
     if (deepest >= value_nesting_limit) {
         throw ValueError("the values nest too deeply: more than " +
@@ -182,7 +184,9 @@ Value ValueStore::suffix(Value sequence, std::size_t count) {
     }
     node.first += count;
     node.size -= count;
-    if (node.depth > 1) {
+    // Most often the first element that is left is as deep as any.
+    auto const is_deepest = [&](Value element) { return depth_of(element) + 1 == node.depth; };
+    if (node.depth > 1 && std::ranges::none_of(node.elements(), is_deepest)) {
         node.depth = depth_around(node.elements());
     }
     return interned(node, true);
@@ -193,7 +197,7 @@ Value ValueStore::set(std::span<Value const> elements) {
         return event_set(bits_of(elements));
     }
     m_room.assign(elements.begin(), elements.end());
-    std::ranges::sort(m_room, [](Value left, Value right) { return compare(left, right) < 0; });
+    std::ranges::sort(m_room, is_before);
     m_room.erase(std::unique(m_room.begin(), m_room.end()), m_room.end());
     return of_elements(node_of(Value::Kind::set), m_room);
 }

@@ -51,7 +51,7 @@ class ValueStore {
     Value tuple(std::span<Value const> parts);
     Value sequence(std::span<Value const> elements);
     /// What stands behind the first `count` elements; shares their memory, so constant in time and
-    /// space unless the elements nest.
+    /// space unless the elements nest unevenly.
     Value suffix(Value sequence, std::size_t count);
     /// The elements in any order, and more than once.
     Value set(std::span<Value const> elements);
@@ -108,6 +108,9 @@ inline std::size_t size_of(Value value) {
 /// then field by field), complete events (by number), channels (by channel, then field by field),
 /// tuples, sequences, sets; the last three element by element, what ends first first.
 std::strong_ordering compare(Value left, Value right);
+inline bool is_before(Value left, Value right) {
+    return std::is_lt(compare(left, right));
+}
 
 /// How many components the value has as a field of another one: itself, or its name and fields.
 std::size_t component_count(Value value);

@@ -80,6 +80,8 @@ TEST(Evaluator, comprehensions_yield_every_way_to_satisfy_them) {
     Qualifier const each_behind{b.binding(3),
                                 b.operation(Operation::sequence_range, {x, b.constant("3")}), 4};
     Qualifier const differ{no_number, b.operation(Operation::differ, {x, b.constant("2")}), 0};
+    Qualifier const each_set{b.binding(0), b.constant("{{}, {1, 2}, {3}}"), 4};
+    Qualifier const always{no_number, b.constant("true"), 0};
     Qualifier const never{no_number, b.constant("false"), 0};
     Qualifier const events{b.binding(0), b.constant("{think, up.0.0}"), 1};
     Qualifier const with_data{
@@ -100,6 +102,7 @@ TEST(Evaluator, comprehensions_yield_every_way_to_satisfy_them) {
         {{each}, {x}, "<1, 2, 3>"},
         {{each}, {x, range}, "<1, {1, 2, 3}, 2, {1, 2, 3}, 3, {1, 2, 3}>"},
         {{each, differ}, {x}, "<1, 3>"},
+        {{each_set, always}, {x}, "<{}, {1, 2}, {3}>"},
         {{each, each_behind}, {both}, "<(1, 1), (1, 2), (1, 3), (2, 2), (2, 3), (3, 3)>"},
         {{each, differ, each_behind}, {both}, "<(1, 1), (1, 2), (1, 3), (3, 3)>"},
         {{each, each_behind, never}, {both}, "<>"},
@@ -213,6 +216,11 @@ class FaultyHost : public Testing::TupleHost {
             error.calls.push_back({1, {Value::truth(true)}, 55});
             throw error;
         }
+        case 3: {
+            EvaluationError error(77, "wrong far inside");
+            error.calls.assign(40, {1, {Value::truth(true)}, 55});
+            throw error;
+        }
         default: throw std::runtime_error("other");
         }
     }
@@ -235,7 +243,16 @@ TEST(Evaluator, what_the_host_throws_gets_its_place_and_calls) {
         EXPECT_EQ(e.outcome([&] { return evaluator.call(f, e.world.read_all("3"), 1000); }),
                   outcomes[number]);
     }
-    unsigned const f = b.define("f", CallMode::remember, 1, 1, b.construct(3, {}));
+    unsigned const deep = b.define("deep", CallMode::remember, 1, 1, b.construct(3, {}));
+    try {
+        evaluator.call(deep, e.world.read_all("3"), 1000);
+        ADD_FAILURE();
+    } catch (EvaluationError const& error) {
+        ASSERT_EQ(error.calls.size(), 11U); // five, what is left out, five
+        EXPECT_EQ(error.calls[5].definition, no_number);
+        EXPECT_EQ(error.calls[10].definition, deep);
+    }
+    unsigned const f = b.define("f", CallMode::remember, 1, 1, b.construct(4, {}));
     for (unsigned round = 0; round < 2; ++round) { // and it is not taken for a call under way
         EXPECT_THROW(evaluator.call(f, e.world.read_all("3"), 0), std::runtime_error);
     }

@@ -22,13 +22,15 @@ void check(std::span<Row const> rows) {
     World world;
     Operations const operations(world.channels);
     for (Row const& row : rows) {
-        EXPECT_EQ(Testing::outcome_of(world,
-                                      [&] {
-                                          return operations.apply(row.operation,
-                                                                  world.read_all(row.operands));
-                                      }),
-                  row.outcome)
+        std::vector<Value> const operands = world.read_all(row.operands);
+        EXPECT_EQ(
+            Testing::outcome_of(world, [&] { return operations.apply(row.operation, operands); }),
+            row.outcome)
             << symbol_of(row.operation) << ": " << row.operands;
+        if (Value const quick = quick_result(row.operation, operands)) {
+            EXPECT_EQ(world.text(quick), row.outcome)
+                << symbol_of(row.operation) << ": " << row.operands;
+        }
     }
 }
 
@@ -39,6 +41,7 @@ TEST(Operations, of_integers) {
         {Operation::add, "9223372036854775807, 1",
          "the sum 9223372036854775807 + 1 does not fit into 64 bits"},
         {Operation::subtract, "2, 3", "-1"},
+        {Operation::subtract, "-1152921504606846976, 1", "-1152921504606846977"},
         {Operation::subtract, "-9223372036854775808, 1",
          "the difference -9223372036854775808 - 1 does not fit into 64 bits"},
         {Operation::multiply, "-4, 3", "-12"},
@@ -91,6 +94,8 @@ TEST(Operations, of_any_values_and_truth_values) {
     Row const rows[] = {
         {Operation::equal, "<1, 2>, <1, 2>", "true"},
         {Operation::equal, "1, true", "false"},
+        {Operation::equal, "2, 2", "true"},
+        {Operation::differ, "2, 3", "true"},
         {Operation::differ, "{2, 1}, {1, 2}", "false"},
         {Operation::differ, "data.0, data.1", "true"},
         {Operation::negation, "true", "false"},
@@ -138,6 +143,8 @@ TEST(Operations, of_sets) {
         {Operation::set_union, "{1, 3}, {2, 3}", "{1, 2, 3}"},
         {Operation::set_union, "{think}, {up.0.0, 4}", "{4, think, up.0.0}"},
         {Operation::set_union, "{think}, {}", "{think}"},
+        {Operation::set_union, "{think}, {up}", "{think, up}"},
+        {Operation::set_union, "{think}, {ack}", "{ack, think}"},
         {Operation::set_union, "{1}, <2>", "'union' wants sets, and <2> is a sequence"},
         {Operation::intersection, "{1, 3}, {2, 3}", "{3}"},
         {Operation::intersection, "{think, up.0.0}, {up.0.0, up}", "{up.0.0}"},
