@@ -137,8 +137,7 @@ class Binder {
         case NodeKind::comprehension: visit_comprehension(node); return;
         case NodeKind::dotted: use_local_path(node); break;
         case NodeKind::construct:
-            if (m_tree[m_tree[node].first_child].kind == NodeKind::communication &&
-                m_tree[node].first_child != none) {
+            if (m_tree[node].construct == Construct::prefix) {
                 visit_prefix(node);
                 return;
             }
