@@ -31,7 +31,9 @@ void add_input(CLI::App& command, Input& input) {
     command.add_option("FILE", input.file, "The script; - for standard input")
         ->required()
         ->check(not_empty());
-    command.add_option("--process", input.process, "The process; by default the last one defined")
+    command
+        .add_option("--process", input.process,
+                    "The process, by its name or as a term; by default the last one defined")
         ->type_name("PROCESS")
         ->check(not_empty());
     command
