@@ -75,7 +75,6 @@ constexpr std::array words{
     Row{"Channel", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
     Row{"elseif", "write 'else if'"},
     Row{"elif", "write 'else if'"},
-    Row{"in", "'let … within …' ends its definitions with 'within'"},
     Row{"length", "the length of a sequence is written '#s'"},
 };
 

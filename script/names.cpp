@@ -56,6 +56,7 @@ class Declarer {
         if (found != m_names.by_name.end()) {
             NamedDefinition& first = m_names.definitions[found->second];
             if (is_added(first.token) && !is_added(token)) {
+                first.is_replacement = true;
                 if (parameters > 0) {
                     report(first.token, in_quotes(name) +
                                             " has parameters: only a constant can be replaced");

@@ -46,6 +46,8 @@ struct NamedDefinition {
     /// What it says could not be read.
     bool is_lost = false;
     bool is_process = false;
+    /// It stands in the place of what the script says.
+    bool is_replacement = false;
     /// The line of a definition of the same name that counts instead; 0 if there is none.
     unsigned first_line = 0;
 };

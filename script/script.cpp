@@ -6,6 +6,7 @@
 #include "script/declarations.h"
 #include "script/model.h"
 #include "script/scanner.h"
+#include "script/suggestion.h"
 #include "script/syntax_builder.h"
 
 #include <utility>
@@ -29,7 +30,8 @@ class Reader {
             sources.push_back({"--define", name + " = " + text});
         }
         if (!options.process.empty()) {
-            sources.push_back({"--process", std::string(asked_name) + " = " + options.process});
+            sources.push_back(
+                {"--process", std::string(asked_name) + " =\n" + options.process, 0});
         }
         m_end_added = static_cast<unsigned>(sources.size());
     }
@@ -41,6 +43,7 @@ class Reader {
         model.tokens = scan(m_script->m_sources, m_options.include, m_diagnostics);
         model.tree = parse(model.tokens, m_diagnostics);
         model.names = resolve_names(model.tokens, model.tree, 1, m_end_added, m_diagnostics);
+        check_added(model);
         model.translation =
             translate(model.tokens, model.tree, model.names, model.store, m_diagnostics);
         model.graph = connect_calls(model.names, model.translation);
@@ -63,6 +66,33 @@ class Reader {
     }
 
   private:
+    /// A definition that nobody asks for was meant for another name.
+    void check_added(Script::Model const& model) {
+        std::vector<bool> is_used(model.names.definitions.size());
+        for (Binding const& binding : model.names.bindings) {
+            if (binding.kind == Binding::Kind::definition) {
+                is_used[binding.number] = true;
+            }
+        }
+        for (auto const& [name, text] : m_options.definitions) {
+            auto const found = model.names.by_name.find(name);
+            if (found == model.names.by_name.end() || is_used[found->second] ||
+                model.names.definitions[found->second].is_replacement) {
+                continue;
+            }
+            unsigned budget = suggestion_budget;
+            Suggestion suggestion(name, budget);
+            for (NamedDefinition const& definition : model.names.definitions) {
+                if (definition.name != name) {
+                    suggestion.consider(definition.name);
+                }
+            }
+            m_diagnostics.push_back(
+                {model.tokens.location(model.names.definitions[found->second].token),
+                 "the script neither defines nor uses " + in_quotes(name) + suggestion.text()});
+        }
+    }
+
     bool has_no_parameters(Script::Model const& model, unsigned number) const {
         return model.translation.program.definitions[number].parameter_count == 0 &&
                model.names.definitions[number].parent == none;
