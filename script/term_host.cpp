@@ -1,5 +1,6 @@
 #include "script/term_host.h"
 
+#include "process_compiler/recursion_watch.h"
 #include "script/limits.h"
 #include "values/text.h"
 
@@ -266,6 +267,11 @@ std::string TermHost::incomplete(Value channel) const {
 Value TermHost::refer(unsigned definition, std::span<Value const> arguments,
                       Values::Place place) {
     return add(reference(definition, arguments, place), 1);
+}
+
+/// Whoever watches what is done with terms ends evaluating, too.
+void TermHost::look() {
+    ProcessCompiler::watch_recursion();
 }
 
 NamedProcessPointer TermHost::reference(unsigned definition, std::span<Value const> arguments,

@@ -31,6 +31,8 @@ class TermHost final : public Values::Host {
     Values::Value refer(unsigned definition, std::span<Values::Value const> arguments,
                         Values::Place place) override;
 
+    void look() override;
+
     /// The term of a foreign value. Those that are not kept are forgotten by `forget`, to be called
     /// when nothing is being evaluated.
     ProcessCompiler::ProcessPointer const& term(Values::Value value) const;
