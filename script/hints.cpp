@@ -253,8 +253,9 @@ class Reading {
                kind(distance) == Token::DOT) {
             --distance;
         }
-        return kind(distance) == Token::PLUS ? std::optional(here(distance, a_choice))
-                                             : std::nullopt;
+        bool const is_sum = kind(distance) == Token::PLUS && kind(distance + 1) == Token::NAME;
+        bool const is_field = kind(distance - 2) == Token::DOT;
+        return is_sum && !is_field ? std::optional(here(distance, a_choice)) : std::nullopt;
     }
 
     /// `P[[b/a]]`, `P \ S [[a <- b]]`
@@ -275,8 +276,15 @@ class Reading {
                    : std::nullopt;
     }
 
-    /// `P || Q`, `|| x : S @ P`, `STOP -> P`
+    /// `P || Q`, `|| x : S @ P`, `STOP -> P`, `c.x+1 -> P`
     std::optional<Hint> of_operator() const {
+        constexpr std::array arithmetic{Token::PLUS,   Token::MINUS,  Token::TIMES, Token::DIVIDE,
+                                        Token::MODULO, Token::CARET};
+        if (m_context.follows_term && kind(0) == Token::ARROW &&
+            std::find(arithmetic.begin(), arithmetic.end(), kind(-2)) != arithmetic.end()) {
+            return here(0, "before '->' an expression stands in parentheses or behind '!', as in "
+                           "'c.(x+1) -> P' and 'c!x+1 -> P'");
+        }
         if (m_context.follows_term && kind(0) == Token::PARALLEL) {
             return here(0, "'||' needs to know the events: write 'P [| S |] Q', 'P [S || T] Q' or, "
                            "without common events, 'P ||| Q'");

@@ -2,6 +2,7 @@
 
 #include "process_compiler/kinds.h"
 #include "process_compiler/unguarded_recursion.h"
+#include "script/constants.h"
 #include "script/declarations.h"
 #include "script/model.h"
 #include "script/scanner.h"
@@ -65,6 +66,10 @@ class Reader {
                model.names.definitions[number].parent == none;
     }
 
+    ProcessCompiler::NamedProcessPointer reference(Script::Model& model, unsigned number) {
+        return model.host.reference(number, {}, model.names.definitions[number].clauses[0]);
+    }
+
     /// Everything without parameters, parts before wholes. Where there are errors already, only to
     /// find recursion without a guard among what can be made in spite of them.
     void define(Script::Model& model) {
@@ -73,15 +78,17 @@ class Reader {
         // References are numbered as they first come up: in the order of the script.
         for (unsigned number = 0; number < m_bodies.size(); ++number) {
             if (model.graph.is_reference[number] && has_no_parameters(model, number)) {
-                model.host.reference(number, {}, model.names.definitions[number].clauses[0]);
+                reference(model, number);
             }
         }
+        if (!m_has_errors) {
+            compute(model);
+        }
         for (unsigned const number : model.graph.order) {
-            bool const is_wanted =
-                !m_has_errors || model.names.definitions[number].is_process;
-            if (has_no_parameters(model, number) && is_wanted &&
-                model.names.definitions[number].first_line == 0) {
-                define_one(model, number);
+            bool const is_first = model.names.definitions[number].first_line == 0;
+            if (has_no_parameters(model, number) && is_first &&
+                model.names.definitions[number].is_process) {
+                guarded([&] { define_process(model, number); });
             }
         }
         for (ProcessCompiler::NameCycle const& cycle :
@@ -90,20 +97,42 @@ class Reader {
         }
     }
 
-    void define_one(Script::Model& model, unsigned number) {
+    /// The values without parameters, each once.
+    void compute(Script::Model& model) {
+        Values::Program const& program = model.translation.program;
+        std::vector<Values::Value> values(program.definitions.size());
+        auto const compute_one = [&](unsigned number) {
+            guarded([&] {
+                values[number] =
+                    model.evaluator.call(number, {}, program.definitions[number].place);
+            });
+        };
+        for (auto number = static_cast<unsigned>(m_bodies.size()); number < values.size();
+             ++number) {
+            compute_one(number); // datatypes
+        }
+        for (unsigned const number : model.graph.order) {
+            if (has_no_parameters(model, number) && !model.names.definitions[number].is_process) {
+                compute_one(number);
+            }
+        }
+        fold_constants(model.translation, values, model.evaluator);
+    }
+
+    void define_process(Script::Model& model, unsigned number) {
+        m_bodies[number] = model.body_of(number);
+        if (model.graph.is_reference[number]) {
+            m_script->m_processes.define(*reference(model, number), m_bodies[number]);
+        }
+    }
+
+    /// Reports what goes wrong with values, where nothing else does.
+    template <typename Work> void guarded(Work const& work) {
         try {
-            if (!model.names.definitions[number].is_process) {
-                model.evaluator.call(number, {}, model.names.definitions[number].clauses[0]);
-                return;
-            }
-            m_bodies[number] = model.body_of(number);
-            if (model.graph.is_reference[number]) {
-                m_script->m_processes.define(model.names.definitions[number].name,
-                                             m_bodies[number]);
-            }
+            work();
         } catch (Values::EvaluationError const& error) {
             if (!m_has_errors) {
-                m_diagnostics.push_back(model.diagnostic_of(error));
+                m_diagnostics.push_back(m_script->m_model->diagnostic_of(error));
             }
         } catch (Values::Unreadable const&) {
             // which is reported
@@ -119,7 +148,7 @@ class Reader {
             Script::Definition definition{named.name, model.tokens.location(named.token),
                                           m_bodies[number], m_bodies[number]};
             if (model.graph.is_reference[number]) {
-                definition.term = m_script->m_processes.reference(named.name);
+                definition.term = reference(model, number);
             }
             if (named.name == asked_name && !m_options.process.empty()) {
                 fill_asked(std::move(definition));
