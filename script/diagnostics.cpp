@@ -101,6 +101,9 @@ std::string render(Diagnostic const& diagnostic, Sources const& sources) {
 }
 
 std::string render_all(Diagnostics const& diagnostics, Sources const& sources) {
+    if (diagnostics.empty()) {
+        return ""; // and there may be no sources
+    }
     std::string lines;
     unsigned source = 0;
     Cursor cursor(sources[source].text);

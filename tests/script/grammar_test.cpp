@@ -141,7 +141,7 @@ TEST(Grammar, reads_values) {
         {"let x = 1 f(y, (z, _)) = y within f(x)", "(let x()=1 f(y, (z, _))=y f(x))"},
         {"(a, (b, c))", "(a, (b, c))"},
         {"<1..n, (a > b)>", "<1..n, (> a b)>"},
-        {"<x, y | (x, y) <- s, not x>", "<x, y | (x, y) <- s | (not x)>"},
+        {"<x, y | (x, y) <- s, (not x)>", "<x, y | (x, y) <- s | (not x)>"},
         {"{c.x.-1 | x <- S, y : T}", "{c.x.-1 | x <- S | y : T}"},
         {"{|c, d.0 | x <- S|}", "{|c, d.0 | x <- S|}"},
     };
