@@ -35,8 +35,8 @@ class Reader {
     }
 
     ReadResult read() {
-        m_script->m_model = std::make_unique<Script::Model>(m_script->m_sources,
-                                                            m_script->m_processes);
+        m_script->m_model =
+            std::make_unique<Script::Model>(m_script->m_sources, m_script->m_processes);
         Script::Model& model = *m_script->m_model;
         model.tokens = scan(m_script->m_sources, m_options.include, m_diagnostics);
         model.tree = parse(model.tokens, m_diagnostics);
@@ -131,16 +131,17 @@ class Reader {
     template <typename Work> void guarded(unsigned definition, Work const& work) {
         try {
             work();
+            return;
         } catch (Values::EvaluationError const& error) {
             if (!m_has_errors) {
                 m_diagnostics.push_back(m_script->m_model->diagnostic_of(error));
             }
-            Values::Program& program = m_script->m_model->translation.program;
-            for (Values::Clause const& clause : program.definitions[definition].clauses) {
-                program.expressions[clause.body].kind = Values::ExpressionKind::broken;
-            }
         } catch (Values::Unreadable const&) {
             // which is reported
+        }
+        Values::Program& program = m_script->m_model->translation.program;
+        for (Values::Clause const& clause : program.definitions[definition].clauses) {
+            program.expressions[clause.body].kind = Values::ExpressionKind::broken;
         }
     }
 
@@ -192,7 +193,7 @@ class Reader {
     std::unique_ptr<Script> m_script{new Script};
     unsigned m_end_added = 1;
     Diagnostics m_diagnostics;
-    bool m_has_errors = false; // before anything was made
+    bool m_has_errors = false;                             // before anything was made
     std::vector<ProcessCompiler::ProcessPointer> m_bodies; // by definition
 };
 

@@ -28,23 +28,37 @@ Kinds kinds_of(std::initializer_list<Kind> list) {
 /// What continues a term that could end here.
 Kinds const& operators() {
     using K = Parser::symbol_kind;
-    static Kinds const kinds =
-        kinds_of({K::S_SEMICOLON, K::S_SLIDING_CHOICE, K::S_INTERRUPT,
-                  K::S_SYNCHRONISING_INTERRUPT_OPEN, K::S_EXTERNAL_CHOICE,
-                  K::S_SYNCHRONISING_CHOICE_OPEN, K::S_INTERNAL_CHOICE, K::S_PARALLEL_OPEN,
-                  K::S_LEFT_BRACKET, K::S_INTERLEAVING, K::S_HIDING, K::S_PROJECTION, K::S_AND,
-                  K::S_OR, K::S_GUARD});
+    static Kinds const kinds = kinds_of(
+        {K::S_SEMICOLON, K::S_SLIDING_CHOICE, K::S_INTERRUPT, K::S_SYNCHRONISING_INTERRUPT_OPEN,
+         K::S_EXTERNAL_CHOICE, K::S_SYNCHRONISING_CHOICE_OPEN, K::S_INTERNAL_CHOICE,
+         K::S_PARALLEL_OPEN, K::S_LEFT_BRACKET, K::S_INTERLEAVING, K::S_HIDING, K::S_PROJECTION,
+         K::S_AND, K::S_OR, K::S_GUARD});
     return kinds;
 }
 
 /// What continues a value, and is not told where a process is as likely.
 Kinds const& value_operators() {
     using K = Parser::symbol_kind;
-    static Kinds const kinds = kinds_of(
-        {K::S_PLUS, K::S_MINUS, K::S_TIMES, K::S_DIVIDE, K::S_MODULO, K::S_CARET, K::S_EQUAL_TO,
-         K::S_DIFFERS, K::S_LESS, K::S_AT_MOST, K::S_GREATER, K::S_AT_LEAST, K::S_DOT,
-         K::S_RENAMING_OPEN, K::S_OUTPUT, K::S_INPUT, K::S_CHOSEN_INPUT, K::S_ARROW,
-         K::S_LEFT_PARENTHESIS, K::S_BAR});
+    static Kinds const kinds = kinds_of({K::S_PLUS,
+                                         K::S_MINUS,
+                                         K::S_TIMES,
+                                         K::S_DIVIDE,
+                                         K::S_MODULO,
+                                         K::S_CARET,
+                                         K::S_EQUAL_TO,
+                                         K::S_DIFFERS,
+                                         K::S_LESS,
+                                         K::S_AT_MOST,
+                                         K::S_GREATER,
+                                         K::S_AT_LEAST,
+                                         K::S_DOT,
+                                         K::S_RENAMING_OPEN,
+                                         K::S_OUTPUT,
+                                         K::S_INPUT,
+                                         K::S_CHOSEN_INPUT,
+                                         K::S_ARROW,
+                                         K::S_LEFT_PARENTHESIS,
+                                         K::S_BAR});
     return kinds;
 }
 
@@ -89,10 +103,11 @@ std::array<Operands, 3> const& operands() {
     using K = Parser::symbol_kind;
     static Kinds const values = value_starts() | kinds_of({K::S_MINUS, K::S_HASH});
     static std::array<Operands, 3> const list{
-        Operands{Operands::Kind::any, values | kinds_of({K::S_NOT, K::S_IF, K::S_LET, K::S_PARALLEL,
-                                          K::S_EXTERNAL_CHOICE, K::S_INTERLEAVING,
-                                          K::S_INTERNAL_CHOICE, K::S_SEMICOLON, K::S_LEFT_BRACKET,
-                                          K::S_PARALLEL_OPEN, K::S_SYNCHRONISING_CHOICE_OPEN})},
+        Operands{Operands::Kind::any,
+                 values | kinds_of({K::S_NOT, K::S_IF, K::S_LET, K::S_PARALLEL,
+                                    K::S_EXTERNAL_CHOICE, K::S_INTERLEAVING, K::S_INTERNAL_CHOICE,
+                                    K::S_SEMICOLON, K::S_LEFT_BRACKET, K::S_PARALLEL_OPEN,
+                                    K::S_SYNCHRONISING_CHOICE_OPEN})},
         Operands{Operands::Kind::value, values},
         Operands{Operands::Kind::event, value_starts()},
     };
@@ -225,8 +240,8 @@ void Parser::report_syntax_error(context const& where) const {
         build.report_syntax_error(place, hint->message, hint->token);
         return;
     }
-    build.report_syntax_error(place, "unexpected " + description_of(tokens, place) +
-                                         ", expected " + list_of_expected(expected, before));
+    build.report_syntax_error(place, "unexpected " + description_of(tokens, place) + ", expected " +
+                                         list_of_expected(expected, before));
 }
 
 /// The parser's other way to complain, which nothing here makes it use.
