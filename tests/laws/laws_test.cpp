@@ -77,7 +77,7 @@ TEST(Laws, hold_for_random_processes) {
     for (std::uint64_t seed = 1; seed <= rounds; ++seed) {
         std::string const text = script_of_round(laws, seed);
         auto const read = Script::read_script(text);
-        ASSERT_TRUE(read.script) << Script::render_all(read.diagnostics, "", text);
+        ASSERT_TRUE(read.script) << Script::render_all(read.diagnostics, read.sources);
         for (std::size_t i = 0; i < laws.size(); ++i) {
             auto const left = explored(*read.script, "L" + std::to_string(i));
             auto const right = explored(*read.script, "R" + std::to_string(i));
