@@ -223,8 +223,15 @@ class Reading {
         return std::nullopt;
     }
 
-    /// `P || Q`, `STOP -> P`
+    /// `P || Q`, `STOP -> P`, `c.x+1 -> P`
     std::optional<Hint> of_operator() const {
+        constexpr std::array arithmetic{Token::PLUS,   Token::MINUS,  Token::TIMES, Token::DIVIDE,
+                                        Token::MODULO, Token::CARET};
+        if (m_context.follows_term && kind(0) == Token::ARROW &&
+            std::find(arithmetic.begin(), arithmetic.end(), kind(-2)) != arithmetic.end()) {
+            return here(0, "before '->' an expression stands in parentheses or behind '!', as in "
+                           "'c.(x+1) -> P' and 'c!x+1 -> P'");
+        }
         if (m_context.follows_term && kind(0) == Token::PARALLEL) {
             return here(0, "'||' needs to know the events: write 'P [| S |] Q', 'P [S || T] Q' or, "
                            "without common events, 'P ||| Q'");

@@ -68,6 +68,13 @@ class Declarer {
                 return;
             }
         }
+        if (found != m_names.by_name.end() && found->second == m_last && parameters > 0 &&
+            m_names.definitions[m_last].parameter_count > 0) {
+            report(token, "the clauses of " + in_quotes(name) + " have " +
+                              std::to_string(m_names.definitions[m_last].parameter_count) +
+                              " and " + std::to_string(parameters) + " parameters");
+            return;
+        }
         auto const number = static_cast<unsigned>(m_names.definitions.size());
         m_names.definitions.push_back(
             {.name = name, .token = token, .clauses = {node}, .parameter_count = parameters,

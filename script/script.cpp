@@ -67,13 +67,17 @@ class Reader {
                model.names.definitions[number].parent == none;
     }
 
+    ProcessCompiler::NamedProcessPointer const& reference(Script::Model& model, unsigned number) {
+        return model.host.reference(number, {}, model.names.definitions[number].clauses[0]);
+    }
+
     /// Everything without parameters, parts before wholes.
     void define(Script::Model& model) {
         m_bodies.resize(model.names.definitions.size());
         // References are numbered as they first come up: in the order of the script.
         for (unsigned number = 0; number < m_bodies.size(); ++number) {
             if (model.graph.is_reference[number] && has_no_parameters(model, number)) {
-                model.host.reference(number, {}, model.names.definitions[number].clauses[0]);
+                reference(model, number);
             }
         }
         for (unsigned const number : model.graph.order) {
@@ -95,8 +99,7 @@ class Reader {
             }
             m_bodies[number] = model.body_of(number);
             if (model.graph.is_reference[number]) {
-                m_script->m_processes.define(model.names.definitions[number].name,
-                                             m_bodies[number]);
+                m_script->m_processes.define(*reference(model, number), m_bodies[number]);
             }
         } catch (Values::EvaluationError const& error) {
             m_diagnostics.push_back(model.diagnostic_of(error));
@@ -114,7 +117,7 @@ class Reader {
             Script::Definition definition{named.name, model.tokens.location(named.token),
                                           m_bodies[number], m_bodies[number]};
             if (model.graph.is_reference[number]) {
-                definition.term = m_script->m_processes.reference(named.name);
+                definition.term = reference(model, number);
             }
             if (named.name == asked_name && !m_options.process.empty()) {
                 fill_asked(std::move(definition));
