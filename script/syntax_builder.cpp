@@ -96,8 +96,8 @@ unsigned SyntaxBuilder::tuple(unsigned open, unsigned first, unsigned others, un
 
 unsigned SyntaxBuilder::dotted(unsigned left, unsigned dot, unsigned field) {
     Node& node = m_tree[left];
-    if (node.kind == NodeKind::dotted && !node.is_parenthesised) {
-        node.last_token = m_tree[field].last_token;
+    if (node.kind == NodeKind::dotted && node.parentheses == 0) {
+        node.last_token = m_tree[field].last_token + m_tree[field].parentheses;
         m_tree.append(left, field);
         return left;
     }
@@ -112,8 +112,8 @@ unsigned SyntaxBuilder::operation(NodeKind kind, unsigned token,
     unsigned last = token;
     for (unsigned const part : parts) {
         if (m_tree[part].kind != NodeKind::list) {
-            first = std::min(first, m_tree[part].first_token);
-            last = std::max(last, m_tree[part].last_token);
+            first = std::min(first, m_tree[part].first_token - m_tree[part].parentheses);
+            last = std::max(last, m_tree[part].last_token + m_tree[part].parentheses);
         }
     }
     unsigned const node = spanning(kind, first, last);
@@ -160,7 +160,7 @@ unsigned SyntaxBuilder::chain(Construct construct, unsigned token,
     unsigned const left = *parts.begin();
     Node const& node = m_tree[left];
     ConstructEntry const& own = entry_of(construct);
-    bool const is_open = node.kind == NodeKind::construct && !node.is_parenthesised;
+    bool const is_open = node.kind == NodeKind::construct && node.parentheses == 0;
     if (!is_open || entry_of(node.construct).level < own.level) {
         return term(construct, token, parts);
     }
@@ -211,7 +211,7 @@ unsigned SyntaxBuilder::paired_parallel(unsigned token, unsigned pairs) {
 }
 
 unsigned SyntaxBuilder::parenthesised(unsigned term) {
-    m_tree[term].is_parenthesised = true;
+    ++m_tree[term].parentheses;
     return term;
 }
 

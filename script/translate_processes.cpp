@@ -109,7 +109,7 @@ unsigned Translator::process_of_construct(unsigned node) {
         append_operand(node, child, place++, operands);
         // Where synchronising interrupts stand in a row, their sets must be the same.
         if (construct == Construct::synchronising_interrupt && place == 1 &&
-            m_tree[child].kind == NodeKind::construct && !m_tree[child].is_parenthesised &&
+            m_tree[child].kind == NodeKind::construct && m_tree[child].parentheses == 0 &&
             m_tree[child].construct == construct) {
             operands.push_back(event_set(m_tree.child(child, 1)));
         }

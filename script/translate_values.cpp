@@ -267,7 +267,7 @@ unsigned Translator::event_set(unsigned node) {
         return value(node);
     }
     bool const is_doubled =
-        count(node) == 1 && !m_tree[inner].is_parenthesised &&
+        count(node) == 1 && m_tree[inner].parentheses == 0 &&
         (m_tree[inner].kind == NodeKind::set || m_tree[inner].kind == NodeKind::closure);
     if (is_doubled) {
         return event_set(inner);

@@ -146,7 +146,7 @@ void Translator::translate_declaration(unsigned node) {
             unsigned const expression = field_values(field);
             made.fields.push_back({field, expression, m_slot_count});
         };
-        if (m_tree[child].kind == NodeKind::dotted && !m_tree[child].is_parenthesised) {
+        if (m_tree[child].kind == NodeKind::dotted && m_tree[child].parentheses == 0) {
             for (unsigned const field : m_tree.children_of(child)) {
                 add_field(field);
             }

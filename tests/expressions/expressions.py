@@ -32,7 +32,7 @@ class Expression:
     steps = 0
 
     def __init__(self, level, parts, run):
-        self.level, self.parts, self.run = level, parts, run
+        self.level, self.parts, self.run, self.is_literal = level, parts, run, False
 
     def __call__(self, environment):
         Expression.steps += 1
@@ -50,6 +50,12 @@ class Expression:
     def begins_with_minus(self):
         first = self.parts[0]
         return first[0] == "-" if isinstance(first, str) else first.begins_with_minus()
+
+
+def literal(text, value):
+    made = Expression(PRIMARY, [text], lambda _: value)
+    made.is_literal = True
+    return made
 
 
 def write(parts, out, places):
@@ -270,7 +276,9 @@ class Generator:
     def of_int(self, type, depth, scope, is_last):
         if is_last or self.chance(0.1):
             number = self.random.choice([*range(-3, 10)] * 4 + [2**63 - 1, -2**63 + 1, 10**9])
-            return Expression(PRIMARY if number >= 0 else SIGNED, [str(number)], lambda _: (INTEGER, number))
+            made = literal(str(number), (INTEGER, number))
+            made.level = PRIMARY if number >= 0 else SIGNED
+            return made
         form = self.random.randrange(8)
         if form < 5:
             symbol = self.random.choice("+-*/%")
@@ -287,7 +295,7 @@ class Generator:
     def of_bool(self, type, depth, scope, is_last):
         if is_last:
             value = self.chance(0.5)
-            return Expression(PRIMARY, ["true" if value else "false"], lambda _: truth(value))
+            return literal("true" if value else "false", truth(value))
         form, element = self.random.randrange(5), self.type()
         if form == 0:
             symbol = self.random.choice(["<", "<=", ">", ">="])
@@ -383,15 +391,15 @@ class Generator:
     # Names, events and their sets.
 
     def with_fields(self, name, base, kinds, depth, scope, is_last):
-        """A name with fields of these types."""
+        """A name with fields of these types. Of literals, what does not fit would be told before."""
         parts, fields = [name], []
         for kind, values in kinds:
-            if is_last or self.chance(0.5):
+            field = None if is_last or self.chance(0.5) else self.expression(kind, depth, scope)
+            if field is None or field.is_literal:
                 value = self.random.choice(values)
-                field = Expression(PRIMARY, [self.model.text(value)], lambda _, value=value: value)
-                parts += [".", field] if value[1:2] != (-1,) else [".(", field, ")"]
+                field = literal(self.model.text(value), value)
+                parts += [".", field] if self.chance(0.9) else [".(", field, ")"]
             else:
-                field = self.expression(kind, depth, scope)
                 parts += [".(", field, ")"]
             fields.append(field)
 
@@ -400,7 +408,9 @@ class Generator:
             for value in values:
                 made = self.model.with_field(made, value)
             return made
-        return self.computed(DOTTED if fields else PRIMARY, parts, fields, run)
+        made = self.computed(DOTTED if fields else PRIMARY, parts, fields, run)
+        made.is_literal = all(field.is_literal for field in fields)
+        return made
 
     def of_name(self, type, depth, scope, is_last):
         number = self.random.choice(sorted({value[1] for value in self.model.datatypes[type[1]]}))

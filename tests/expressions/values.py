@@ -130,7 +130,8 @@ def subsets(items):
 def common(sets):
     if not sets:
         raise Refusal("'Inter' of the empty set")
-    return set_of(item for item in sets[0][1] if all(item in each[1] for each in sets))
+    sets = [wanted(each, SET) for each in sets]
+    return set_of(item for item in sets[0] if all(item in each for each in sets))
 
 
 ARITHMETIC = {
