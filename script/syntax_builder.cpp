@@ -58,6 +58,16 @@ unsigned SyntaxBuilder::negative_number(unsigned minus, unsigned number) {
     return node;
 }
 
+unsigned SyntaxBuilder::negative(unsigned minus, unsigned operand) {
+    Node& node = m_tree[operand];
+    bool const is_digits = node.kind == NodeKind::number && node.first_token == node.token;
+    if (is_digits && node.parentheses == 0) {
+        node.first_token = minus;
+        return operand;
+    }
+    return operation(NodeKind::operation, minus, {operand});
+}
+
 unsigned SyntaxBuilder::empty_list() {
     return m_tree.add({.kind = NodeKind::list});
 }

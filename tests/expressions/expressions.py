@@ -32,7 +32,7 @@ class Expression:
     steps = 0
 
     def __init__(self, level, parts, run):
-        self.level, self.parts, self.run, self.is_literal = level, parts, run, False
+        self.level, self.parts, self.run, self.is_literal, self.result = level, parts, run, False, None
 
     def __call__(self, environment):
         Expression.steps += 1
@@ -45,7 +45,7 @@ class Expression:
         try:
             return function(*arguments)
         except Refusal as refusal:
-            raise Failure(refusal, self) from None
+            raise Failure(refusal, self.result or self) from None
 
     def begins_with_minus(self):
         first = self.parts[0]
@@ -93,7 +93,7 @@ class Function:
                 except Failure as failure:
                     failure.calls.append((self.name, arguments, place))
                     raise
-        raise Refusal(f"no clause of '{self.name}' fits ")
+        raise Refusal(f"{self.name}' fits ")
 
     def parts(self):
         return [part for patterns, body in self.clauses
@@ -176,7 +176,9 @@ class Generator:
             inside.update({function.name: inside for function in own})
             return body(inside)
         parts = [part for name, each in definitions.items() for part in (f"{name} = ", each, " ")]
-        return Expression(OPEN, ["let ", *parts, *[part for each in own for part in each.parts()], "within ", body], run)
+        made = Expression(OPEN, ["let ", *parts, *[part for each in own for part in each.parts()], "within ", body], run)
+        made.result = body.result or body   # of which is told what is said of the whole
+        return made
 
     def call(self, type, depth, scope):
         fitting = [function for function in self.functions if function.result == type]
@@ -275,7 +277,7 @@ class Generator:
 
     def of_int(self, type, depth, scope, is_last):
         if is_last or self.chance(0.1):
-            number = self.random.choice([*range(-3, 10)] * 4 + [2**63 - 1, -2**63 + 1, 10**9])
+            number = self.random.choice([*range(-3, 10)] * 4 + [2**63 - 1, -2**63, 10**9])
             made = literal(str(number), (INTEGER, number))
             made.level = PRIMARY if number >= 0 else SIGNED
             return made
@@ -286,7 +288,9 @@ class Generator:
         if form == 5:
             negated = self.operand(SIGNED, INT, depth, scope)
             minus = "- " if inner(negated).begins_with_minus() else "-"
-            return self.computed(SIGNED, [minus, *negated], [inner(negated)], lambda x: integer(-wanted(x, INTEGER)))
+            made = self.computed(SIGNED, [minus, *negated], [inner(negated)], lambda x: integer(-wanted(x, INTEGER)))
+            made.is_literal = negated[0] != "(" and negated[0].is_literal
+            return made
         if form == 6:
             counted = self.operand(SIZE, ("seq", self.type()), depth, scope)
             return self.computed(SIZE, ["#", *counted], [inner(counted)], lambda s: integer(len(wanted(s, SEQUENCE))))
