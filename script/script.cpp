@@ -2,6 +2,7 @@
 
 #include "process_compiler/kinds.h"
 #include "process_compiler/unguarded_recursion.h"
+#include "script/constants.h"
 #include "script/declarations.h"
 #include "script/model.h"
 #include "script/scanner.h"
@@ -67,7 +68,7 @@ class Reader {
                model.names.definitions[number].parent == none;
     }
 
-    ProcessCompiler::NamedProcessPointer const& reference(Script::Model& model, unsigned number) {
+    ProcessCompiler::NamedProcessPointer reference(Script::Model& model, unsigned number) {
         return model.host.reference(number, {}, model.names.definitions[number].clauses[0]);
     }
 
@@ -80,9 +81,10 @@ class Reader {
                 reference(model, number);
             }
         }
+        compute(model);
         for (unsigned const number : model.graph.order) {
-            if (has_no_parameters(model, number)) {
-                define_one(model, number);
+            if (has_no_parameters(model, number) && model.names.definitions[number].is_process) {
+                guarded([&] { define_process(model, number); });
             }
         }
         for (ProcessCompiler::NameCycle const& cycle :
@@ -91,18 +93,41 @@ class Reader {
         }
     }
 
-    void define_one(Script::Model& model, unsigned number) {
+    /// The values without parameters, each once.
+    void compute(Script::Model& model) {
+        Values::Program const& program = model.translation.program;
+        std::vector<Values::Value> values(program.definitions.size());
+        auto const compute_one = [&](unsigned number) {
+            guarded([&] {
+                values[number] =
+                    model.evaluator.call(number, {}, program.definitions[number].place);
+            });
+        };
+        for (auto number = static_cast<unsigned>(m_bodies.size()); number < values.size();
+             ++number) {
+            compute_one(number); // datatypes
+        }
+        for (unsigned const number : model.graph.order) {
+            if (has_no_parameters(model, number) && !model.names.definitions[number].is_process) {
+                compute_one(number);
+            }
+        }
+        fold_constants(model.translation, values, model.evaluator);
+    }
+
+    void define_process(Script::Model& model, unsigned number) {
+        m_bodies[number] = model.body_of(number);
+        if (model.graph.is_reference[number]) {
+            m_script->m_processes.define(*reference(model, number), m_bodies[number]);
+        }
+    }
+
+    /// Reports what goes wrong with values.
+    template <typename Work> void guarded(Work const& work) {
         try {
-            if (!model.names.definitions[number].is_process) {
-                model.evaluator.call(number, {}, model.names.definitions[number].clauses[0]);
-                return;
-            }
-            m_bodies[number] = model.body_of(number);
-            if (model.graph.is_reference[number]) {
-                m_script->m_processes.define(*reference(model, number), m_bodies[number]);
-            }
+            work();
         } catch (Values::EvaluationError const& error) {
-            m_diagnostics.push_back(model.diagnostic_of(error));
+            m_diagnostics.push_back(m_script->m_model->diagnostic_of(error));
         } catch (Values::Unreadable const&) {
             // which is reported
         }

@@ -49,8 +49,9 @@ class TermHost final : public Values::Host {
     /// Whose body is built: the number of a reference, or none.
     void set_parent(unsigned reference) { m_parent = reference; }
     /// Of an instance, made now if it is new.
-    ProcessCompiler::NamedProcessPointer const&
-    reference(unsigned definition, std::span<Values::Value const> arguments, Values::Place place);
+    ProcessCompiler::NamedProcessPointer reference(unsigned definition,
+                                                   std::span<Values::Value const> arguments,
+                                                   Values::Place place);
 
   private:
     struct Built {
@@ -72,6 +73,7 @@ class TermHost final : public Values::Host {
     std::string incomplete(Values::Value channel) const;
     Values::Value add(ProcessCompiler::ProcessPointer term, unsigned depth);
     Built const& built(Values::Value value) const;
+    ProcessCompiler::ProcessPointer take_term(Values::Value value);
     unsigned depth_of_processes() const;
 
     NameTable const& m_names;
@@ -83,7 +85,7 @@ class TermHost final : public Values::Host {
     std::vector<Built> m_terms; // of what is being evaluated
     std::vector<Built> m_kept;
     Values::CallTable m_calls;
-    std::vector<unsigned> m_references; // by call: the number of its reference
+    std::vector<ProcessCompiler::NamedProcess*> m_references; // by call; null until there is one
     std::vector<Instance> m_instances;  // by reference
     unsigned m_parent = none;
 

@@ -5,6 +5,7 @@
 #include "values/value_error.h"
 
 #include <algorithm>
+#include <array>
 
 namespace Calder::Values {
 
@@ -137,16 +138,30 @@ void Interpreter::add_calls(EvaluationError& error) const {
 /// Whether the value is there at once; otherwise it is a task, the last one now.
 bool Interpreter::begin(unsigned expression) {
     Expression const& begun = m_program.expressions[expression];
-    if (begun.kind == ExpressionKind::constant) {
-        m_values.push_back(begun.value);
+    if (is_at_hand(begun)) {
+        m_values.push_back(value_at_hand(begun));
         return true;
     }
-    if (begun.kind == ExpressionKind::variable) {
-        m_values.push_back(m_values[m_slots + begun.number]);
-        return true;
+    if (begun.kind == ExpressionKind::operation && begun.operand_count == 2) {
+        unsigned const* const operands = &m_program.operands[begun.first_operand];
+        if (Value const quick = quick_value(begun.operation, operands[0], operands[1])) {
+            m_values.push_back(quick);
+            return true;
+        }
     }
     m_tasks.push_back({&begun, 0, height()});
     return false;
+}
+
+/// Of an operation on variables and constants, where it is done at once; otherwise nothing.
+Value Interpreter::quick_value(Operation operation, unsigned left, unsigned right) const {
+    Expression const& first = m_program.expressions[left];
+    Expression const& second = m_program.expressions[right];
+    if (!is_at_hand(first) || !is_at_hand(second)) {
+        return {};
+    }
+    std::array const operands{value_at_hand(first), value_at_hand(second)};
+    return quick_result(operation, operands);
 }
 
 /// Goes on with the operands, from left to right; false when one of them has become a task.

@@ -44,6 +44,16 @@ class Interpreter {
     void add_calls(EvaluationError& error) const;
 
     bool begin(unsigned expression);
+    Value quick_value(Operation operation, unsigned left, unsigned right) const;
+    static bool is_at_hand(Expression const& expression) {
+        return expression.kind == ExpressionKind::constant ||
+               expression.kind == ExpressionKind::variable;
+    }
+    Value value_at_hand(Expression const& expression) const {
+        return expression.kind == ExpressionKind::constant
+                   ? expression.value
+                   : m_values[m_slots + expression.number];
+    }
     bool has_operands(Task& task);
     void finish(unsigned first, Value result);
     void choose(Task& task);
