@@ -88,6 +88,11 @@ class Binder {
             }
             if (m_tree[clause].child_count > 1) {
                 visit(m_tree[clause].last_child);
+            } else if (auto const parts = m_tree.fragments.find(clause);
+                       parts != m_tree.fragments.end()) {
+                for (unsigned const part : parts->second) {
+                    visit(part);
+                }
             }
             unbind(mark);
         }

@@ -46,7 +46,10 @@ class Check {
         Value const value = literal.has_unknown ? Value() : value_of(expression);
         if (!value) {
             report_undeclared(literal);
-            expression.kind = ExpressionKind::broken;
+            // Terms are still made, to see what else is wrong, and any event will do for that.
+            bool const is_performed = literal.use == Use::event;
+            expression.kind = is_performed ? ExpressionKind::constant : ExpressionKind::broken;
+            expression.value = Value::event(Values::first_declared_number);
             return;
         }
         expression.kind = ExpressionKind::constant;

@@ -28,6 +28,7 @@ class Declarer {
             for (unsigned const child : m_tree.children_of(declaration)) {
                 if (m_tree[child].kind == NodeKind::channel) {
                     m_names.channels.insert(text_of(child));
+                    m_names.declared.push_back(text_of(child));
                 }
             }
         }
@@ -100,6 +101,7 @@ class Declarer {
         std::string_view const name = m_tokens.text_of(m_tree[datatype].token);
         check_new(m_tree[datatype].token, name);
         m_names.datatypes.try_emplace(name, datatype);
+        m_names.declared.push_back(name);
         for (unsigned const alternative : m_tree.children_of(datatype)) {
             bool const has_fields = m_tree[alternative].kind == NodeKind::dotted;
             unsigned const head = has_fields ? m_tree[alternative].first_child : alternative;
@@ -111,6 +113,7 @@ class Declarer {
             unsigned const token = m_tree[head].token;
             check_new(token, m_tokens.text_of(token));
             m_names.values.try_emplace(m_tokens.text_of(token), alternative);
+            m_names.declared.push_back(m_tokens.text_of(token));
         }
     }
 
@@ -142,8 +145,9 @@ class Declarer {
                 continue;
             }
             for (unsigned const member : m_tree.children_of(set)) {
-                if (m_tree[member].kind == NodeKind::name) {
-                    m_names.values.try_emplace(text_of(member), none);
+                if (m_tree[member].kind == NodeKind::name &&
+                    m_names.values.try_emplace(text_of(member), none).second) {
+                    m_names.declared.push_back(text_of(member));
                 }
             }
         }

@@ -62,6 +62,8 @@ struct NameTable {
     /// introduces.
     std::unordered_map<std::string_view, unsigned> values;
     std::unordered_map<std::string_view, unsigned> datatypes; // their nodes
+    /// The names of channels, values and datatypes in the order of the script, for suggestions.
+    std::vector<std::string_view> declared;
     LostNames lost;
 
     /// Whether a name in a pattern is the value and no variable.

@@ -46,9 +46,7 @@ class Reader {
         model.graph = connect_calls(model.names, model.translation);
         declare(model.tokens, model.tree, model.names, model.translation, model.channels,
                 model.evaluator, m_script->m_session, m_diagnostics);
-        if (m_diagnostics.empty()) {
-            define(model);
-        }
+        define(model);
         sort_and_remove_repetitions(m_diagnostics);
         if (!m_diagnostics.empty()) {
             return {nullptr, std::move(m_diagnostics), std::move(m_script->m_sources)};
@@ -72,8 +70,10 @@ class Reader {
         return model.host.reference(number, {}, model.names.definitions[number].clauses[0]);
     }
 
-    /// Everything without parameters, parts before wholes.
+    /// Everything without parameters, parts before wholes. Where there are errors already, only to
+    /// find recursion without a guard among what can be made in spite of them.
     void define(Script::Model& model) {
+        m_has_errors = !m_diagnostics.empty();
         m_bodies.resize(model.names.definitions.size());
         // References are numbered as they first come up: in the order of the script.
         for (unsigned number = 0; number < m_bodies.size(); ++number) {
@@ -81,9 +81,13 @@ class Reader {
                 reference(model, number);
             }
         }
-        compute(model);
+        if (!m_has_errors) {
+            compute(model);
+        }
         for (unsigned const number : model.graph.order) {
-            if (has_no_parameters(model, number) && model.names.definitions[number].is_process) {
+            bool const is_first = model.names.definitions[number].first_line == 0;
+            if (has_no_parameters(model, number) && is_first &&
+                model.names.definitions[number].is_process) {
                 guarded([&] { define_process(model, number); });
             }
         }
@@ -122,12 +126,14 @@ class Reader {
         }
     }
 
-    /// Reports what goes wrong with values.
+    /// Reports what goes wrong with values, where nothing else does.
     template <typename Work> void guarded(Work const& work) {
         try {
             work();
         } catch (Values::EvaluationError const& error) {
-            m_diagnostics.push_back(m_script->m_model->diagnostic_of(error));
+            if (!m_has_errors) {
+                m_diagnostics.push_back(m_script->m_model->diagnostic_of(error));
+            }
         } catch (Values::Unreadable const&) {
             // which is reported
         }
@@ -181,6 +187,7 @@ class Reader {
     std::unique_ptr<Script> m_script{new Script};
     unsigned m_end_added = 1;
     Diagnostics m_diagnostics;
+    bool m_has_errors = false; // before anything was made
     std::vector<ProcessCompiler::ProcessPointer> m_bodies; // by definition
 };
 
@@ -191,6 +198,15 @@ Script::~Script() = default;
 Script::Definition const* Script::find(std::string_view name) const {
     auto const place = m_places.find(name);
     return place == m_places.end() ? nullptr : &m_definitions[place->second];
+}
+
+std::string_view Script::process_with_parameters() const {
+    for (NamedDefinition const& named : m_model->names.definitions) {
+        if (named.is_process && named.parent == none && named.parameter_count > 0) {
+            return named.name;
+        }
+    }
+    return {};
 }
 
 Location Script::location_of(ProcessCompiler::NamedProcess const& reference) const {

@@ -1,5 +1,7 @@
 #include "script/syntax_builder.h"
 
+#include "script/limits.h"
+
 #include <algorithm>
 #include <string_view>
 
@@ -25,13 +27,55 @@ unsigned SyntaxBuilder::definition(unsigned name, unsigned parameters, unsigned 
 
 void SyntaxBuilder::end_definition(unsigned definition) {
     m_tree.definitions.push_back(definition);
+    m_first_of_item = m_tree.size();
 }
 
 void SyntaxBuilder::lose_definition(unsigned name) {
+    std::vector<unsigned> parts =
+        binds_names(name) ? std::vector<unsigned>() : roots_behind(name);
     unsigned const list = empty_list();
     unsigned const node = leaf(NodeKind::definition, name);
     m_tree.append(node, list);
+    m_tree.fragments.emplace(node, std::move(parts));
     end_definition(node);
+}
+
+/// Whether a definition has parameters, or something in it introduces names.
+bool SyntaxBuilder::binds_names(unsigned name) const {
+    using T = Parser::token;
+    if (m_tokens[name + 1].kind == T::LEFT_PARENTHESIS) {
+        return true;
+    }
+    for (unsigned token = name + 1; token < m_next_token && token < m_tokens.size(); ++token) {
+        TokenKind const kind = m_tokens[token].kind;
+        if (kind == T::LET || kind == T::INPUT || kind == T::CHOSEN_INPUT || kind == T::AT ||
+            kind == T::COLON || kind == T::BAR) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// What was read of a definition and is part of nothing else; of a list that is not finished, what
+/// is in it.
+std::vector<unsigned> SyntaxBuilder::roots_behind(unsigned name) const {
+    unsigned const first = m_first_of_item;
+    std::vector<bool> is_part(m_tree.size() - first);
+    for (unsigned node = first; node < m_tree.size(); ++node) {
+        if (m_tree[node].kind != NodeKind::list) {
+            for (unsigned const child : m_tree.children_of(node)) {
+                is_part[child - first] = true;
+            }
+        }
+    }
+    std::vector<unsigned> roots;
+    for (unsigned node = first; node < m_tree.size(); ++node) {
+        if (!is_part[node - first] && m_tree[node].first_token > name &&
+            m_tree[node].depth <= nesting_limit) {
+            roots.push_back(node);
+        }
+    }
+    return roots;
 }
 
 void SyntaxBuilder::add_declaration(unsigned channels, unsigned fields) {

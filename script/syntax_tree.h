@@ -5,6 +5,7 @@
 #include <climits>
 
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -97,6 +98,9 @@ class SyntaxTree {
     std::vector<unsigned> declarations;
     std::vector<unsigned> datatypes;
     LostNames lost_names;
+    /// By definition that is unreadable: the largest parts that were read of what it says, where
+    /// nothing in it binds names. What is wrong in them can be told all the same.
+    std::unordered_map<unsigned, std::vector<unsigned>> fragments;
 
   private:
     std::vector<Node> m_nodes;

@@ -18,12 +18,16 @@ unsigned Translator::process(unsigned node) {
                    {value(m_tree.child(node, 0)), process(m_tree.child(node, 1)),
                     process(m_tree.child(node, 2))});
     case NodeKind::let: return process(m_tree[node].last_child);
+    case NodeKind::operation:
+        if (refuse_sum_of_processes(node)) {
+            return broken(node);
+        }
+        [[fallthrough]];
     case NodeKind::number:
     case NodeKind::tuple:
     case NodeKind::sequence:
     case NodeKind::set:
     case NodeKind::closure:
-    case NodeKind::operation:
     case NodeKind::conjunction:
     case NodeKind::disjunction:
         report(node, "this is a value, and a process is wanted here");
@@ -66,8 +70,8 @@ unsigned Translator::process_of_name(unsigned node) {
     if (is_value) {
         report(node, in_quotes(name) + " is a value, and a process is wanted here");
     } else if (!is_lost(node)) {
-        report(node, "the process " + in_quotes(name) + " is not defined" +
-                         hint_for_process(name));
+        report_token(node, "the process " + in_quotes(name) + " is not defined" +
+                              hint_for_process(name));
     }
     return broken(node);
 }
@@ -186,6 +190,8 @@ unsigned Translator::prefix(unsigned node) {
     NodeKind const kind = m_tree[head].kind;
     if (is_bare && kind == NodeKind::construct) {
         report(node, "what stands before '->' is an event or a set of events, not a process");
+        process(head); // for what else is wrong
+        process(m_tree[node].last_child);
         return broken(node);
     }
     if (is_bare && (kind == NodeKind::set || kind == NodeKind::closure)) {

@@ -187,11 +187,28 @@ unsigned Translator::value_of_call(unsigned node) {
 
 unsigned Translator::value_of_operation(unsigned node) {
     Operands operands;
+    TokenKind const kind = m_tokens[m_tree[node].token].kind;
+    if (refuse_sum_of_processes(node)) {
+        return broken(node);
+    }
     for (unsigned const child : m_tree.children_of(node)) {
         operands.push_back(value(child));
     }
-    TokenKind const kind = m_tokens[m_tree[node].token].kind;
     return add_operation(operation_of(kind, operands.size() == 2), node, operands);
+}
+
+/// `P + Q`, with which other algebras choose.
+bool Translator::refuse_sum_of_processes(unsigned node) {
+    if (m_tokens[m_tree[node].token].kind != Parser::token::PLUS) {
+        return false;
+    }
+    for (unsigned const child : m_tree.children_of(node)) {
+        if (m_tree[child].kind == NodeKind::construct) {
+            report_token(node, "numbers are added, and a choice is written 'P [] Q' or 'P |~| Q'");
+            return true;
+        }
+    }
+    return false;
 }
 
 /// Of a tuple, a sequence or a set.
@@ -382,8 +399,8 @@ unsigned Translator::field(unsigned node, Fields& fields) {
 
 void Translator::report_unknown(unsigned node) {
     if (!is_lost(node)) {
-        report(node, "the name " + in_quotes(text_of(node)) + " is not defined" +
-                         suggestion_for_value(text_of(node)));
+        report_token(node, "the name " + in_quotes(text_of(node)) + " is not defined" +
+                              suggestion_for_value(text_of(node)));
     }
 }
 
@@ -397,18 +414,13 @@ std::string Translator::suggestion_for_value(std::string_view name) {
             suggestion.consider(m_tokens.text_of(variable.token));
         }
     }
-    for (auto const& [known, number] : m_names.by_name) {
-        if (!m_names.definitions[number].is_process) {
-            suggestion.consider(known);
+    for (unsigned number = 0; number < m_names.definitions.size(); ++number) {
+        NamedDefinition const& definition = m_names.definitions[number];
+        if (number != m_definition && !definition.is_process) {
+            suggestion.consider(definition.name);
         }
     }
-    for (std::string_view const known : m_names.channels) {
-        suggestion.consider(known);
-    }
-    for (auto const& [known, node] : m_names.values) {
-        suggestion.consider(known);
-    }
-    for (auto const& [known, node] : m_names.datatypes) {
+    for (std::string_view const known : m_names.declared) {
         suggestion.consider(known);
     }
     for (std::string_view const known : builtin_names()) {

@@ -33,6 +33,7 @@ class Translator {
 
     // translation.cpp: definitions and declarations
     void translate_definition(unsigned number);
+    void check_fragment(unsigned node);
     unsigned kept(unsigned process, unsigned node);
     void translate_datatype(unsigned node);
     unsigned alternative(unsigned node, Translation::Datatype& datatype);
@@ -48,6 +49,7 @@ class Translator {
     unsigned value_of_call(unsigned node);
     unsigned value_of_path(unsigned node);
     unsigned value_of_operation(unsigned node);
+    bool refuse_sum_of_processes(unsigned node);
     unsigned elements(Values::Operation operation, unsigned node);
     void append_element(unsigned node, Operands& operands);
     unsigned closure(unsigned node);
@@ -105,6 +107,8 @@ class Translator {
     std::string_view text_of(unsigned node) const { return m_tokens.text_of(m_tree[node].token); }
     bool is_lost(unsigned node) const;
     void report(unsigned node, std::string message);
+    /// At the node's own token alone: its name, or its operator.
+    void report_token(unsigned node, std::string message);
 
     TokenList const& m_tokens;
     SyntaxTree const& m_tree;

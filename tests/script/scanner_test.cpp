@@ -11,7 +11,8 @@ using Testing::lines_of;
 /// The tokens with a blank between two, a definition as `P=`, a bad one as `?`; then the errors.
 std::string tokens_of(std::string_view text) {
     Diagnostics diagnostics;
-    TokenList const list = scan(text, diagnostics);
+    Sources sources{{"script", std::string(text)}};
+    TokenList const list = scan(sources, {}, diagnostics);
     std::string result;
     for (unsigned token = 0; list[token].kind != Parser::token::END; ++token) {
         result += token == 0 ? "" : " ";
