@@ -248,7 +248,9 @@ unsigned Translator::call(unsigned node, unsigned definition, unsigned arguments
         }
     }
     if (given != wanted) {
-        report_arguments(node, named.name, wanted, given);
+        if (!named.is_lost) {
+            report_arguments(node, named.name, wanted, given);
+        }
         return broken(node);
     }
     return add({.kind = Values::ExpressionKind::call, .place = node, .number = definition},
