@@ -59,7 +59,8 @@ void Script::Model::add_callers(unsigned reference, Diagnostic& diagnostic) cons
         std::span<Value const> const arguments = host.calls().arguments(instance.call);
         if (!arguments.empty()) {
             diagnostic.notes.push_back(note_of_call(
-                telling(), host.calls().definition(instance.call), arguments, instance.place));
+                telling(), host.calls().definition(instance.call), arguments, instance.place,
+                diagnostic.location.source));
         }
     }
     fold(diagnostic.notes);

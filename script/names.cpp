@@ -65,6 +65,7 @@ class Declarer {
                 return;
             }
             if (continues(found->second, parameters)) {
+                first.parameter_count = parameters;
                 first.clauses.push_back(node);
                 first.is_lost |= is_lost(node);
                 return;
@@ -92,10 +93,13 @@ class Declarer {
         }
     }
 
-    /// Whether a definition is the next clause of the one before it.
+    /// Whether a definition is the next clause of the one before it. How many parameters has what
+    /// could not be read is not known.
     bool continues(unsigned first, unsigned parameters) const {
+        NamedDefinition const& definition = m_names.definitions[first];
+        bool const may_have_any = definition.is_lost && definition.parameter_count == 0;
         return first == m_last && parameters > 0 &&
-               parameters == m_names.definitions[first].parameter_count;
+               (parameters == definition.parameter_count || may_have_any);
     }
 
     bool is_lost(unsigned node) const { return m_tree[node].child_count < 2; }

@@ -101,6 +101,16 @@ unsigned SyntaxBuilder::negative_number(unsigned minus, unsigned number) {
     return node;
 }
 
+unsigned SyntaxBuilder::negative(unsigned minus, unsigned operand) {
+    Node& node = m_tree[operand];
+    bool const is_digits = node.kind == NodeKind::number && node.first_token == node.token;
+    if (is_digits && node.parentheses == 0) {
+        node.first_token = minus;
+        return operand;
+    }
+    return operation(NodeKind::operation, minus, {operand});
+}
+
 unsigned SyntaxBuilder::empty_list() {
     return m_tree.add({.kind = NodeKind::list});
 }
@@ -137,8 +147,8 @@ unsigned SyntaxBuilder::tuple(unsigned open, unsigned first, unsigned others, un
 
 unsigned SyntaxBuilder::dotted(unsigned left, unsigned dot, unsigned field) {
     Node& node = m_tree[left];
-    if (node.kind == NodeKind::dotted && !node.is_parenthesised) {
-        node.last_token = m_tree[field].last_token;
+    if (node.kind == NodeKind::dotted && node.parentheses == 0) {
+        node.last_token = m_tree[field].last_token + m_tree[field].parentheses;
         m_tree.append(left, field);
         return left;
     }
@@ -153,8 +163,8 @@ unsigned SyntaxBuilder::operation(NodeKind kind, unsigned token,
     unsigned last = token;
     for (unsigned const part : parts) {
         if (m_tree[part].kind != NodeKind::list) {
-            first = std::min(first, m_tree[part].first_token);
-            last = std::max(last, m_tree[part].last_token);
+            first = std::min(first, m_tree[part].first_token - m_tree[part].parentheses);
+            last = std::max(last, m_tree[part].last_token + m_tree[part].parentheses);
         }
     }
     unsigned const node = spanning(kind, first, last);
@@ -201,7 +211,7 @@ unsigned SyntaxBuilder::chain(Construct construct, unsigned token,
     unsigned const left = *parts.begin();
     Node const& node = m_tree[left];
     ConstructEntry const& own = entry_of(construct);
-    bool const is_open = node.kind == NodeKind::construct && !node.is_parenthesised;
+    bool const is_open = node.kind == NodeKind::construct && node.parentheses == 0;
     if (!is_open || entry_of(node.construct).level < own.level) {
         return term(construct, token, parts);
     }
@@ -251,7 +261,7 @@ unsigned SyntaxBuilder::paired_parallel(unsigned token, unsigned pairs) {
 }
 
 unsigned SyntaxBuilder::parenthesised(unsigned term) {
-    m_tree[term].is_parenthesised = true;
+    ++m_tree[term].parentheses;
     return term;
 }
 

@@ -26,6 +26,8 @@ class SyntaxBuilder {
 
     unsigned leaf(NodeKind kind, unsigned token);
     unsigned negative_number(unsigned minus, unsigned number);
+    /// One number of a minus and digits: the smallest one has no positive.
+    unsigned negative(unsigned minus, unsigned operand);
     unsigned empty_list();
     unsigned list_of(unsigned first);
     unsigned extended(unsigned list, unsigned element);

@@ -53,7 +53,8 @@ enum class NodeKind : unsigned char {
 struct Node {
     NodeKind kind;
     Construct construct = Construct::stop;
-    bool is_parenthesised = false;
+    /// Pairs right around it, which belong to what it is a part of.
+    unsigned parentheses = 0;
     /// Where it is reported: an operator's own token, of a chain the first one.
     unsigned token = 0;
     unsigned first_token = 0;

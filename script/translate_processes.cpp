@@ -70,13 +70,14 @@ unsigned Translator::process_of_name(unsigned node) {
     if (is_value) {
         report(node, in_quotes(name) + " is a value, and a process is wanted here");
     } else if (!is_lost(node)) {
-        report_token(node,
-                     "the process " + in_quotes(name) + " is not defined" + hint_for_process(name));
+        bool const is_call = m_tree[node].kind == NodeKind::call;
+        report_token(node, (is_call ? "the name " : "the process ") + in_quotes(name) +
+                               " is not defined" + hint_for_process(name, is_call));
     }
     return broken(node);
 }
 
-std::string Translator::hint_for_process(std::string_view name) {
+std::string Translator::hint_for_process(std::string_view name, bool is_call) {
     if (m_names.channels.contains(name)) {
         return ": " + in_quotes(name) + " is an event";
     }
@@ -90,8 +91,13 @@ std::string Translator::hint_for_process(std::string_view name) {
         if (!suggestion.wants_more()) {
             break;
         }
-        if (definition.is_process) {
+        if (definition.is_process || is_call) {
             suggestion.consider(definition.name);
+        }
+    }
+    if (is_call) {
+        for (std::string_view const builtin : builtin_names()) {
+            suggestion.consider(builtin);
         }
     }
     return suggestion.text();
@@ -113,7 +119,7 @@ unsigned Translator::process_of_construct(unsigned node) {
         append_operand(node, child, place++, operands);
         // Where synchronising interrupts stand in a row, their sets must be the same.
         if (construct == Construct::synchronising_interrupt && place == 1 &&
-            m_tree[child].kind == NodeKind::construct && !m_tree[child].is_parenthesised &&
+            m_tree[child].kind == NodeKind::construct && m_tree[child].parentheses == 0 &&
             m_tree[child].construct == construct) {
             operands.push_back(event_set(m_tree.child(child, 1)));
         }

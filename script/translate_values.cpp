@@ -101,8 +101,8 @@ unsigned Translator::value_of_name(unsigned node) {
         return add_variable(slot_of(binding.number), node);
     }
     if (binding.kind == Binding::Kind::definition) {
-        bool const is_process = m_names.definitions[binding.number].is_process;
-        if (!is_process) {
+        NamedDefinition const& named = m_names.definitions[binding.number];
+        if (!named.is_process || named.is_lost) {
             return call(node, binding.number, none);
         }
         if (!m_names.channels.contains(text_of(node)) && !m_names.values.contains(text_of(node))) {
@@ -282,7 +282,7 @@ unsigned Translator::event_set(unsigned node) {
         return value(node);
     }
     bool const is_doubled =
-        count(node) == 1 && !m_tree[inner].is_parenthesised &&
+        count(node) == 1 && m_tree[inner].parentheses == 0 &&
         (m_tree[inner].kind == NodeKind::set || m_tree[inner].kind == NodeKind::closure);
     if (is_doubled) {
         return event_set(inner);
@@ -396,7 +396,9 @@ unsigned Translator::field(unsigned node, Fields& fields) {
 }
 
 void Translator::report_unknown(unsigned node) {
-    if (!is_lost(node)) {
+    if (m_names.bindings[node].kind == Binding::Kind::definition) {
+        report(node, in_quotes(text_of(node)) + " is a process, and a value is wanted here");
+    } else if (!is_lost(node)) {
         report_token(node, "the name " + in_quotes(text_of(node)) + " is not defined" +
                                suggestion_for_value(text_of(node)));
     }

@@ -197,7 +197,7 @@ void Translator::translate_declaration(unsigned node) {
             unsigned const expression = field_values(field);
             made.fields.push_back({field, expression, m_slot_count});
         };
-        if (m_tree[child].kind == NodeKind::dotted && !m_tree[child].is_parenthesised) {
+        if (m_tree[child].kind == NodeKind::dotted && m_tree[child].parentheses == 0) {
             for (unsigned const field : m_tree.children_of(child)) {
                 add_field(field);
             }
@@ -247,7 +247,9 @@ unsigned Translator::call(unsigned node, unsigned definition, unsigned arguments
         }
     }
     if (given != wanted) {
-        report_arguments(node, named.name, wanted, given);
+        if (!named.is_lost) {
+            report_arguments(node, named.name, wanted, given);
+        }
         return broken(node);
     }
     return add({.kind = Values::ExpressionKind::call, .place = node, .number = definition},

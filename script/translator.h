@@ -85,7 +85,7 @@ class Translator {
     unsigned inputs(unsigned node, unsigned item, Operands const& pieces, bool as_set);
     void append_input(unsigned item, Operands& known, Values::Comprehension& made);
     unsigned output(unsigned node, Fields& fields);
-    std::string hint_for_process(std::string_view name);
+    std::string hint_for_process(std::string_view name, bool is_call);
 
     // A call of a definition, from wherever it is seen.
     unsigned call(unsigned node, unsigned definition, unsigned arguments_node);
