@@ -115,7 +115,9 @@ class Declarer {
     }
 
     void check_new(unsigned token, std::string_view name) {
-        if (m_names.datatypes.contains(name) || m_names.values.contains(name)) {
+        if (NameTable::is_truth_value(name)) {
+            report(token, in_quotes(name) + " is a truth value");
+        } else if (m_names.datatypes.contains(name) || m_names.values.contains(name)) {
             report(token, in_quotes(name) + " is already a datatype or one of its values");
         } else if (m_names.channels.contains(name)) {
             report(token, in_quotes(name) + " is already a channel");
@@ -142,7 +144,8 @@ class Declarer {
                 continue;
             }
             for (unsigned const member : m_tree.children_of(set)) {
-                if (m_tree[member].kind == NodeKind::name) {
+                bool const is_name = m_tree[member].kind == NodeKind::name;
+                if (is_name && !NameTable::is_truth_value(text_of(member))) {
                     m_names.values.try_emplace(text_of(member), none);
                 }
             }

@@ -372,6 +372,9 @@ unsigned Translator::field(unsigned node, Fields& fields) {
     if (m_names.values.contains(name)) {
         return add_constant(m_store.name(std::string(name)), node);
     }
+    if (NameTable::is_truth_value(name)) {
+        return add_constant(Value::truth(name == "true"), node);
+    }
     if (m_names.datatypes.contains(name) || m_names.channels.contains(name) ||
         find_builtin(name) != nullptr) {
         return value_of_unbound_name(node);
