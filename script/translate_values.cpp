@@ -105,7 +105,8 @@ unsigned Translator::value_of_name(unsigned node) {
         if (!is_process) {
             return call(node, binding.number, none);
         }
-        if (!m_names.channels.contains(text_of(node)) && !m_names.values.contains(text_of(node))) {
+        std::string_view const name = text_of(node);
+        if (!m_names.channels.contains(name) && !m_names.values.contains(name) && name != "tick") {
             report(node, in_quotes(text_of(node)) + " is a process, and a value is wanted here");
             return broken(node);
         }
