@@ -82,9 +82,8 @@ class Binder {
                 continue;
             }
             std::size_t const mark = m_bound.size();
-            std::size_t const first = m_names.variables.size();
             for (unsigned const parameter : m_tree.children_of(m_tree[clause].first_child)) {
-                bind_pattern(parameter, first);
+                bind_pattern(parameter, mark);
             }
             if (m_tree[clause].child_count > 1) {
                 visit(m_tree[clause].last_child);
@@ -102,18 +101,18 @@ class Binder {
         }
     }
 
-    /// Patterns have no uses but for names of values, which need no binding.
-    void bind_pattern(unsigned node, std::size_t first_variable) {
+    /// Patterns have no uses but for names of values, which need no binding. What is bound from
+    /// the mark on belongs to the same pattern.
+    void bind_pattern(unsigned node, std::size_t mark) {
         if (m_tree[node].kind == NodeKind::name) {
             std::string_view const name = text_of(node);
             if (name == "_" || m_names.is_constant(name)) {
                 return;
             }
-            for (std::size_t i = first_variable; i < m_names.variables.size(); ++i) {
-                if (m_tokens.text_of(m_names.variables[i].token) == name) {
-                    report(m_tree[node].token, in_quotes(name) + " stands twice in one pattern");
-                    return;
-                }
+            auto const of_pattern = m_bound.begin() + static_cast<std::ptrdiff_t>(mark);
+            if (std::find(of_pattern, m_bound.end(), name) != m_bound.end()) {
+                report(m_tree[node].token, in_quotes(name) + " stands twice in one pattern");
+                return;
             }
             auto const variable = static_cast<unsigned>(m_names.variables.size());
             m_names.variables.push_back({m_tree[node].token, m_definition});
@@ -124,7 +123,7 @@ class Binder {
         bool const has_head = m_tree[node].kind == NodeKind::dotted;
         for (unsigned const child : m_tree.children_of(node)) {
             if (!has_head || child != m_tree[node].first_child) {
-                bind_pattern(child, first_variable);
+                bind_pattern(child, mark);
             }
         }
     }
@@ -155,7 +154,7 @@ class Binder {
         for (unsigned child = m_tree[results].next; child != none; child = m_tree[child].next) {
             if (m_tree[child].kind == NodeKind::generator) {
                 visit(m_tree[child].last_child);
-                bind_pattern(m_tree[child].first_child, m_names.variables.size());
+                bind_pattern(m_tree[child].first_child, m_bound.size());
             } else {
                 visit(child);
             }
@@ -178,7 +177,7 @@ class Binder {
             if (m_tree[item].child_count > 1) {
                 visit(m_tree[item].last_child);
             }
-            bind_pattern(m_tree[item].first_child, first);
+            bind_pattern(m_tree[item].first_child, mark);
         }
         for (std::size_t i = first; i < m_names.variables.size(); ++i) {
             m_names.variables[i].is_used = false; // in the items it may have been

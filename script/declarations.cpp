@@ -34,34 +34,56 @@ class Declarer {
 
     void run() {
         m_lines.resize(m_session.number_bound());
-        for (Translation::Datatype const& datatype : m_translation.datatypes) {
-            declare_datatype(datatype);
-        }
+        declare_datatypes();
         for (Translation::Declaration const& declaration : m_translation.declarations) {
             declare_channels(declaration);
         }
     }
 
   private:
-    void declare_datatype(Translation::Datatype const& datatype) {
+    /// One may be made of others that stand behind it: what cannot be declared yet is tried again as
+    /// long as that helps, each time from the other end, so that rows of them take two rounds.
+    void declare_datatypes() {
+        std::vector<Translation::Datatype const*> waiting;
+        for (Translation::Datatype const& datatype : m_translation.datatypes) {
+            waiting.push_back(&datatype);
+        }
+        auto const reported = static_cast<std::ptrdiff_t>(m_diagnostics.size());
+        std::size_t before = 0;
+        do {
+            before = waiting.size();
+            m_diagnostics.erase(m_diagnostics.begin() + reported, m_diagnostics.end());
+            std::erase_if(waiting,
+                          [&](auto const* datatype) { return declare_datatype(*datatype); });
+            std::reverse(waiting.begin(), waiting.end());
+        } while (waiting.size() < before);
+    }
+
+    /// False, and reported, when it cannot be declared.
+    bool declare_datatype(Translation::Datatype const& datatype) {
         for (std::size_t index = 0; index < datatype.names.size(); ++index) {
             std::vector<std::vector<Value>> fields;
             for (unsigned const expression : datatype.fields[index]) {
                 if (!evaluate(expression, datatype.slot_count, fields.emplace_back())) {
-                    return;
+                    return false;
                 }
             }
-            declare_fields(datatype, index, fields);
+            if (!declare_fields(datatype, index, fields)) {
+                return false;
+            }
         }
+        return true;
     }
 
-    /// Reports when some values cannot be told apart from the beginnings of others.
-    void declare_fields(Translation::Datatype const& datatype, std::size_t index,
+    /// False, and reported, when some values cannot be told apart from the beginnings of others.
+    bool declare_fields(Translation::Datatype const& datatype, std::size_t index,
                         std::vector<std::vector<Value>> const& fields) {
         try {
             m_channels.store().declare_fields(datatype.names[index], fields);
+            return true;
         } catch (Values::ValueError const& error) {
             report(datatype.node, error.message());
+            return false;
         }
     }
 

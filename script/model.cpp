@@ -26,7 +26,7 @@ ProcessPointer Script::Model::make(unsigned number) {
     try {
         return m_guarded.make(number);
     } catch (ProcessCompiler::UnguardedRecursion const& error) {
-        throw ScriptError({location_of(*error.names().front()), error.what()});
+        throw ScriptError({location_of(*error.names().front()), error.what()}, *tokens.sources);
     }
 }
 
@@ -45,7 +45,7 @@ ProcessPointer Script::Model::Alone::make(unsigned number) {
         m_model.host.forget();
         Diagnostic diagnostic = m_model.diagnostic_of(error);
         m_model.add_callers(number, diagnostic);
-        throw ScriptError(std::move(diagnostic));
+        throw ScriptError(std::move(diagnostic), *m_model.tokens.sources);
     } catch (...) {
         m_model.host.forget();
         throw;

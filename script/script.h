@@ -20,13 +20,16 @@ namespace Calder::Script {
 /// before. Comes out of NamedProcessSource::process, and so out of exploring.
 class ScriptError : public std::exception {
   public:
-    explicit ScriptError(Diagnostic diagnostic) : m_diagnostic(std::move(diagnostic)) {}
+    ScriptError(Diagnostic diagnostic, Sources const& sources)
+        : m_diagnostic(std::move(diagnostic)), m_text(render(m_diagnostic, sources)) {}
 
     Diagnostic const& diagnostic() const { return m_diagnostic; }
-    char const* what() const noexcept override { return m_diagnostic.message.c_str(); }
+    /// As it is told: with its place and the line. Whoever catches it may not have the script.
+    char const* what() const noexcept override { return m_text.c_str(); }
 
   private:
     Diagnostic m_diagnostic;
+    std::string m_text;
 };
 
 /// What a script says: the names of its events, and terms by name. Owns all of it; terms and

@@ -171,10 +171,4 @@ Script::Script::Definition const& chosen_process(Script::Script const& script, I
                                    known_names(script, input.process)));
 }
 
-CommandError error_of(Script::ScriptError const& error, Script::Script const& script) {
-    std::string text = Script::render(error.diagnostic(), script.sources());
-    text.pop_back();
-    return CommandError(text);
-}
-
 } // namespace Calder::Tools

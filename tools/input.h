@@ -35,7 +35,4 @@ std::unique_ptr<Script::Script> read_input(Input const& input,
 /// The definition that the input names; throws CommandError when there is none.
 Script::Script::Definition const& chosen_process(Script::Script const& script, Input const& input);
 
-/// What went wrong as the process was asked for what it does, as an error of the script.
-CommandError error_of(Script::ScriptError const& error, Script::Script const& script);
-
 } // namespace Calder::Tools
