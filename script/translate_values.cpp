@@ -385,7 +385,11 @@ unsigned Translator::field(unsigned node, Fields& fields) {
 }
 
 void Translator::report_unknown(unsigned node) {
-    if (!is_lost(node)) {
+    Binding const binding = m_names.bindings[node];
+    if (binding.kind == Binding::Kind::definition &&
+        m_names.definitions[binding.number].is_process) {
+        report(node, in_quotes(text_of(node)) + " is a process, and a value is wanted here");
+    } else if (!is_lost(node)) {
         report(node, "the name " + in_quotes(text_of(node)) + " is not defined" +
                          suggestion_for_value(text_of(node)));
     }
