@@ -255,7 +255,7 @@ class Binder {
     /// A local definition, asked for from outside: the longest path that is one.
     void use_local_path(unsigned node) {
         unsigned const head = m_tree[node].first_child;
-        if (m_tree[head].kind != NodeKind::name || !m_scope.contains(text_of(head))) {
+        if (m_tree[head].kind != NodeKind::name || !is_definition_of_script(text_of(head))) {
             return;
         }
         std::string path(text_of(head));
@@ -267,6 +267,17 @@ class Binder {
             path += "." + std::string(text_of(child));
         }
         m_paths.emplace_back(node, std::move(path));
+    }
+
+    /// And nothing within it has the same name.
+    bool is_definition_of_script(std::string_view name) const {
+        auto const found = m_scope.find(name);
+        if (found == m_scope.end() || found->second.empty()) {
+            return false;
+        }
+        Binding const innermost = found->second.back();
+        return innermost.kind == Binding::Kind::definition &&
+               m_names.definitions[innermost.number].parent == none;
     }
 
     void use(unsigned node) {

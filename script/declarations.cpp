@@ -3,6 +3,7 @@
 #include "script/event_literals.h"
 #include "script/limits.h"
 #include "values/text.h"
+#include "values/value_error.h"
 
 #include <algorithm>
 #include <memory>
@@ -67,22 +68,32 @@ class Declarer {
                     return false;
                 }
             }
-            m_channels.store().declare_fields(datatype.names[index], fields);
+            if (!declare_fields(datatype, index, fields)) {
+                return false;
+            }
         }
         return true;
     }
 
+    /// False, and reported, when some values cannot be told apart from the beginnings of others.
+    bool declare_fields(Translation::Datatype const& datatype, std::size_t index,
+                        std::vector<std::vector<Value>> const& fields) {
+        try {
+            m_channels.store().declare_fields(datatype.names[index], fields);
+            return true;
+        } catch (Values::ValueError const& error) {
+            report(datatype.node, error.message());
+            return false;
+        }
+    }
+
     void declare_channels(Translation::Declaration const& declaration) {
         Outline outline;
-        bool const is_whole = !declaration.is_broken && read_fields(declaration, outline);
-        std::shared_ptr<FieldList const> fields;
+        std::shared_ptr<FieldList const> const fields = fields_of(declaration, outline);
         for (unsigned const channel : declaration.channels) {
-            if (!may_declare(channel, is_whole, outline)) {
+            if (!may_declare(channel, fields != nullptr, outline)) {
                 m_names.lost.names.insert(text_of(channel));
                 continue;
-            }
-            if (!fields) {
-                fields = std::make_shared<FieldList>(m_channels.store(), outline.fields);
             }
             unsigned const first_number = m_session.number_bound();
             if (!declare_events(channel, outline)) {
@@ -91,6 +102,19 @@ class Declarer {
             }
             m_channels.declare(std::string(text_of(channel)), fields, first_number);
         }
+    }
+
+    /// Nothing, and reported, when they are wrong.
+    std::shared_ptr<FieldList const> fields_of(Translation::Declaration const& declaration,
+                                               Outline& outline) {
+        try {
+            if (!declaration.is_broken && read_fields(declaration, outline)) {
+                return std::make_shared<FieldList const>(m_channels.store(), outline.fields);
+            }
+        } catch (Values::ValueError const& error) {
+            report(declaration.channels.front(), error.message());
+        }
+        return nullptr;
     }
 
     /// False, and all reported, when what one of them lists is wrong.
@@ -216,7 +240,11 @@ class Declarer {
         } catch (Values::EvaluationError const& error) {
             m_diagnostics.push_back(diagnostic_of(m_telling, error));
         } catch (Values::Unreadable const&) {
-            // which is reported
+            if (m_diagnostics.empty()) { // channels, too, are unreadable as long as none is declared
+                report(m_translation.program.expressions[expression].place,
+                       "what a field ranges over cannot depend on channels and events, which are "
+                       "declared only then");
+            }
         }
         return false;
     }

@@ -125,7 +125,9 @@ class Declarer {
     }
 
     void check_new(unsigned token, std::string_view name) {
-        if (m_names.datatypes.contains(name) || m_names.values.contains(name)) {
+        if (NameTable::is_truth_value(name)) {
+            report(token, in_quotes(name) + " is a truth value");
+        } else if (m_names.datatypes.contains(name) || m_names.values.contains(name)) {
             report(token, in_quotes(name) + " is already a datatype or one of its values");
         } else if (m_names.channels.contains(name)) {
             report(token, in_quotes(name) + " is already a channel");
@@ -152,8 +154,9 @@ class Declarer {
                 continue;
             }
             for (unsigned const member : m_tree.children_of(set)) {
-                if (m_tree[member].kind == NodeKind::name &&
-                    m_names.values.try_emplace(text_of(member), none).second) {
+                bool const is_name = m_tree[member].kind == NodeKind::name &&
+                                     !NameTable::is_truth_value(text_of(member));
+                if (is_name && m_names.values.try_emplace(text_of(member), none).second) {
                     m_names.declared.push_back(text_of(member));
                 }
             }

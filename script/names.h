@@ -68,9 +68,10 @@ struct NameTable {
     std::vector<std::string_view> declared;
     LostNames lost;
 
+    static bool is_truth_value(std::string_view name) { return name == "true" || name == "false"; }
     /// Whether a name in a pattern is the value and no variable.
     bool is_constant(std::string_view name) const {
-        return name == "true" || name == "false" ||
+        return is_truth_value(name) ||
                (values.contains(name) && !by_name.contains(std::string(name)));
     }
 };

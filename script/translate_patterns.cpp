@@ -74,9 +74,8 @@ unsigned Translator::pattern_of_name(unsigned node) {
     if (m_names.bindings[node].kind == Binding::Kind::variable) {
         return variable_pattern(slot_of(m_names.bindings[node].number));
     }
-    bool const is_truth = name == "true" || name == "false";
-    Value const constant =
-        is_truth ? Value::truth(name == "true") : m_store.name(std::string(name));
+    Value const constant = NameTable::is_truth_value(name) ? Value::truth(name == "true")
+                                                           : m_store.name(std::string(name));
     return add_pattern({.kind = PatternKind::constant, .value = constant}, {});
 }
 

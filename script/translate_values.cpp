@@ -105,7 +105,8 @@ unsigned Translator::value_of_name(unsigned node) {
         if (!named.is_process || named.is_lost) {
             return call(node, binding.number, none);
         }
-        if (!m_names.channels.contains(text_of(node)) && !m_names.values.contains(text_of(node))) {
+        std::string_view const name = text_of(node);
+        if (!m_names.channels.contains(name) && !m_names.values.contains(name) && name != "tick") {
             report(node, in_quotes(text_of(node)) + " is a process, and a value is wanted here");
             return broken(node);
         }
@@ -387,6 +388,9 @@ unsigned Translator::field(unsigned node, Fields& fields) {
     if (m_names.values.contains(name)) {
         return add_constant(m_store.name(std::string(name)), node);
     }
+    if (NameTable::is_truth_value(name)) {
+        return add_constant(Value::truth(name == "true"), node);
+    }
     if (m_names.datatypes.contains(name) || m_names.channels.contains(name) ||
         find_builtin(name) != nullptr) {
         return value_of_unbound_name(node);
@@ -396,7 +400,9 @@ unsigned Translator::field(unsigned node, Fields& fields) {
 }
 
 void Translator::report_unknown(unsigned node) {
-    if (m_names.bindings[node].kind == Binding::Kind::definition) {
+    Binding const binding = m_names.bindings[node];
+    if (binding.kind == Binding::Kind::definition &&
+        m_names.definitions[binding.number].is_process) {
         report(node, in_quotes(text_of(node)) + " is a process, and a value is wanted here");
     } else if (!is_lost(node)) {
         report_token(node, "the name " + in_quotes(text_of(node)) + " is not defined" +

@@ -17,6 +17,7 @@
 #include <filesystem>
 #include <new>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 namespace Calder::Tools {
@@ -97,8 +98,17 @@ std::unique_ptr<Script::Script> read_script(Input const& input) {
         options.definitions.push_back(definition_of(definition));
     }
     options.process = is_name(input.process) ? "" : input.process;
-    options.include = include_file;
-    Script::ReadResult result = Script::read_script({input.name(), std::move(*text)}, options);
+    // However the script itself is called: what includes it again includes what is there already.
+    options.include = [&](std::string_view path, std::string_view from) {
+        Script::Inclusion found = include_file(path, from);
+        std::error_code ignored;
+        if (std::filesystem::equivalent(found.source.name, input.file, ignored)) {
+            found.source.name = input.name();
+        }
+        return found;
+    };
+    Script::ReadResult result =
+        Script::read_script({input.name(), std::move(*text)}, options);
     if (result.script) {
         return std::move(result.script);
     }

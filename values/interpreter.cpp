@@ -58,6 +58,11 @@ Value Interpreter::evaluate(unsigned expression, unsigned slot_count) {
 }
 
 template <typename Start> Value Interpreter::run(Start const& start) {
+    // Also where telling an error runs out of memory.
+    struct Forgetting {
+        Interpreter& interpreter;
+        ~Forgetting() { interpreter.forget_all(); }
+    } const forgetting{*this};
     try {
         start();
         for (unsigned steps = 1; !m_tasks.empty(); ++steps) {
@@ -69,19 +74,12 @@ template <typename Start> Value Interpreter::run(Start const& start) {
     } catch (ValueError const& caught) {
         EvaluationError error(m_tasks.back().expression->place, caught.message());
         add_calls(error);
-        forget_all();
         throw error;
     } catch (EvaluationError& error) {
         add_calls(error);
-        forget_all();
-        throw;
-    } catch (...) {
-        forget_all();
         throw;
     }
-    Value const result = m_values.back();
-    m_values.clear();
-    return result;
+    return m_values.back();
 }
 
 void Interpreter::step() {
@@ -111,7 +109,7 @@ void Interpreter::step() {
     }
 }
 
-/// After an error: nothing is under way any more.
+/// Nothing is under way any more: what was begun before an error is not known to be.
 void Interpreter::forget_all() {
     for (Frame const& frame : m_frames) {
         if (frame.remembered != no_number) {
