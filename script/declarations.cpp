@@ -240,7 +240,8 @@ class Declarer {
         } catch (Values::EvaluationError const& error) {
             m_diagnostics.push_back(diagnostic_of(m_telling, error));
         } catch (Values::Unreadable const&) {
-            if (m_diagnostics.empty()) { // channels, too, are unreadable as long as none is declared
+            if (m_diagnostics
+                    .empty()) { // channels, too, are unreadable as long as none is declared
                 report(m_translation.program.expressions[expression].place,
                        "what a field ranges over cannot depend on channels and events, which are "
                        "declared only then");

@@ -85,6 +85,9 @@ class Declarer {
                                        .parameter_count = parameters,
                                        .is_lost = is_lost(node)});
         m_last = number;
+        if (!is_lost(node) && m_tree[m_tree[node].last_child].kind != NodeKind::construct) {
+            m_names.hidden.insert(m_tokens.text_of(token));
+        }
         if (found == m_names.by_name.end()) {
             m_names.by_name.emplace(std::move(name), number);
         } else {

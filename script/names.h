@@ -64,6 +64,8 @@ struct NameTable {
     /// introduces.
     std::unordered_map<std::string_view, unsigned> values;
     std::unordered_map<std::string_view, unsigned> datatypes; // their nodes
+    /// Names of definitions that may be values, by what they say: a process hides no value.
+    std::unordered_set<std::string_view> hidden;
     /// The names of channels, values and datatypes in the order of the script, for suggestions.
     std::vector<std::string_view> declared;
     LostNames lost;
@@ -71,8 +73,7 @@ struct NameTable {
     static bool is_truth_value(std::string_view name) { return name == "true" || name == "false"; }
     /// Whether a name in a pattern is the value and no variable.
     bool is_constant(std::string_view name) const {
-        return is_truth_value(name) ||
-               (values.contains(name) && !by_name.contains(std::string(name)));
+        return is_truth_value(name) || (values.contains(name) && !hidden.contains(name));
     }
 };
 

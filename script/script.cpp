@@ -30,8 +30,7 @@ class Reader {
             sources.push_back({"--define", name + " = " + text});
         }
         if (!options.process.empty()) {
-            sources.push_back(
-                {"--process", std::string(asked_name) + " =\n" + options.process, 0});
+            sources.push_back({"--process", std::string(asked_name) + " =\n" + options.process, 0});
         }
         m_end_added = static_cast<unsigned>(sources.size());
     }

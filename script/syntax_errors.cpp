@@ -88,8 +88,7 @@ std::vector<Group> const& groups() {
         {"a number", kinds_of({K::S_NUMBER})},
         {"an operator", operators() | value_operators()},
         {"an operator", operators()},
-        {"a definition", kinds_of({K::S_DEFINED_NAME, K::S_CHANNEL, K::S_DATATYPE, K::S_FILE_END,
-                                   K::S_YYEOF})},
+        {"a definition", kinds_of({K::S_DEFINED_NAME, K::S_CHANNEL, K::S_DATATYPE, K::S_YYEOF})},
     };
     return list;
 }

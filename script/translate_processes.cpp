@@ -185,9 +185,9 @@ void Translator::append_pair(Construct construct, unsigned pair, Operands& opera
 
 bool Translator::is_tick(unsigned node) const {
     Binding const binding = m_names.bindings[node];
-    bool const is_free = binding.kind == Binding::Kind::neither ||
-                         (binding.kind == Binding::Kind::definition &&
-                          m_names.definitions[binding.number].is_process);
+    bool const is_free =
+        binding.kind == Binding::Kind::neither || (binding.kind == Binding::Kind::definition &&
+                                                   m_names.definitions[binding.number].is_process);
     return is_free && m_tree[node].kind == NodeKind::name && text_of(node) == "tick";
 }
 

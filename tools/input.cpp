@@ -107,8 +107,7 @@ std::unique_ptr<Script::Script> read_script(Input const& input) {
         }
         return found;
     };
-    Script::ReadResult result =
-        Script::read_script({input.name(), std::move(*text)}, options);
+    Script::ReadResult result = Script::read_script({input.name(), std::move(*text)}, options);
     if (result.script) {
         return std::move(result.script);
     }
