@@ -52,6 +52,10 @@ std::uint64_t allocations() {
     return allocation_count;
 }
 
+std::uint64_t bytes_in_use() {
+    return live_bytes;
+}
+
 void measure_exploration(benchmark::State& state, ProcessPointer const& start,
                          NamedProcessSource const& source) {
     std::uint64_t transitions = 0;

@@ -12,6 +12,9 @@ namespace Calder::Benchmarks {
 /// How often memory was asked for since the program began.
 std::uint64_t allocations();
 
+/// What of it is not given back, in bytes.
+std::uint64_t bytes_in_use();
+
 /// Reports transitions a second, and how often memory was asked for a transition.
 void report_transitions(benchmark::State& state, std::uint64_t transitions,
                         std::uint64_t allocated);

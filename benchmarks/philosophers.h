@@ -9,7 +9,7 @@
 
 namespace Calder::Benchmarks {
 
-/// Dining philosophers, as examples/generate writes them: philosophers side by side, forks side by
+/// Dining philosophers, as in examples/philosophers.csp: philosophers side by side, forks side by
 /// side, synchronised on taking and putting down.
 class Philosophers {
   public:

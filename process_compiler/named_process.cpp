@@ -15,10 +15,14 @@ constexpr std::uint64_t hash_seed = 0x1f35;
 
 } // namespace
 
-NamedProcess::NamedProcess(std::string name, unsigned number)
-    : m_name(std::move(name)), m_number(number) {}
+NamedProcess::NamedProcess(NamedProcessSource const& source, unsigned number)
+    : m_source(&source), m_number(number) {}
 
 NamedProcess::~NamedProcess() = default;
+
+std::string NamedProcess::name() const {
+    return m_source->name(*this);
+}
 
 unsigned NamedProcess::argument_count() const {
     return 0;
@@ -41,19 +45,19 @@ std::unique_ptr<Formats> NamedProcess::high_level_formats(std::vector<BitSet> co
 }
 
 std::uint64_t NamedProcess::hash_code() const {
-    return m_hash.get([this] { return hash_combine(hash_seed, std::hash<std::string>()(m_name)); });
+    return m_hash.get([this] { return hash_combine(hash_seed, m_number); });
 }
 
 bool NamedProcess::operator==(Process const& other) const {
-    return other.kind() == kind() && m_name == static_cast<NamedProcess const&>(other).m_name;
+    return other.kind() == kind() && is_same(other);
 }
 
 bool NamedProcess::operator!=(Process const& other) const {
-    return other.kind() != kind() || m_name != static_cast<NamedProcess const&>(other).m_name;
+    return other.kind() != kind() || !is_same(other);
 }
 
 ProcessPointer NamedProcess::clone(bool) const {
-    return new NamedProcess(m_name, m_number);
+    return new NamedProcess(*m_source, m_number);
 }
 
 unsigned NamedProcess::kind() const {
@@ -89,15 +93,15 @@ bool NamedProcess::is_commutative() const {
 }
 
 void NamedProcess::pretty_print(Printer& printer) const {
-    printer << m_name;
+    printer << name();
 }
 
 void NamedProcess::pretty_print_operator(Printer& printer) const {
-    printer << m_name;
+    printer << name();
 }
 
 void NamedProcess::pretty_print_operator_description(Printer& printer) const {
-    printer << "Process " << m_name;
+    printer << "Process " << name();
 }
 
 std::pair<unsigned, unsigned> NamedProcess::pretty_print_information() const {
@@ -106,6 +110,12 @@ std::pair<unsigned, unsigned> NamedProcess::pretty_print_information() const {
 
 bool NamedProcess::pretty_print_is_same_operator(Process const& other) const {
     return other.kind() == kind();
+}
+
+/// Only asked of a reference.
+bool NamedProcess::is_same(Process const& other) const {
+    auto const& reference = static_cast<NamedProcess const&>(other);
+    return m_number == reference.m_number && m_source == reference.m_source;
 }
 
 } // namespace Calder::ProcessCompiler

@@ -12,14 +12,18 @@ namespace Calder::ProcessCompiler {
 ///     ----------------------------------
 ///              NAME --e--> P'
 ///
-/// It holds a name, never the process, so recursion makes no cycle of pointers. It has no arguments
-/// and no formats of its own: whoever compiles it first asks the source what it stands for. The
-/// questions about arguments abort, as for RUN and CHAOS.
+/// It holds a number and the source that gave it, never the process, so recursion makes no cycle of
+/// pointers. Two are equal when both agree. It may outlive its source as long as it is asked for
+/// neither its name, which printing needs, nor its transitions.
+///
+/// It has no arguments and no formats of its own: whoever compiles it first asks the source what it
+/// stands for. The questions about arguments abort, as for RUN and CHAOS.
 class CALDER_PROCESS_COMPILER_EXPORT NamedProcess : public Process {
   public:
     ~NamedProcess() override;
 
-    std::string const& name() const { return m_name; }
+    /// As the source says it.
+    std::string name() const;
     /// Its place among the references of the source that made it.
     unsigned number() const { return m_number; }
     unsigned argument_count() const override;
@@ -55,9 +59,11 @@ class CALDER_PROCESS_COMPILER_EXPORT NamedProcess : public Process {
   private:
     friend class NamedProcessSource;
 
-    NamedProcess(std::string name, unsigned number);
+    NamedProcess(NamedProcessSource const& source, unsigned number);
 
-    std::string m_name;
+    bool is_same(Process const& other) const;
+
+    NamedProcessSource const* m_source;
     unsigned m_number;
 };
 

@@ -1,50 +1,24 @@
 #include "process_compiler/unguarded_recursion.h"
 
 #include "core/cycle_search.h"
-#include "process_compiler/kinds.h"
+#include "process_compiler/names_at_start.h"
 
-#include <unordered_set>
+#include <utility>
 
 namespace Calder::ProcessCompiler {
 
 namespace {
 
-using Names = std::vector<NamedProcess const*>;
-
-/// The names that `process` runs from its start, each once, in the order of their places. Visits
-/// shared arguments once and does not recurse: definitions may be deep.
-Names names_running_at_start(Process const& process) {
-    Names names;
-    std::vector<Process const*> waiting{&process};
-    std::unordered_set<Process const*> seen{&process};
-    while (!waiting.empty()) {
-        Process const& next = *waiting.back();
-        waiting.pop_back();
-        if (next.kind() == named_process_kind) {
-            names.push_back(static_cast<NamedProcess const*>(&next));
-            continue;
-        }
-        for (unsigned index = next.argument_count(); index-- > 0;) {
-            if (next.process_state(index) == ArgumentState::on &&
-                seen.insert(next.argument(index).get()).second) {
-                waiting.push_back(next.argument(index).get());
-            }
-        }
-    }
-    return names;
-}
+/// So many steps of a cycle are told.
+constexpr std::size_t longest_told_cycle = 8;
 
 /// By number of a name: the numbers of those that its definition runs from its start.
-std::vector<std::vector<std::uint32_t>>
-successors_of_names(NamedProcessSource const& source,
-                    std::vector<NamedProcessPointer> const& references) {
-    std::vector<std::vector<std::uint32_t>> successors(references.size());
-    for (NamedProcessPointer const& reference : references) {
+std::vector<std::vector<unsigned>> successors_of_names(NamedProcessSource const& source) {
+    NamesAtStart names;
+    std::vector<std::vector<unsigned>> successors(source.references().size());
+    for (NamedProcessPointer const& reference : source.references()) {
         if (source.is_defined(*reference)) {
-            for (NamedProcess const* const name :
-                 names_running_at_start(*source.process(*reference))) {
-                successors[reference->number()].push_back(name->number());
-            }
+            names.add_to(successors[reference->number()], *source.process(*reference));
         }
     }
     return successors;
@@ -52,9 +26,27 @@ successors_of_names(NamedProcessSource const& source,
 
 } // namespace
 
+std::string describe(NameCycle const& cycle) {
+    std::string text = "recursion without a guard: ";
+    for (std::size_t index = 0; index < cycle.size(); ++index) {
+        if (index == longest_told_cycle) {
+            text += " and so on through " + std::to_string(cycle.size()) + " names";
+            break;
+        }
+        text += index == 0 ? "" : ", ";
+        text += cycle[index]->name() + " runs " + cycle[(index + 1) % cycle.size()]->name();
+    }
+    return text + " from the start";
+}
+
+UnguardedRecursion::UnguardedRecursion(std::string const& message, NameCycle names)
+    : std::runtime_error(message), m_names(std::move(names)) {}
+
+UnguardedRecursion::~UnguardedRecursion() = default;
+
 std::vector<NameCycle> find_unguarded_recursion(NamedProcessSource const& source) {
     auto const& references = source.references();
-    auto const successors = successors_of_names(source, references);
+    auto const successors = successors_of_names(source);
     std::vector<NameCycle> cycles;
     std::vector<bool> is_reported(references.size());
     auto const report = [&](std::span<std::uint32_t const> loop) {

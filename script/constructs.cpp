@@ -29,11 +29,15 @@ template <typename Made> ProcessPointer build_over_set(Parts const& parts) {
 }
 
 ProcessPointer build_prefix(Parts const& parts) {
+    if (parts.events.empty()) {
+        return new EventSetPrefixProcess(parts.sets[0], parts.processes[0]);
+    }
     return new PrefixProcess(parts.events[0], parts.processes[0]);
 }
 
-ProcessPointer build_event_set_prefix(Parts const& parts) {
-    return new EventSetPrefixProcess(parts.sets[0], parts.processes[0]);
+/// A condition decides before there is a term.
+ProcessPointer build_guarded(Parts const& parts) {
+    return parts.processes[0];
 }
 
 template <typename Made> ProcessPointer build_of_two(Parts const& parts) {
@@ -85,27 +89,36 @@ using Build = ProcessPointer (*)(Parts const&);
 template <typename Made>
 constexpr ConstructEntry entry(Construct construct, char const* name, Build build) {
     constexpr std::array associations{Association::left, Association::right, Association::none};
-    return {construct, name, Made::shape.precedence, associations[Made::shape.associativity],
+    return {construct,
+            name,
+            Made::shape.precedence,
+            associations[Made::shape.associativity],
+            Made::shape.level == Level::high,
             build};
 }
 
 /// Of a construct whose chain is one term.
 template <typename Made>
 constexpr ConstructEntry chain(Construct construct, char const* name, Build build) {
-    return {construct, name, Made::shape.precedence, Association::nary, build};
+    return {construct,
+            name,
+            Made::shape.precedence,
+            Association::nary,
+            Made::shape.level == Level::high,
+            build};
 }
 
 constexpr std::array entries{
-    ConstructEntry{Construct::stop, "STOP", 0, Association::none, build_stop},
-    ConstructEntry{Construct::skip, "SKIP", 0, Association::none, build_skip},
+    ConstructEntry{Construct::stop, "STOP", 0, Association::none, false, build_stop},
+    ConstructEntry{Construct::skip, "SKIP", 0, Association::none, false, build_skip},
     entry<RunProcess>(Construct::run, "RUN", build_over_set<RunProcess>),
     entry<ChaosProcess>(Construct::chaos, "CHAOS", build_over_set<ChaosProcess>),
-    ConstructEntry{Construct::replicated_parallel, "replicated alphabetised parallel", 0,
-                   Association::none, apply_alphabetised_parallel},
+    ConstructEntry{Construct::paired_parallel, "replicated alphabetised parallel", 0,
+                   Association::none, true, apply_alphabetised_parallel},
     entry<RenameOperator>(Construct::renaming, "renaming", apply_renaming),
     entry<PrefixProcess>(Construct::prefix, "prefix", build_prefix),
-    entry<EventSetPrefixProcess>(Construct::event_set_prefix, "event-set prefix",
-                                 build_event_set_prefix),
+    ConstructEntry{Construct::guard, "condition", PrefixProcess::shape.precedence,
+                   Association::right, false, build_guarded},
     entry<SequentialCompositionProcess>(Construct::sequential_composition, "sequential composition",
                                         build_of_two<SequentialCompositionProcess>),
     entry<SlidingChoiceProcess>(Construct::sliding_choice, "sliding choice",
@@ -143,8 +156,14 @@ constexpr bool entries_stand_in_order() {
     return entries.back().construct == Construct::projection;
 }
 static_assert(entries_stand_in_order());
+static_assert(AlphabetisedParallelOperator::shape.level == Level::high);
+static_assert(PrefixProcess::shape.precedence == EventSetPrefixProcess::shape.precedence);
 
 } // namespace
+
+ProcessPointer make_prefix(unsigned event, ProcessPointer const& process) {
+    return new PrefixProcess(event, process);
+}
 
 ConstructEntry const& entry_of(Construct construct) {
     return entries[static_cast<std::size_t>(construct)];

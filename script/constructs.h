@@ -14,10 +14,10 @@ enum class Construct : unsigned char {
     skip,
     run,
     chaos,
-    replicated_parallel,
+    paired_parallel, // || (a, p) : {(S, P)(T, Q)} @ [a] p
     renaming,
-    prefix,
-    event_set_prefix,
+    prefix, // of an event or a set of events
+    guard,
     sequential_composition,
     sliding_choice,
     interrupt,
@@ -47,7 +47,8 @@ struct Parts {
     OwningArray<ProcessCompiler::ProcessPointer> processes;
     /// Of a chain with one set, that set once.
     std::vector<BitSet> sets;
-    /// The event of a prefix; of a renaming or links the pairs, one after the other.
+    /// The event of a prefix, unless it has a set; of a renaming or links the pairs, one after the
+    /// other.
     std::vector<unsigned> events;
 };
 
@@ -57,9 +58,15 @@ struct ConstructEntry {
     /// A lower level binds tighter.
     unsigned level;
     Association association;
-    /// Makes the term.
+    /// Whether it prefers to become a construct of a machine, rather than to be explored.
+    bool prefers_machine;
+    /// Makes the term; there are as many processes as the construct has.
     ProcessCompiler::ProcessPointer (*build)(Parts const& parts);
 };
+
+/// The commonest of terms without the arrays that parts come in.
+ProcessCompiler::ProcessPointer make_prefix(unsigned event,
+                                            ProcessCompiler::ProcessPointer const& process);
 
 /// The one list of what is known of the constructs.
 ConstructEntry const& entry_of(Construct construct);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "script/sources.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -7,13 +9,15 @@
 
 namespace Calder::Script {
 
-/// A place in a script. All three are at least 1 and count characters (code points, or bytes that
+/// A place in a script. The first three are at least 1 and count characters (code points, or bytes that
 /// belong to none), not bytes. What is missing at the end of a script is placed right behind its
 /// last token.
 struct Location {
     unsigned line;
     unsigned column;
     unsigned length;
+    /// The number of the source.
+    unsigned source = 0;
 
     bool operator==(Location const&) const = default;
 };
@@ -22,13 +26,15 @@ struct Location {
 struct Diagnostic {
     Location location;
     std::string message;
+    /// Lines that stand below: the calls that led there.
+    std::vector<std::string> notes{};
 
     bool operator==(Diagnostic const&) const = default;
 };
 
 using Diagnostics = std::vector<Diagnostic>;
 
-/// The diagnostic as three lines for a terminal, with `text` the whole script:
+/// The diagnostic as three lines for a terminal, and a line for each note:
 ///
 ///     table.csp:3:12: error: the event 'eet' is not declared; did you mean 'eat'?
 ///     PHIL = eat -> eet -> PHIL
@@ -37,20 +43,19 @@ using Diagnostics = std::vector<Diagnostic>;
 /// Tabs are kept in both lines, so that the caret stands in its place however wide they are; what
 /// cannot be shown stands as U+FFFD. Of a long line only the part around the caret is shown. Each
 /// call goes through the text up to the place.
-std::string render(Diagnostic const& diagnostic, std::string_view file_name, std::string_view text);
+std::string render(Diagnostic const& diagnostic, Sources const& sources);
 
 /// So many are told in full: more is more than anybody reads.
 constexpr std::size_t most_told = 20;
 
 /// The renderings of the first most_told, one after the other, and a line that says how many more
 /// there are. Diagnostics in order of place cost one pass over the text in all.
-std::string render_all(Diagnostics const& diagnostics, std::string_view file_name,
-                       std::string_view text);
+std::string render_all(Diagnostics const& diagnostics, Sources const& sources);
 
 /// Part of a script as it stands in a message: between single quotes, and cut when it is long.
 std::string in_quotes(std::string_view text);
 
-/// By place, and each once.
+/// By source and place, and each once.
 void sort_and_remove_repetitions(Diagnostics& diagnostics);
 
 } // namespace Calder::Script

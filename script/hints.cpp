@@ -14,23 +14,8 @@ struct Row {
     char const* meaning;
 };
 
-/// The first row that the text goes on with counts.
+/// For characters of no token. The first row that the text goes on with counts.
 constexpr std::array characters{
-    Row{"!", "outputs as in 'c!e' are not in the notation yet: write each event, as in 'c.0'"},
-    Row{"?", "inputs as in 'c?x' are not in the notation yet: write a choice, or '{| c |} -> P'"},
-    Row{"&", "conditions are not in the notation yet"},
-    Row{"|[", "the parallel composition over a set of events is written 'P [| S |] Q'"},
-    Row{"|", "a choice is written 'P [] Q' or 'P |~| Q'"},
-    Row{"//", "a comment begins with '--'"},
-    Row{"/*", "a comment begins with '--', or stands between '{-' and '-}'"},
-    Row{"/", "a renaming is written 'P[[a <- b]]'"},
-    Row{"#", "a comment begins with '--'"},
-    Row{"+", "arithmetic is not in the notation yet, and a choice is written 'P [] Q'"},
-    Row{"-", "arithmetic is not in the notation yet, and a comment begins with '--'"},
-    Row{"*/", "a comment begins with '--', or stands between '{-' and '-}'"},
-    Row{"*", "arithmetic is not in the notation yet"},
-    Row{"<", "comparisons and sequences are not in the notation yet"},
-    Row{">", "comparisons and sequences are not in the notation yet"},
     Row{"→", "write '->'"},
     Row{"⟶", "write '->'"},
     Row{"←", "write '<-'"},
@@ -46,28 +31,55 @@ constexpr std::array characters{
     Row{"∖", "write '\\'"},
     Row{"✓", "write 'tick'"},
     Row{"√", "write 'tick'"},
+    Row{"≠", "write '!='"},
+    Row{"≤", "write '<='"},
+    Row{"≥", "write '>='"},
+    Row{"∧", "write 'and'"},
+    Row{"∨", "write 'or'"},
+    Row{"¬", "write 'not'"},
+    Row{"∪", "write 'union(S, T)'"},
+    Row{"∩", "write 'inter(S, T)'"},
+    Row{"∈", "write 'member(x, S)', or 'x <- S' in a set"},
+    Row{"⟨", "write '<'"},
+    Row{"⟩", "write '>'"},
+    Row{"–", "write '-'"},
+    Row{"—", "write '-'"},
+    Row{"“", "write '\"'"},
+    Row{"”", "write '\"'"},
+    Row{"\"", "a text ends in the line that it begins in, and only 'include' has one"},
     Row{"\u00A0", "it looks like a blank and is none (U+00A0)"},
     Row{"\u200B", "it cannot be seen (U+200B)"},
     Row{"\uFEFF", "it cannot be seen (U+FEFF)"},
 };
 
+constexpr char const* a_choice = "a choice is written 'P [] Q' or 'P |~| Q'";
+constexpr char const* a_definition = "a definition is written 'P = …'";
+
+/// For tokens where the text cannot go on, or the one before. The first row that the text goes on with counts.
+constexpr std::array operators{
+    Row{"//", "a comment begins with '--'"},
+    Row{"/*", "a comment begins with '--', or stands between '{-' and '-}'"},
+    Row{"*/", "a comment begins with '--', or stands between '{-' and '-}'"},
+    Row{"&&", "'and' joins conditions"},
+    Row{"|[", "the parallel composition over a set of events is written 'P [| S |] Q'"},
+    Row{":=", a_definition},
+    Row{"=>", "a prefix is written 'a -> P'"},
+    Row{"<=>", "links are written 'P [a <-> b] Q'"},
+    Row{"+ ", a_choice},
+};
+
 constexpr std::array words{
-    Row{"if", "'if' is not in the notation yet"},
-    Row{"let", "'let' is not in the notation yet"},
-    Row{"datatype", "'datatype' is not in the notation yet: a channel lists its values"},
-    Row{"nametype", "'nametype' is not in the notation yet: a channel lists its values"},
-    Row{"include", "'include' is not in the notation yet"},
+    Row{"nametype", "a set is named as in 'T = {0..4}'"},
     Row{"assert", "'assert' is not in the notation yet; 'calder explore --deadlock' looks for a "
                   "deadlock"},
     Row{"event", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
     Row{"events", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
     Row{"channels", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
     Row{"Channel", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
+    Row{"elseif", "write 'else if'"},
+    Row{"elif", "write 'else if'"},
+    Row{"length", "the length of a sequence is written '#s'"},
 };
-
-constexpr std::size_t longest_call = 40; // bytes
-
-constexpr char const* no_sets = "names of sets are not in the notation yet";
 
 /// The tokens around an error. A token of that name may be asked for in front of the first one and
 /// behind the last: it is END.
@@ -78,9 +90,10 @@ class Reading {
 
     std::optional<Hint> hint() const {
         using Try = std::optional<Hint> (Reading::*)() const;
-        for (Try const attempt : {&Reading::of_word, &Reading::of_definition, &Reading::of_call,
-                                  &Reading::of_replication, &Reading::of_defined_value,
-                                  &Reading::of_set, &Reading::of_bracket, &Reading::of_operator}) {
+        for (Try const attempt :
+             {&Reading::of_word, &Reading::of_definition, &Reading::of_let, &Reading::of_text,
+              &Reading::of_comment, &Reading::of_field, &Reading::of_bracket, &Reading::of_choice,
+              &Reading::of_renaming, &Reading::of_operator}) {
             if (std::optional<Hint> found = (this->*attempt)()) {
                 return found;
             }
@@ -101,33 +114,14 @@ class Reading {
         return {at(distance), std::move(message)};
     }
 
-    /// A name and what stands in parentheses behind it: `'B(n)'`, or `'B(…)'` where that is long or
-    /// cannot be shown in a line.
-    std::string call_text(unsigned name, unsigned close) const {
-        std::size_t const start = m_tokens[name].offset;
-        std::size_t const length = m_tokens[close].offset + m_tokens[close].length - start;
-        std::string_view const text = m_tokens.text.substr(start, length);
-        bool const can_be_shown =
-            kind_at(close) == Token::RIGHT_PARENTHESIS && length <= longest_call &&
-            std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
-        return in_quotes(can_be_shown ? std::string(text)
-                                      : std::string(m_tokens.text_of(name)) + "(…)");
-    }
-
     bool starts_item(TokenKind kind) const {
-        return kind == Token::DEFINED_NAME || kind == Token::CHANNEL || kind == Token::END;
+        return kind == Token::DEFINED_NAME || kind == Token::CHANNEL || kind == Token::DATATYPE ||
+               kind == Token::FILE_END || kind == Token::END;
     }
 
-    /// The parenthesis that closes this one, within the same definition; itself when none does.
-    unsigned closing(unsigned open) const {
-        unsigned depth = 0;
-        for (unsigned token = open; !starts_item(kind_at(token)); ++token) {
-            depth += kind_at(token) == Token::LEFT_PARENTHESIS ? 1 : 0;
-            if (kind_at(token) == Token::RIGHT_PARENTHESIS && --depth == 0) {
-                return token;
-            }
-        }
-        return open;
+    bool starts_primary(TokenKind kind) const {
+        return kind == Token::STOP || kind == Token::SKIP || kind == Token::RUN ||
+               kind == Token::CHAOS || kind == Token::NAME || kind == Token::LEFT_PARENTHESIS;
     }
 
     /// The brace that opens the set that ends with this one.
@@ -151,7 +145,7 @@ class Reading {
         return kind_at(token) == Token::CHANNEL;
     }
 
-    /// `if b then P else Q`: at the word or right behind it.
+    /// `assert P`: at the word or right behind it.
     std::optional<Hint> of_word() const {
         for (int const distance : {0, -1}) {
             if (kind(distance) != Token::NAME && kind(distance) != Token::DEFINED_NAME) {
@@ -164,84 +158,72 @@ class Reading {
         return std::nullopt;
     }
 
-    /// `B(n) = P`, `P := Q`, `P == Q`, `channel a = {0}`
+    /// `P == Q`, `P := Q`, `channel a = {0}`
     std::optional<Hint> of_definition() const {
         for (int const distance : {0, -1}) {
-            if (kind(distance) != Token::NAME) {
-                continue;
-            }
-            unsigned const name = at(distance);
-            if (kind(distance + 1) == Token::LEFT_PARENTHESIS &&
-                kind_at(closing(name + 1) + 1) == Token::EQUALS) {
-                return Hint{name, "definitions with parameters, as " +
-                                      call_text(name, closing(name + 1)) +
-                                      ", are not in the notation yet"};
-            }
-            if (kind(distance + 1) == Token::COLON && kind(distance + 2) == Token::EQUALS) {
-                return here(distance + 1, "a definition is written 'P = …'");
+            bool const is_assigned = kind(distance) == Token::NAME &&
+                                     kind(distance + 1) == Token::COLON &&
+                                     kind(distance + 2) == Token::EQUALS;
+            if (is_assigned) {
+                return here(distance + 1, a_definition);
             }
         }
-        if (kind(0) == Token::EQUALS && kind(-1) == Token::DEFINED_NAME) {
-            return here(0, "a definition is written 'P = …'");
+        if (kind(0) == Token::NAME && kind(1) == Token::EQUAL_TO) {
+            return here(1, a_definition);
+        }
+        if (kind(0) == Token::EQUALS && kind(-1) == Token::EQUALS) {
+            return here(0, a_definition);
         }
         if (kind(0) == Token::EQUALS && kind(-1) == Token::NAME && kind(-2) == Token::CHANNEL) {
             return here(0, "the values of a channel stand behind ':', as in 'channel a : {0..4}'");
         }
+        if (kind(0) == Token::EQUALS && m_context.follows_term) {
+            return here(0, "two values are compared by '=='");
+        }
         return std::nullopt;
     }
 
-    /// `B(1)`
-    std::optional<Hint> of_call() const {
-        if (kind(0) != Token::LEFT_PARENTHESIS || kind(-1) != Token::NAME) {
-            return std::nullopt;
+    /// `let x = 1` without `within`
+    std::optional<Hint> of_let() const {
+        if (kind(0) == Token::DEFINED_NAME && kind(-1) == Token::LET) {
+            return here(-1, "this 'let' has no 'within'");
         }
-        return here(-1, "processes with parameters, as " + call_text(at(-1), closing(at(0))) +
-                            ", are not in the notation yet");
+        return std::nullopt;
     }
 
-    /// `||| x : S @ P`, `|| x : S @ [A] P`
-    std::optional<Hint> of_replication() const {
-        constexpr std::array operators{Token::EXTERNAL_CHOICE, Token::INTERNAL_CHOICE,
-                                       Token::INTERLEAVING, Token::PARALLEL, Token::SEMICOLON};
-        for (int const distance : {0, -1, -2}) {
-            if (std::find(operators.begin(), operators.end(), kind(distance)) != operators.end() &&
-                kind(distance + 1) == Token::NAME && kind(distance + 2) == Token::COLON) {
-                return here(distance, "operators over the values of a set, as '" +
-                                          std::string(text(distance)) +
-                                          " x : S @ P', are not in the notation yet");
+    /// `//`, `&&`, `a => P`
+    std::optional<Hint> of_text() const {
+        for (int const distance : {0, -1}) {
+            if (at(distance) >= m_tokens.size()) {
+                continue; // in front of the first one
+            }
+            Script::Token const& token = m_tokens[at(distance)];
+            std::string_view const rest =
+                std::string_view((*m_tokens.sources)[token.source].text).substr(token.offset);
+            for (Row const& row : operators) {
+                if (rest.starts_with(row.text) &&
+                    (distance == 0 || row.text.size() > token.length)) {
+                    return here(distance, row.meaning);
+                }
             }
         }
         return std::nullopt;
     }
 
-    /// `A = {a, b}`, `A = {0..4}`, `N = 5`
-    std::optional<Hint> of_defined_value() const {
-        constexpr char const* start = "a name stands for a process: ";
-        if (kind(0) == Token::NUMBER && kind(-1) == Token::DEFINED_NAME) {
-            return here(0, std::string(start) + "names of numbers are not in the notation yet");
-        }
-        bool const is_range = kind(0) == Token::NUMBER && kind(-1) == Token::LEFT_BRACE;
-        bool const is_set = ends_set(-1) && starts_item(kind(0));
-        if (is_range || is_set) {
-            unsigned const open = opening(at(-1));
-            if (kind_at(open - 1) == Token::DEFINED_NAME) {
-                return Hint{open, std::string(start) + no_sets};
-            }
+    /// `# …`, `- …`: where an item begins, or a value is complete
+    std::optional<Hint> of_comment() const {
+        if (kind(0) == Token::HASH || kind(0) == Token::MINUS) {
+            return here(0, "a comment begins with '--'");
         }
         return std::nullopt;
     }
 
-    /// `P \ A`, `channel c : T`, `channel c : 0..4`
-    std::optional<Hint> of_set() const {
-        if (m_context.wants_set && kind(0) == Token::NAME) {
-            return here(0, "a set of events stands between braces, as in '{a}' or '{| a |}'; " +
-                               std::string(no_sets));
-        }
-        bool const is_value = kind(0) == Token::NAME || kind(0) == Token::NUMBER;
-        if (m_context.wants_field && is_value && is_in_declaration()) {
-            return here(0, std::string("the values of a field stand between braces, as in "
-                                       "'{0..4}' or '{on, off}'") +
-                               (kind(0) == Token::NAME ? "; " + std::string(no_sets) : ""));
+    /// `channel c : 0..4`
+    std::optional<Hint> of_field() const {
+        bool const is_range = kind(0) == Token::RANGE && kind(-1) == Token::NUMBER;
+        if (is_range && is_in_declaration()) {
+            return here(-1, "the values of a field stand between braces, as in '{0..4}' or "
+                            "'{on, off}'");
         }
         return std::nullopt;
     }
@@ -252,20 +234,64 @@ class Reading {
         bool const is_set = ends_set(-1) && kind_at(opening(at(-1)) - 1) == Token::LEFT_BRACKET;
         if (kind(0) == Token::RIGHT_BRACKET && (is_name || is_set)) {
             return here(0, "the parallel composition over one set of events is written "
-                           "'P [| S |] Q', with S between braces, as in '{a}'");
-        }
-        if (kind(0) == Token::PARALLEL && is_name) {
-            return here(-1, "a set of events stands between braces, as in '[{a} || {b}]'; " +
-                                std::string(no_sets));
+                           "'P [| S |] Q'");
         }
         return std::nullopt;
     }
 
-    /// `P || Q`, `STOP -> P`
+    /// `a -> P | b -> Q`, `a -> P + b -> Q`
+    std::optional<Hint> of_choice() const {
+        if (kind(0) == Token::BAR && m_context.follows_term) {
+            return here(0, a_choice);
+        }
+        if (kind(0) != Token::ARROW) {
+            return std::nullopt;
+        }
+        int distance = -1;
+        while (kind(distance) == Token::NAME || kind(distance) == Token::NUMBER ||
+               kind(distance) == Token::DOT) {
+            --distance;
+        }
+        bool const is_sum = kind(distance) == Token::PLUS && kind(distance + 1) == Token::NAME;
+        bool const is_field = kind(distance - 2) == Token::DOT;
+        return is_sum && !is_field ? std::optional(here(distance, a_choice)) : std::nullopt;
+    }
+
+    /// `P[[b/a]]`, `P \ S [[a <- b]]`
+    std::optional<Hint> of_renaming() const {
+        if (kind(0) == Token::RENAMING_OPEN && m_context.follows_term) {
+            return here(0,
+                        "parentheses are needed: '[[' binds tighter than the operator before it");
+        }
+        if (kind(0) != Token::DIVIDE) {
+            return std::nullopt;
+        }
+        int distance = -1;
+        while (kind(distance) == Token::NAME || kind(distance) == Token::NUMBER ||
+               kind(distance) == Token::DOT || kind(distance) == Token::COMMA) {
+            --distance;
+        }
+        return kind(distance) == Token::RENAMING_OPEN
+                   ? std::optional(here(0, "a renaming is written 'P[[a <- b]]'"))
+                   : std::nullopt;
+    }
+
+    /// `P || Q`, `|| x : S @ P`, `STOP -> P`, `c.x+1 -> P`
     std::optional<Hint> of_operator() const {
+        constexpr std::array arithmetic{Token::PLUS,   Token::MINUS,  Token::TIMES,
+                                        Token::DIVIDE, Token::MODULO, Token::CARET};
+        if (m_context.follows_term && kind(0) == Token::ARROW &&
+            std::find(arithmetic.begin(), arithmetic.end(), kind(-2)) != arithmetic.end()) {
+            return here(0, "before '->' an expression stands in parentheses or behind '!', as in "
+                           "'c.(x+1) -> P' and 'c!x+1 -> P'");
+        }
         if (m_context.follows_term && kind(0) == Token::PARALLEL) {
             return here(0, "'||' needs to know the events: write 'P [| S |] Q', 'P [S || T] Q' or, "
                            "without common events, 'P ||| Q'");
+        }
+        if (kind(-1) == Token::AT && starts_primary(kind(0))) {
+            return here(0, "each process has its events in front of it: write "
+                           "'|| x : S @ [A(x)] P(x)'");
         }
         if (m_context.follows_term && kind(0) == Token::ARROW) {
             return here(0, "what stands before '->' is an event or a set of events, not a process");
@@ -290,18 +316,17 @@ std::string word_hint(std::string_view word) {
 }
 
 std::string character_hint(std::string_view text, std::size_t offset) {
-    char const before = offset == 0 ? '\n' : text[offset - 1];
-    std::string_view rest = text.substr(offset);
-    if (before == '=' && rest.starts_with('>')) {
-        return ": a prefix is written 'a -> P'";
-    }
-    if (before == ']' && rest.starts_with('|')) {
-        rest = "|[";
-    }
+    std::string_view const rest = text.substr(offset);
     auto const row = std::find_if(characters.begin(), characters.end(), [&](Row const& candidate) {
         return rest.starts_with(candidate.text);
     });
     return row == characters.end() ? "" : std::string(": ") + row->meaning;
+}
+
+std::string comment_hint(std::string_view text, std::size_t offset) {
+    std::string_view const behind = text.substr(std::min(offset + 2, text.size()));
+    bool const is_digit = !behind.empty() && behind[0] >= '0' && behind[0] <= '9';
+    return is_digit ? "; a set that begins with a negative number is written '{ -1, 2}'" : "";
 }
 
 } // namespace Calder::Script

@@ -18,8 +18,6 @@ struct Hint {
 struct SyntaxErrorContext {
     unsigned token;    // where the text cannot go on
     bool follows_term; // the term in front of it is complete
-    bool wants_set;    // of events, and nothing else
-    bool wants_field;  // the values of a field of a channel, and nothing else
 };
 
 /// Nothing where the text resembles nothing that people try.
@@ -27,6 +25,9 @@ std::optional<Hint> syntax_hint(TokenList const& tokens, SyntaxErrorContext cons
 
 /// For a word that other notations reserve; otherwise empty.
 std::string word_hint(std::string_view word);
+
+/// For a comment that begins at a place of the text and never ends: `"; …"`, or nothing.
+std::string comment_hint(std::string_view text, std::size_t offset);
 
 /// For a character that belongs to no token, at a place of the text: `": …"`, or nothing.
 std::string character_hint(std::string_view text, std::size_t offset);

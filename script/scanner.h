@@ -4,10 +4,11 @@
 
 namespace Calder::Script {
 
-/// Splits a text of at most text_limit bytes into tokens. What cannot be one is reported and stands
-/// in the list as one BAD token for each run of it, so that the grammar knows that something was
-/// there. A name that "=" follows becomes one DEFINED_NAME: a new definition can be told from its
-/// first token.
-TokenList scan(std::string_view text, Diagnostics& diagnostics);
+/// Splits the sources, of at most text_limit bytes in all, into tokens: the first one is the script,
+/// in front of whose tokens stand those of the others. Files that it includes are read, each once,
+/// become sources too, and stand in the place of the `include`. What cannot be a token is reported
+/// and stands in the list as one BAD token for each run of it, so that the grammar knows that
+/// something was there.
+TokenList scan(Sources& sources, Include const& include, Diagnostics& diagnostics);
 
 } // namespace Calder::Script

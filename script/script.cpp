@@ -1,11 +1,13 @@
 #include "script/script.h"
 
+#include "process_compiler/kinds.h"
 #include "process_compiler/unguarded_recursion.h"
-#include "script/definition_graph.h"
-#include "script/event_table.h"
+#include "script/constants.h"
+#include "script/declarations.h"
+#include "script/model.h"
 #include "script/scanner.h"
+#include "script/suggestion.h"
 #include "script/syntax_builder.h"
-#include "script/term_builder.h"
 
 #include <utility>
 
@@ -13,75 +15,215 @@ namespace Calder::Script {
 
 namespace {
 
-using ProcessCompiler::NameCycle;
-
-/// So many steps of a cycle are told.
-constexpr std::size_t longest_told_cycle = 8;
-
-/// "P runs Q, Q runs P"
-std::string steps_of(NameCycle const& cycle) {
-    std::string text;
-    for (std::size_t index = 0; index < cycle.size(); ++index) {
-        if (index == longest_told_cycle) {
-            return text + " and so on through " + std::to_string(cycle.size()) + " names";
-        }
-        text += index == 0 ? "" : ", ";
-        text += cycle[index]->name() + " runs " + cycle[(index + 1) % cycle.size()]->name();
-    }
-    return text;
-}
+/// What the process that is asked for is defined as, in a source of its own.
+constexpr char const* asked_name = "_process";
 
 } // namespace
 
 /// One reading of a script, from the text to the terms.
 class Reader {
   public:
-    ReadResult read(std::string_view text) {
-        TokenList const tokens = scan(text, m_diagnostics);
-        SyntaxTree const tree = parse(tokens, m_diagnostics);
-        ChannelTable channels = declare_events(tokens, tree, m_script->m_session, m_diagnostics);
-        EventTable events(tokens, tree, m_script->m_session, std::move(channels), m_diagnostics);
-        DefinitionGraph const graph = connect_definitions(tokens, tree, events, m_diagnostics);
-        TermBuilder builder(tokens, tree, graph, events, m_script->m_processes, m_diagnostics);
-        builder.build_all();
-        fill(tokens, tree, graph, builder);
-        report_unguarded_recursion();
+    Reader(Source script, ReadOptions const& options) : m_options(options) {
+        Sources& sources = m_script->m_sources;
+        sources.push_back(std::move(script));
+        for (auto const& [name, text] : options.definitions) {
+            sources.push_back({"--define", name + " = " + text});
+        }
+        if (!options.process.empty()) {
+            sources.push_back({"--process", std::string(asked_name) + " =\n" + options.process, 0});
+        }
+        m_end_added = static_cast<unsigned>(sources.size());
+    }
+
+    ReadResult read() {
+        m_script->m_model =
+            std::make_unique<Script::Model>(m_script->m_sources, m_script->m_processes);
+        Script::Model& model = *m_script->m_model;
+        model.tokens = scan(m_script->m_sources, m_options.include, m_diagnostics);
+        model.tree = parse(model.tokens, m_diagnostics);
+        model.names = resolve_names(model.tokens, model.tree, 1, m_end_added, m_diagnostics);
+        check_added(model);
+        model.translation =
+            translate(model.tokens, model.tree, model.names, model.store, m_diagnostics);
+        model.graph = connect_calls(model.names, model.translation);
+        declare(model.tokens, model.tree, model.names, model.translation, model.channels,
+                model.evaluator, m_script->m_session, m_diagnostics);
+        define(model);
         sort_and_remove_repetitions(m_diagnostics);
         if (!m_diagnostics.empty()) {
-            m_script.reset();
+            return {nullptr, std::move(m_diagnostics), std::move(m_script->m_sources)};
         }
-        return {std::move(m_script), std::move(m_diagnostics)};
+        fill(model);
+        m_script->m_processes.set_maker(&model);
+        look_behind_asked();
+        if (!m_diagnostics.empty()) {
+            return {nullptr, std::move(m_diagnostics), m_script->m_sources};
+        }
+        return {std::move(m_script), {}, {}};
     }
 
   private:
-    void fill(TokenList const& tokens, SyntaxTree const& tree, DefinitionGraph const& graph,
-              TermBuilder const& builder) {
-        for (std::size_t index = 0; index < tree.definitions.size(); ++index) {
-            unsigned const token = tree.definitions[index].name;
-            Script::Definition& definition = m_script->m_definitions.emplace_back();
-            definition.name = tokens.text_of(token);
-            definition.location = tokens.location(token);
-            definition.body = builder.bodies()[index];
-            definition.term = definition.body;
-            if (graph.is_on_cycle[index]) {
-                definition.term = m_script->m_processes.reference(definition.name);
+    /// A definition that nobody asks for was meant for another name.
+    void check_added(Script::Model const& model) {
+        std::vector<bool> is_used(model.names.definitions.size());
+        for (Binding const& binding : model.names.bindings) {
+            if (binding.kind == Binding::Kind::definition) {
+                is_used[binding.number] = true;
             }
         }
-        for (std::size_t index = 0; index < tree.definitions.size(); ++index) {
-            m_script->m_places.try_emplace(m_script->m_definitions[index].name, index);
-        }
-    }
-
-    void report_unguarded_recursion() {
-        for (NameCycle const& cycle : find_unguarded_recursion(m_script->m_processes)) {
+        for (auto const& [name, text] : m_options.definitions) {
+            auto const found = model.names.by_name.find(name);
+            if (found == model.names.by_name.end() || is_used[found->second] ||
+                model.names.definitions[found->second].is_replacement) {
+                continue;
+            }
+            unsigned budget = suggestion_budget;
+            Suggestion suggestion(name, budget);
+            for (NamedDefinition const& definition : model.names.definitions) {
+                if (definition.name != name) {
+                    suggestion.consider(definition.name);
+                }
+            }
             m_diagnostics.push_back(
-                {m_script->find(cycle[0]->name())->location,
-                 "recursion without a guard: " + steps_of(cycle) + " from the start"});
+                {model.tokens.location(model.names.definitions[found->second].token),
+                 "the script neither defines nor uses " + in_quotes(name) + suggestion.text()});
         }
     }
 
+    bool has_no_parameters(Script::Model const& model, unsigned number) const {
+        return model.translation.program.definitions[number].parameter_count == 0 &&
+               model.names.definitions[number].parent == none;
+    }
+
+    ProcessCompiler::NamedProcessPointer reference(Script::Model& model, unsigned number) {
+        return model.host.reference(number, {}, model.names.definitions[number].clauses[0]);
+    }
+
+    /// Everything without parameters, parts before wholes. Where there are errors already, only to
+    /// find recursion without a guard among what can be made in spite of them.
+    void define(Script::Model& model) {
+        m_has_errors = !m_diagnostics.empty();
+        m_bodies.resize(model.names.definitions.size());
+        // References are numbered as they first come up: in the order of the script.
+        for (unsigned number = 0; number < m_bodies.size(); ++number) {
+            if (model.graph.is_reference[number] && has_no_parameters(model, number)) {
+                reference(model, number);
+            }
+        }
+        if (!m_has_errors) {
+            compute(model);
+        }
+        for (unsigned const number : model.graph.order) {
+            bool const is_first = model.names.definitions[number].first_line == 0;
+            if (has_no_parameters(model, number) && is_first &&
+                model.names.definitions[number].is_process) {
+                guarded(number, [&] { define_process(model, number); });
+            }
+        }
+        for (ProcessCompiler::NameCycle const& cycle :
+             find_unguarded_recursion(m_script->m_processes)) {
+            m_diagnostics.push_back({model.location_of(*cycle[0]), describe(cycle)});
+        }
+    }
+
+    /// The values without parameters, each once.
+    void compute(Script::Model& model) {
+        Values::Program const& program = model.translation.program;
+        std::vector<Values::Value> values(program.definitions.size());
+        auto const compute_one = [&](unsigned number) {
+            guarded(number, [&] {
+                values[number] =
+                    model.evaluator.call(number, {}, program.definitions[number].place);
+            });
+        };
+        for (auto number = static_cast<unsigned>(m_bodies.size()); number < values.size();
+             ++number) {
+            compute_one(number); // datatypes
+        }
+        for (unsigned const number : model.graph.order) {
+            if (has_no_parameters(model, number) && !model.names.definitions[number].is_process) {
+                compute_one(number);
+            }
+        }
+        fold_constants(model.translation, values, model.evaluator);
+    }
+
+    void define_process(Script::Model& model, unsigned number) {
+        m_bodies[number] = model.body_of(number);
+        if (model.graph.is_reference[number]) {
+            m_script->m_processes.define(*reference(model, number), m_bodies[number]);
+        }
+    }
+
+    /// Reports what goes wrong with values, where nothing else does. What uses the definition is then
+    /// unreadable: it would go wrong in the same way, and take as long to find that.
+    template <typename Work> void guarded(unsigned definition, Work const& work) {
+        try {
+            work();
+            return;
+        } catch (Values::EvaluationError const& error) {
+            if (!m_has_errors) {
+                m_diagnostics.push_back(m_script->m_model->diagnostic_of(error));
+            }
+        } catch (Values::Unreadable const&) {
+            // which is reported
+        }
+        Values::Program& program = m_script->m_model->translation.program;
+        for (Values::Clause const& clause : program.definitions[definition].clauses) {
+            program.expressions[clause.body].kind = Values::ExpressionKind::broken;
+        }
+    }
+
+    void fill(Script::Model& model) {
+        for (unsigned number = 0; number < m_bodies.size(); ++number) {
+            NamedDefinition const& named = model.names.definitions[number];
+            if (!has_no_parameters(model, number) || !named.is_process) {
+                continue;
+            }
+            Script::Definition definition{named.name, model.tokens.location(named.token),
+                                          m_bodies[number], m_bodies[number]};
+            if (model.graph.is_reference[number]) {
+                definition.term = reference(model, number);
+            }
+            if (named.name == asked_name && !m_options.process.empty()) {
+                fill_asked(std::move(definition));
+            } else {
+                m_script->m_definitions.push_back(std::move(definition));
+            }
+        }
+        auto const& definitions = m_script->m_definitions;
+        for (std::size_t index = 0; index < definitions.size(); ++index) {
+            m_script->m_places.try_emplace(definitions[index].name, index);
+        }
+    }
+
+    void fill_asked(Script::Definition definition) {
+        definition.name = m_options.process;
+        m_script->m_asked = std::make_unique<Script::Definition>(std::move(definition));
+    }
+
+    /// An instance that is asked for says what its definition says.
+    void look_behind_asked() {
+        if (!m_script->m_asked) {
+            return;
+        }
+        ProcessCompiler::ProcessPointer& body = m_script->m_asked->body;
+        if (body->kind() == ProcessCompiler::named_process_kind) {
+            try {
+                body = m_script->m_processes.process(
+                    static_cast<ProcessCompiler::NamedProcess const&>(*body));
+            } catch (ScriptError const& error) {
+                m_diagnostics.push_back(error.diagnostic());
+            }
+        }
+    }
+
+    ReadOptions const& m_options;
     std::unique_ptr<Script> m_script{new Script};
+    unsigned m_end_added = 1;
     Diagnostics m_diagnostics;
+    bool m_has_errors = false;                             // before anything was made
+    std::vector<ProcessCompiler::ProcessPointer> m_bodies; // by definition
 };
 
 Script::Script() = default;
@@ -93,13 +235,31 @@ Script::Definition const* Script::find(std::string_view name) const {
     return place == m_places.end() ? nullptr : &m_definitions[place->second];
 }
 
-ReadResult read_script(std::string_view text) {
-    if (text.size() > text_limit) {
+std::string_view Script::process_with_parameters() const {
+    for (NamedDefinition const& named : m_model->names.definitions) {
+        if (named.is_process && named.parent == none && named.parameter_count > 0) {
+            return named.name;
+        }
+    }
+    return {};
+}
+
+Location Script::location_of(ProcessCompiler::NamedProcess const& reference) const {
+    return m_model->location_of(reference);
+}
+
+ReadResult read_script(Source script, ReadOptions const& options) {
+    if (script.text.size() > text_limit) {
         return {nullptr,
                 {{{1, 1, 1},
-                  "the script is too long: more than " + std::to_string(text_limit) + " bytes"}}};
+                  "the script is too long: more than " + std::to_string(text_limit) + " bytes"}},
+                {std::move(script)}};
     }
-    return Reader().read(text);
+    return Reader(std::move(script), options).read();
+}
+
+ReadResult read_script(std::string_view text) {
+    return read_script({"script", std::string(text)}, {});
 }
 
 } // namespace Calder::Script

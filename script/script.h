@@ -4,19 +4,39 @@
 #include "process_compiler/session.h"
 #include "script/diagnostics.h"
 #include "script/limits.h"
+#include "script/sources.h"
 
+#include <exception>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace Calder::Script {
+
+/// What only values show, and only when a process is asked for what it does: the script was read
+/// before. Comes out of NamedProcessSource::process, and so out of exploring.
+class ScriptError : public std::exception {
+  public:
+    ScriptError(Diagnostic diagnostic, Sources const& sources)
+        : m_diagnostic(std::move(diagnostic)), m_text(render(m_diagnostic, sources)) {}
+
+    Diagnostic const& diagnostic() const { return m_diagnostic; }
+    /// As it is told: with its place and the line. Whoever catches it may not have the script.
+    char const* what() const noexcept override { return m_text.c_str(); }
+
+  private:
+    Diagnostic m_diagnostic;
+    std::string m_text;
+};
 
 /// What a script says: the names of its events, and terms by name. Owns all of it; terms and
 /// references must not outlive it.
 class Script {
   public:
+    /// A process without parameters.
     struct Definition {
         std::string name;
         Location location; // of the name
@@ -32,35 +52,63 @@ class Script {
     Script& operator=(Script const&) = delete;
 
     ProcessCompiler::Session const& session() const { return m_session; }
-    /// Defines the names on recursive cycles. All others are replaced by what they name, which is
-    /// shared and not copied.
+    /// Makes what stands on recursive cycles: names, and the instances of definitions with
+    /// parameters, each when it is first asked for. All others are replaced by what they stand for,
+    /// which is shared and not copied. Throws ScriptError as it makes one.
     ProcessCompiler::NamedProcessSource const& processes() const { return m_processes; }
 
     /// In the order of the script.
     std::vector<Definition> const& definitions() const { return m_definitions; }
+    /// The name of the first process with parameters; empty when there is none.
+    std::string_view process_with_parameters() const;
     /// Null when the script does not define the name.
     Definition const* find(std::string_view name) const;
+    /// The process of ReadOptions; null when none was given.
+    Definition const* asked() const { return m_asked.get(); }
+    /// Where the name of a process or an instance is defined.
+    Location location_of(ProcessCompiler::NamedProcess const& reference) const;
+
+    /// All that was read, for showing a place in it.
+    Sources const& sources() const { return m_sources; }
 
   private:
     friend class Reader;
+    class Model;
 
     Script();
 
+    Sources m_sources;
     ProcessCompiler::Session m_session;
     ProcessCompiler::NamedProcessSource m_processes;
+    std::unique_ptr<Model> m_model;
     std::vector<Definition> m_definitions;
+    std::unique_ptr<Definition> m_asked;
     std::unordered_map<std::string_view, std::size_t> m_places; // of the definitions
+};
+
+struct ReadOptions {
+    /// Names and what they are to be defined as, in the place of what the script says.
+    std::vector<std::pair<std::string, std::string>> definitions{};
+    /// A process that is asked for as it would be written in the script: `BUFFER(<0>)`.
+    std::string process{};
+    /// How `include` reads files; without it there are none.
+    Include include{};
 };
 
 struct ReadResult {
     /// Null when there are diagnostics.
     std::unique_ptr<Script> script;
     /// Every error of the script that is not the mere consequence of another, in order of place.
+    /// What only values show is told when there is nothing else.
     Diagnostics diagnostics;
+    /// What the diagnostics are about.
+    Sources sources;
 };
 
-/// Reads a script of the notation, in UTF-8. Time and memory are linear in its length, its events
-/// and its sets; the stack that is used is not longer for a longer script. Throws std::bad_alloc.
+/// Reads a script of the notation, in UTF-8. Without values, time and memory are linear in its
+/// length, its events and its sets; the stack that is used is not longer for a longer script.
+/// Throws std::bad_alloc.
+ReadResult read_script(Source script, ReadOptions const& options);
 ReadResult read_script(std::string_view text);
 
 } // namespace Calder::Script

@@ -5,6 +5,7 @@
 #include <climits>
 
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -14,29 +15,56 @@ namespace Calder::Script {
 constexpr unsigned none = UINT_MAX;
 
 enum class NodeKind : unsigned char {
-    absorbed,    // nothing any more: another node has its children
-    list,        // events, pairs or fields while they are being collected
-    event,       // from its first token to its last
-    listed_set,  // {a, b}: events
-    closure_set, // {| a, b |}: events
-    declaration, // channels, then fields
-    channel,
-    field, // values
-    value, // a name, a number, or a range from its first token to its last
+    absorbed, // nothing any more: another node has its children
+    list,     // while it is collected; parameters; the results of a comprehension
+
+    // Values, and what only names can tell from processes.
     name,
-    construct, // sets and terms, or events and terms, in the order of the text
+    number,    // from its sign, if it has one, to its digits
+    call,      // the arguments
+    dotted,    // what stands before the first dot, then the fields
+    tuple,     // two parts or more
+    sequence,  // elements, ranges, or one comprehension
+    set,       // the same
+    closure,   // {| a, b |}: the beginnings, or one comprehension
+    range,     // from and to
+    operation, // its token tells which one
+    conjunction,
+    disjunction,
+    conditional,   // condition, then, else
+    let,           // definitions, then what they are for
+    comprehension, // a list of results, then generators and conditions
+    generator,     // a pattern, and what it goes through
+    pair,          // a <- b, a <-> b
+
+    // Processes.
+    construct,     // sets and processes in the order of the text
+    communication, // an event or a set; behind that one or more of the next three
+    output,        // a value
+    input,         // a pattern, and the set if there is one
+    chosen_input,
+
+    definition,  // a list of the parameters, and what it says, which is missing if it is unreadable
+    declaration, // channels, then the fields, if there are any
+    channel,
+    datatype, // the alternatives
 };
 
 struct Node {
     NodeKind kind;
     Construct construct = Construct::stop;
-    bool is_parenthesised = false;
+    /// Pairs right around it, which belong to what it is a part of.
+    unsigned parentheses = 0;
     /// Where it is reported: an operator's own token, of a chain the first one.
     unsigned token = 0;
+    unsigned first_token = 0;
     unsigned last_token = 0;
     unsigned first_child = none;
     unsigned last_child = none;
     unsigned next = none; // of the same parent
+    unsigned child_count = 0;
+    /// Of a leaf 1.
+    unsigned depth = 1;
 };
 
 /// Names that stand where something could not be read that may have said what they are. That they
@@ -49,19 +77,9 @@ struct LostNames {
 };
 
 /// The syntax of a script, all in one array, so that neither building nor reading nor dropping it
-/// recurses. Every term and every set stands behind the sets and terms it is made of: one loop from
-/// the first node to the last meets parts before wholes.
+/// recurses. Every node stands behind those it is made of.
 class SyntaxTree {
   public:
-    struct Definition {
-        unsigned name; // its token
-        /// Its nodes are those from `first_node` up to, without, `end_node`.
-        unsigned first_node;
-        unsigned end_node;
-        /// Its term; none when that could not be read.
-        unsigned root;
-    };
-
     unsigned size() const { return static_cast<unsigned>(m_nodes.size()); }
     Node const& operator[](unsigned node) const { return m_nodes[node]; }
     Node& operator[](unsigned node) { return m_nodes[node]; }
@@ -73,10 +91,16 @@ class SyntaxTree {
 
     class Children;
     Children children_of(unsigned node) const;
+    /// The child of this number, from 0; there must be so many.
+    unsigned child(unsigned node, unsigned number) const;
 
-    std::vector<Definition> definitions; // in the order of the script
+    std::vector<unsigned> definitions; // those of the script itself, in its order
     std::vector<unsigned> declarations;
+    std::vector<unsigned> datatypes;
     LostNames lost_names;
+    /// By definition that is unreadable: the largest parts that were read of what it says, where
+    /// nothing in it binds names. What is wrong in them can be told all the same.
+    std::unordered_map<unsigned, std::vector<unsigned>> fragments;
 
   private:
     std::vector<Node> m_nodes;

@@ -4,16 +4,16 @@
 
 namespace Calder::Script {
 
-bool TokenList::is_reported(unsigned token) const {
-    std::string_view const spelling = text_of(token);
-    return spelling == "tau" || (tokens[token].kind == Parser::token::NUMBER &&
-                                 spelling.size() > 1 && spelling[0] == '0');
+bool is_refused(TokenKind kind, std::string_view text) {
+    return text == "tau" || (kind == Parser::token::NUMBER && text.size() > 1 && text[0] == '0');
 }
 
 Location TokenList::location(unsigned first, unsigned last) const {
     Token const& start = tokens[first];
-    Token const& end = tokens[last].line == start.line ? tokens[last] : start;
-    return {start.line, start.column, std::max(end.column + end.length - start.column, 1U)};
+    bool const is_one_line = tokens[last].line == start.line && tokens[last].source == start.source;
+    Token const& end = is_one_line ? tokens[last] : start;
+    return {start.line, start.column, std::max(end.column + end.length - start.column, 1U),
+            start.source};
 }
 
 } // namespace Calder::Script

@@ -2,6 +2,7 @@
 
 #include "script/diagnostics.h"
 #include "script/grammar.h"
+#include "script/sources.h"
 
 #include <string_view>
 #include <vector>
@@ -13,36 +14,45 @@ using TokenKind = Parser::token_kind_type;
 
 /// The words that cannot be names.
 constexpr bool is_reserved(TokenKind kind) {
-    return kind == Parser::token::CHANNEL || kind == Parser::token::STOP ||
-           kind == Parser::token::SKIP || kind == Parser::token::RUN ||
-           kind == Parser::token::CHAOS;
+    using T = Parser::token;
+    return kind == T::CHANNEL || kind == T::DATATYPE || kind == T::INCLUDE || kind == T::STOP ||
+           kind == T::SKIP || kind == T::RUN || kind == T::CHAOS || kind == T::LET ||
+           kind == T::WITHIN || kind == T::IF || kind == T::THEN || kind == T::ELSE ||
+           kind == T::AND || kind == T::OR || kind == T::NOT;
 }
+
+/// Whether the scanner refuses a token: a number with a leading zero, or `tau`.
+bool is_refused(TokenKind kind, std::string_view text);
 
 struct Token {
     TokenKind kind;
+    unsigned source; // its number
     unsigned offset; // in bytes
     unsigned length; // in bytes, which for every token but BAD are characters
     unsigned line;
     unsigned column;
 };
 
-/// The tokens of one text, which must outlive the list. Everything that is read from it later names
-/// its tokens by their index. The last one is END.
+/// The tokens of a script, those of an included file in its place, which ends in FILE_END. The
+/// sources must outlive the list. Everything that is read from it later names its tokens by their
+/// index. The last one is END.
 struct TokenList {
-    std::string_view text;
+    Sources const* sources;
     std::vector<Token> tokens;
-    /// The end of the text lies in a comment that was never closed, so anything may be missing.
+    /// The end of a text lies in a comment that was never closed, so anything may be missing.
     bool ends_in_comment = false;
 
     Token const& operator[](unsigned token) const { return tokens[token]; }
     unsigned size() const { return static_cast<unsigned>(tokens.size()); }
 
-    std::string_view text_of(unsigned token) const {
-        return text.substr(tokens[token].offset, tokens[token].length);
+    std::string_view text_of(unsigned token) const { return text_of(tokens[token]); }
+    std::string_view text_of(Token const& token) const {
+        return std::string_view((*sources)[token.source].text).substr(token.offset, token.length);
     }
-    /// Whether the scanner has reported this very token, so that nobody else should: a number with
-    /// a leading zero, or `tau`.
-    bool is_reported(unsigned token) const;
+    /// Whether the scanner has reported this very token, so that nobody else should.
+    bool is_reported(unsigned token) const {
+        return is_refused(tokens[token].kind, text_of(token));
+    }
     Location location(unsigned token) const { return location(token, token); }
     /// From the start of one token to the end of another; of one that ends on a later line, the
     /// first token alone.

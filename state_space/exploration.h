@@ -19,7 +19,8 @@ struct Exploration {
 /// exactly `max_states` states.
 ///
 /// There must be no recursion without a guard in `source`: asking for transitions would not end.
-/// Exceptions other than std::bad_alloc pass through.
+/// Instances are made as they are reached. Exceptions other than std::bad_alloc, such as those of
+/// their maker, pass through.
 [[nodiscard]] Exploration explore(ProcessCompiler::ProcessPointer const& start,
                                   ProcessCompiler::NamedProcessSource const& source,
                                   ExplorationOptions const& options = {});

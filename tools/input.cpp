@@ -10,10 +10,15 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <new>
+#include <optional>
+#include <system_error>
+#include <utility>
 
 namespace Calder::Tools {
 
@@ -27,10 +32,9 @@ struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-/// The script; of one that is too long no more than shows that.
-std::string contents_of(Input const& input) {
-    std::unique_ptr<std::FILE, CloseFile> const file(
-        input.file == "-" ? stdin : std::fopen(input.file.c_str(), "rb"));
+/// The text of a file; of one that is too long no more than shows that. An error is in errno.
+std::optional<std::string> contents_of(std::FILE* opened) {
+    std::unique_ptr<std::FILE, CloseFile> const file(opened);
     std::string text;
     if (file) {
         char buffer[1 << 16];
@@ -42,21 +46,73 @@ std::string contents_of(Input const& input) {
         }
     }
     if (!file || std::ferror(file.get()) != 0) {
-        throw CommandError(
-            fmt::format("calder: cannot read {}: {}", input.name(), std::strerror(errno)));
+        return std::nullopt;
     }
     return text;
 }
 
+/// What a script includes stands beside it; `name` is that of the script.
+Script::Inclusion include_file(std::string_view path, std::string_view from) {
+    std::filesystem::path const relative(path);
+    std::filesystem::path const file =
+        (std::filesystem::path(from).parent_path() / relative).lexically_normal();
+    std::optional<std::string> text = contents_of(std::fopen(file.c_str(), "rb"));
+    if (!text) {
+        return {{}, std::strerror(errno)};
+    }
+    return {{file.string(), std::move(*text)}};
+}
+
+/// "N=9"
+std::pair<std::string, std::string> definition_of(std::string const& text) {
+    std::size_t const equals = text.find('=');
+    if (equals == std::string::npos || equals == 0 || equals + 1 == text.size()) {
+        throw CommandError(
+            fmt::format("calder: --define wants NAME=VALUE, as in 'N=9', and not '{}'", text));
+    }
+    return {text.substr(0, equals), text.substr(equals + 1)};
+}
+
+/// A name is looked up, and what else there is told; anything more is read like the script.
+bool is_name(std::string const& text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char c) {
+        return std::isalnum(c) != 0 || c == '_' || c == '\'';
+    });
+}
+
+/// The caller adds it to every message.
+std::string without_last_line_end(std::string text) {
+    text.pop_back();
+    return text;
+}
+
 std::unique_ptr<Script::Script> read_script(Input const& input) {
-    std::string const text = contents_of(input);
-    Script::ReadResult result = Script::read_script(text);
+    std::optional<std::string> text =
+        contents_of(input.file == "-" ? stdin : std::fopen(input.file.c_str(), "rb"));
+    if (!text) {
+        throw CommandError(
+            fmt::format("calder: cannot read {}: {}", input.name(), std::strerror(errno)));
+    }
+    Script::ReadOptions options;
+    for (std::string const& definition : input.definitions) {
+        options.definitions.push_back(definition_of(definition));
+    }
+    options.process = is_name(input.process) ? "" : input.process;
+    // However the script itself is called: what includes it again includes what is there already.
+    options.include = [&](std::string_view path, std::string_view from) {
+        Script::Inclusion found = include_file(path, from);
+        std::error_code ignored;
+        if (std::filesystem::equivalent(found.source.name, input.file, ignored)) {
+            found.source.name = input.name();
+        }
+        return found;
+    };
+    Script::ReadResult result = Script::read_script({input.name(), std::move(*text)}, options);
     if (result.script) {
         return std::move(result.script);
     }
-    std::string errors = Script::render_all(result.diagnostics, input.name(), text);
-    errors.pop_back(); // the newline that the caller adds to every message
-    throw CommandError(errors);
+    throw CommandError(
+        without_last_line_end(Script::render_all(result.diagnostics, result.sources)));
 }
 
 /// What there is instead: of a short script all, of a long one what was meant.
@@ -82,12 +138,7 @@ std::string known_names(Script::Script const& script, std::string const& wrong) 
                : fmt::format("{} and {} more", names, definitions.size() - listed);
 }
 
-} // namespace
-
-std::uint64_t default_memory_limit() {
-    return StateSpace::resident_bytes() + StateSpace::available_bytes() / 10 * 9;
-}
-
+/// Throws CommandError with its errors, each at its place.
 std::unique_ptr<Script::Script> read_input(Input const& input, std::uint64_t max_memory) {
     try {
         AddressSpaceBound const bound(max_memory);
@@ -99,9 +150,18 @@ std::unique_ptr<Script::Script> read_input(Input const& input, std::uint64_t max
     }
 }
 
+/// The definition that the input names.
 Script::Script::Definition const& chosen_process(Script::Script const& script, Input const& input) {
+    if (script.asked() != nullptr) {
+        return *script.asked();
+    }
     if (script.definitions().empty()) {
-        throw CommandError(fmt::format("calder: {} defines no process", input.name()));
+        std::string_view const other = script.process_with_parameters();
+        throw CommandError(other.empty()
+                               ? fmt::format("calder: {} defines no process", input.name())
+                               : fmt::format("calder: {} defines no process without parameters; "
+                                             "'{}' is asked for as in --process '{}(0)'",
+                                             input.name(), other, other));
     }
     if (input.process.empty()) {
         return script.definitions().back();
@@ -111,6 +171,17 @@ Script::Script::Definition const& chosen_process(Script::Script const& script, I
     }
     throw CommandError(fmt::format("calder: {} does not define '{}'{}", input.name(), input.process,
                                    known_names(script, input.process)));
+}
+
+} // namespace
+
+std::uint64_t default_memory_limit() {
+    return StateSpace::resident_bytes() + StateSpace::available_bytes() / 10 * 9;
+}
+
+int run_with_process(Input const& input, ProcessWork const& work, std::uint64_t max_memory) {
+    auto const script = read_input(input, max_memory);
+    return work(*script, chosen_process(*script, input));
 }
 
 } // namespace Calder::Tools

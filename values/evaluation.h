@@ -3,6 +3,7 @@
 #include "values/expression.h"
 
 #include <exception>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -10,6 +11,7 @@
 namespace Calder::Values {
 
 class ChannelTable;
+class Interpreter;
 class ValueStore;
 
 /// A call that was under way.
@@ -45,31 +47,39 @@ class Unreadable : public std::exception {
     char const* what() const noexcept override { return "what is evaluated could not be read"; }
 };
 
-/// What the evaluator leaves to whoever knows what a `construct` is.
+/// What the evaluator leaves to whoever knows what a `construct` is. It may throw: EvaluationErrors
+/// get the calls under way added, ValueErrors their place and those; everything else passes through.
+/// It does not ask the evaluator that asks it.
 class Host {
   public:
     virtual ~Host() = default;
-    /// The meaning of a `construct` with these operands; usually foreign.
+    /// The meaning of a `construct` with these operands; usually foreign, with a number below
+    /// no_number.
     virtual Value construct(Expression const& expression, std::span<Value const> operands) = 0;
     /// The meaning of a call of a definition of mode `refer`.
     virtual Value refer(unsigned definition, std::span<Value const> arguments, Place place) = 0;
+    /// Called now and then while something is evaluated, which may take long; what it throws ends
+    /// that.
+    virtual void look() {}
 };
 
 /// Evaluates expressions of one program. Keeps its own stacks, so neither the depth of the program
 /// nor that of the data is the program's own stack; what limits them is in values/limits.h.
 class Evaluator {
   public:
+    /// They must live as long. The program may grow between two calls.
     Evaluator(Program const& program, ValueStore& store, ChannelTable const& channels, Host& host);
     ~Evaluator();
 
     /// The value of a definition of these arguments, whatever its mode. Throws EvaluationError and
     /// Unreadable, and can be used again afterwards.
     Value call(unsigned definition, std::span<Value const> arguments, Place place);
-    /// Of an expression without variables.
-    Value evaluate(unsigned expression);
+    /// Of an expression without variables, but for those of its own comprehensions, which need so
+    /// many slots.
+    Value evaluate(unsigned expression, unsigned slot_count = 0);
 
   private:
-    class Implementation;
+    std::unique_ptr<Interpreter> m_interpreter;
 };
 
 } // namespace Calder::Values

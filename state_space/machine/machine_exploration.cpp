@@ -49,9 +49,11 @@ CompilationOptions bounds_of_compilation(RunOptions const& options) {
 MachineExploration explore_by_machine(ProcessPointer const& start, NamedProcessSource const& source,
                                       RunOptions const& options) {
     MachineExploration result;
-    TermGraph graph = make_term_graph(start, source);
+    CompilationOptions const bounds = bounds_of_compilation(options);
+    TermGraph graph =
+        make_term_graph(start, source, {no_state, bounds.max_memory, bounds.progress});
     result.refused = graph.refused;
-    if (!graph.is_too_deep && result.refused.empty() && !graph.vertices.front().is_construct) {
+    if (graph.is_whole() && result.refused.empty() && !graph.vertices.front().is_construct) {
         result.run = run_of(explore(start, source, options));
         return result;
     }

@@ -17,7 +17,8 @@ struct MachineExploration {
 };
 
 /// Compiles the term and runs the machine. Where that is refused, `run.refusal` says why, and
-/// nothing was explored.
+/// nothing was explored. Exceptions of a maker of instances pass through; the machine runs when all
+/// are made.
 [[nodiscard]] MachineExploration
 explore_by_machine(ProcessCompiler::ProcessPointer const& start,
                    ProcessCompiler::NamedProcessSource const& source, RunOptions const& options);

@@ -1,9 +1,11 @@
+#include "process_compiler/guarded_maker.h"
 #include "process_compiler/session.h"
 #include "state_space/machine/machine_exploration.h"
 #include "state_space/machine/run/successor_search.h"
 #include "tests/state_space/counted_allocation.h"
 #include "tests/state_space/machine/fake_construct.h"
 #include "tests/state_space/stack_of_size.h"
+#include "tests/support/fake_maker.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +15,7 @@ namespace Calder::StateSpace {
 namespace {
 
 using namespace Testing;
+using ProcessCompiler::Testing::FakeMaker;
 
 constexpr std::size_t mib = std::size_t{1} << 20;
 
@@ -161,6 +164,22 @@ bool run_machine(unsigned threads) {
     return is_complete(explore_by_machine(network.term, network.source, options).run, 12);
 }
 
+/// A component of instances that are made by the way, beside another one.
+bool make_instances() {
+    NamedProcessSource source;
+    FakeMaker maker([&source](unsigned number) -> ProcessPointer {
+        ProcessPointer const next = number < 9 ? source.add_reference() : source.references()[0];
+        ProcessCompiler::Testing::FakePointer const made(new FakeProcess("made"));
+        made->transitions.emplace_back(3, next);
+        return made;
+    });
+    ProcessCompiler::GuardedMaker guarded(source, maker);
+    source.set_maker(&guarded);
+    source.declare_sequential(*source.add_reference());
+    ProcessPointer const network = construct("network", {source.references()[0], ring("b", 2, 4)});
+    return is_complete(explore_by_machine(network, source, {}).run, 20);
+}
+
 bool explore_terms() {
     NamedProcessSource source;
     ProcessPointer const start = chain_of_names(source, 5, 2);
@@ -197,6 +216,7 @@ TEST(Endurance, an_allocation_that_fails_ends_a_search_and_loses_nothing) {
     } const rows[] = {
         {"declarations", declare, 10},
         {"terms", explore_terms, 30},
+        {"instances", make_instances, 100},
         {"machine", [] { return run_machine(1); }, 100},
         {"machine, two threads", [] { return run_machine(2); }, 100},
     };

@@ -234,8 +234,11 @@ class Compiler {
 
 Compilation compile(TermGraph graph, NamedProcessSource const& source,
                     CompilationOptions const& options) {
-    if (graph.is_too_deep) {
-        return {nullptr, {}, Outcome::nesting_limit};
+    if (graph.has_too_many_instances) {
+        return {nullptr, fmt::format("it is made of more than {} instances", most_instances), {}};
+    }
+    if (!graph.is_whole()) {
+        return {nullptr, {}, graph.outcome};
     }
     if (!graph.refused.empty()) {
         return {nullptr, "it comes back inside arguments that do not allow recursion", {}};

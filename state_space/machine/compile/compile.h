@@ -25,8 +25,8 @@ struct CompilationOptions {
 };
 
 /// Compiles the start of the graph by what the constructs say of themselves; no construct is known
-/// here. Refuses a graph in which recursion was refused, and events above `most_event`. The demands
-/// on `source` are those of `explore`.
+/// here. Refuses a graph in which recursion was refused or that is not whole, and events above
+/// `most_event`. The demands on `source` are those of `explore`.
 [[nodiscard]] Compilation compile(TermGraph graph,
                                   ProcessCompiler::NamedProcessSource const& source,
                                   CompilationOptions const& options = {});

@@ -3,10 +3,12 @@
 #include "core/cycle_search.h"
 #include "process_compiler/kinds.h"
 #include "process_compiler/recursion_watch.h"
+#include "state_space/memory.h"
 #include "state_space/stack_guard.h"
 #include "state_space/state_table.h"
 
 #include <algorithm>
+#include <new>
 
 namespace Calder::StateSpace {
 
@@ -14,34 +16,91 @@ using ProcessCompiler::CompilationLevel;
 using ProcessCompiler::NamedProcess;
 using ProcessCompiler::NamedProcessPointer;
 using ProcessCompiler::NamedProcessSource;
-using ProcessCompiler::Process;
 using ProcessCompiler::ProcessPointer;
 
 namespace {
 
 using Vertex = TermGraph::Vertex;
 
-std::vector<Vertex> collect_vertices(ProcessPointer const& start,
-                                     NamedProcessSource const& source) {
-    StateTable terms;
-    terms.find_or_add(start);
-    std::vector<Vertex> vertices;
-    while (vertices.size() < terms.size()) {
-        Vertex vertex{terms.term(static_cast<VertexNumber>(vertices.size()))};
-        Process const& term = *vertex.term;
-        vertex.is_name = term.kind() == ProcessCompiler::named_process_kind;
-        if (vertex.is_name) {
-            vertex.next.push_back(
-                terms.find_or_add(source.process(static_cast<NamedProcess const&>(term))));
-        } else {
-            for (unsigned index = 0; index < term.argument_count(); ++index) {
-                vertex.next.push_back(terms.find_or_add(term.argument(index)));
-            }
+/// From the start, each term once; an argument or what a name stands for behind it.
+class Collector {
+  public:
+    Collector(NamedProcessSource const& source, ExplorationOptions const& limits)
+        : m_source(source), m_monitor(limits, SearchMonitor::longest_for_terms) {}
+
+    TermGraph run(ProcessPointer const& start) {
+        TermGraph graph;
+        try {
+            ProcessCompiler::RecursionWatch const watch(StackGuard().lowest(),
+                                                        [this] { look_between_terms(); });
+            graph.has_too_many_instances = !collect(start);
+        } catch (ProcessCompiler::NestedTooDeeply const&) {
+            graph.outcome = Outcome::nesting_limit;
+        } catch (std::bad_alloc const&) {
+            graph.outcome = Outcome::memory_limit;
+        } catch (SearchEnded const&) {
+            graph.outcome = m_monitor.outcome();
         }
-        vertices.push_back(std::move(vertex));
+        if (graph.is_whole()) {
+            graph.vertices = std::move(m_vertices);
+        }
+        return graph;
     }
-    return vertices;
-}
+
+  private:
+    /// False when there are too many instances.
+    bool collect(ProcessPointer const& start) {
+        m_terms.find_or_add(start);
+        while (m_vertices.size() < m_terms.size()) {
+            Vertex vertex{m_terms.term(static_cast<VertexNumber>(m_vertices.size()))};
+            vertex.is_name = vertex.term->kind() == ProcessCompiler::named_process_kind;
+            if (!vertex.is_name) {
+                follow_arguments(vertex);
+            } else if (!follow_name(vertex)) {
+                return false;
+            }
+            m_monitor.go_on(1 + vertex.next.size(), growth_bytes());
+            m_vertices.push_back(std::move(vertex));
+        }
+        return true;
+    }
+
+    void follow_arguments(Vertex& vertex) {
+        for (unsigned index = 0; index < vertex.term->argument_count(); ++index) {
+            vertex.next.push_back(m_terms.find_or_add(vertex.term->argument(index)));
+        }
+    }
+
+    bool follow_name(Vertex& vertex) {
+        auto const& name = static_cast<NamedProcess const&>(*vertex.term);
+        if (m_source.is_sequential(name)) {
+            return true;
+        }
+        if (m_source.is_instance(name) && ++m_instances > most_instances) {
+            return false;
+        }
+        vertex.next.push_back(m_terms.find_or_add(m_source.process(name)));
+        return true;
+    }
+
+    std::uint64_t growth_bytes() const noexcept {
+        std::uint64_t const ahead = m_monitor.work_ahead();
+        return m_terms.growth_bytes(ahead) + StateSpace::growth_bytes(m_vertices, ahead);
+    }
+
+    /// Making an instance, or telling terms apart, may take long.
+    void look_between_terms() {
+        if (m_monitor.is_overdue() && !m_monitor.look_around({}, growth_bytes())) {
+            throw SearchEnded();
+        }
+    }
+
+    NamedProcessSource const& m_source;
+    SearchMonitor m_monitor;
+    StateTable m_terms;
+    std::vector<Vertex> m_vertices;
+    unsigned m_instances = 0;
+};
 
 void find_cycles(TermGraph& graph) {
     for_each_cycle(
@@ -133,15 +192,9 @@ class LevelDecision {
 
 } // namespace
 
-TermGraph make_term_graph(ProcessPointer const& start, NamedProcessSource const& source) {
-    TermGraph graph;
-    try {
-        ProcessCompiler::RecursionWatch const watch(StackGuard().lowest());
-        graph.vertices = collect_vertices(start, source);
-    } catch (ProcessCompiler::NestedTooDeeply const&) {
-        graph.is_too_deep = true;
-        return graph;
-    }
+TermGraph make_term_graph(ProcessPointer const& start, NamedProcessSource const& source,
+                          ExplorationOptions const& limits) {
+    TermGraph graph = Collector(source, limits).run(start);
     find_cycles(graph);
     LevelDecision(graph).run();
     return graph;

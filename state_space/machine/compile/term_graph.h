@@ -1,6 +1,7 @@
 #pragma once
 
 #include "process_compiler/named_process_source.h"
+#include "state_space/search_monitor.h"
 
 #include <cstdint>
 #include <vector>
@@ -20,12 +21,18 @@ struct RefusedRecursion {
     std::vector<ProcessCompiler::NamedProcessPointer> names{};
 };
 
+/// A machine is made of so many instances at most, leaving out those that are sequential. Each has
+/// to be made before the first step, and `P(n) = a -> (Q ||| P(n + 1))` has no end of them. They
+/// take 0.3 s and 70 MiB where their terms are small.
+constexpr unsigned most_instances = 100'000;
+
 /// What a term is made of: its arguments, their arguments and so on, and behind each name what it
-/// stands for. Equal terms are one vertex.
+/// stands for, unless that is sequential (NamedProcessSource). Equal terms are one vertex.
 struct TermGraph {
     struct Vertex {
         ProcessCompiler::ProcessPointer term;
-        /// The arguments in order; of a name, what it stands for.
+        /// The arguments in order; of a name, what it stands for; none of a name that is
+        /// sequential.
         std::vector<VertexNumber> next{};
         bool is_name = false;
         /// Whether it becomes a construct of the machine; otherwise it is explored as it stands.
@@ -41,13 +48,24 @@ struct TermGraph {
     std::vector<std::vector<VertexNumber>> cycles;
     /// One for each cycle that has any.
     std::vector<RefusedRecursion> refused;
-    /// Its terms nest too deeply for the stack to be told apart; then there is nothing else here.
-    bool is_too_deep = false;
+
+    /// Why there is nothing else here: a limit was met, or the terms nest too deeply for the stack
+    /// to be told apart.
+    Outcome outcome = Outcome::complete;
+    /// The same reason: there are more than `most_instances`.
+    bool has_too_many_instances = false;
+
+    [[nodiscard]] bool is_whole() const noexcept {
+        return outcome == Outcome::complete && !has_too_many_instances;
+    }
 };
 
 /// Linear in the number of distinct terms and their arguments, but for the levels of what is on
-/// cycles. Every name must be defined. Does not recurse, so a long chain of names needs no stack.
+/// cycles. Asks for what every name stands for that is not sequential, so instances are made;
+/// `limits` are looked at meanwhile, those on states do not count. Does not recurse, so a long chain
+/// of names needs no stack.
 [[nodiscard]] TermGraph make_term_graph(ProcessCompiler::ProcessPointer const& start,
-                                        ProcessCompiler::NamedProcessSource const& source);
+                                        ProcessCompiler::NamedProcessSource const& source,
+                                        ExplorationOptions const& limits = {});
 
 } // namespace Calder::StateSpace

@@ -1,0 +1,112 @@
+#include "script/model.h"
+
+#include "values/text.h"
+
+namespace Calder::Script {
+
+using ProcessCompiler::ProcessPointer;
+using Values::Value;
+
+Script::Model::Model(Sources const& sources, ProcessCompiler::NamedProcessSource& source)
+    : tokens{&sources, {}}, host(names, translation.program, graph, channels, source),
+      m_source(source), m_alone(*this), m_guarded(source, m_alone) {}
+
+Script::Model::~Model() = default;
+
+bool Script::Model::has_instances() const {
+    for (auto const& reference : m_source.references()) {
+        if (!m_source.is_defined(*reference)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+ProcessPointer Script::Model::make(unsigned number) {
+    try {
+        return m_guarded.make(number);
+    } catch (ProcessCompiler::UnguardedRecursion const& error) {
+        throw ScriptError({location_of(*error.names().front()), error.what()}, *tokens.sources);
+    }
+}
+
+ProcessPointer Script::Model::Alone::make(unsigned number) {
+    TermHost::Instance const& instance = m_model.host.instance(number);
+    Values::CallTable const& calls = m_model.host.calls();
+    m_model.host.set_parent(number);
+    try {
+        Value const value = m_model.evaluator.call(calls.definition(instance.call),
+                                                   calls.arguments(instance.call), instance.place);
+        ProcessPointer term = m_model.host.term(value);
+        m_model.host.forget();
+        return term;
+    } catch (Values::EvaluationError const& error) {
+        m_model.host.forget();
+        Diagnostic diagnostic = m_model.diagnostic_of(error);
+        m_model.add_callers(number, diagnostic);
+        throw ScriptError(std::move(diagnostic), *m_model.tokens.sources);
+    } catch (...) {
+        m_model.host.forget();
+        throw;
+    }
+}
+
+/// From the instance whose body was being built outwards: where each first came up.
+void Script::Model::add_callers(unsigned reference, Diagnostic& diagnostic) const {
+    while (host.instance(reference).parent != none) {
+        reference = host.instance(reference).parent;
+        TermHost::Instance const& instance = host.instance(reference);
+        std::span<Value const> const arguments = host.calls().arguments(instance.call);
+        if (!arguments.empty()) {
+            diagnostic.notes.push_back(
+                note_of_call(telling(), host.calls().definition(instance.call), arguments,
+                             instance.place, diagnostic.location.source));
+        }
+    }
+    fold(diagnostic.notes);
+}
+
+std::string Script::Model::name(unsigned number) const {
+    unsigned const call = host.instance(number).call;
+    std::string text = translation.program.definitions[host.calls().definition(call)].name;
+    std::span<Value const> const arguments = host.calls().arguments(call);
+    for (std::size_t index = 0; index < arguments.size(); ++index) {
+        text += (index == 0 ? "(" : ", ") + Values::text_of(channels, arguments[index]);
+    }
+    return arguments.empty() ? text : text + ")";
+}
+
+ProcessPointer Script::Model::body_of(unsigned definition) {
+    host.set_parent(none);
+    try {
+        ProcessPointer term = host.term(
+            evaluator.call(definition, {}, translation.program.definitions[definition].place));
+        host.forget();
+        return term;
+    } catch (...) {
+        host.forget();
+        throw;
+    }
+}
+
+Telling Script::Model::telling() const {
+    return {tokens, tree, translation.program, channels};
+}
+
+/// A term that nests too deeply is told of the definition whose it is.
+Diagnostic Script::Model::diagnostic_of(Values::EvaluationError const& error) const {
+    Diagnostic diagnostic = Calder::Script::diagnostic_of(telling(), error);
+    if (error.message() == NestedTerm().message() && !error.calls.empty()) {
+        unsigned const definition = error.calls.front().definition;
+        diagnostic.location = Calder::Script::location_of(
+            tokens, tree, translation.program.definitions[definition].place);
+    }
+    return diagnostic;
+}
+
+Location Script::Model::location_of(ProcessCompiler::NamedProcess const& reference) const {
+    TermHost::Instance const& instance = host.instance(reference.number());
+    return tokens.location(names.definitions[host.calls().definition(instance.call)].token);
+}
+
+} // namespace Calder::Script

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <new>
+#include <span>
+#include <type_traits>
+#include <vector>
+
+namespace Calder::Values {
+
+/// Memory that is only ever handed out and freed all at once; what lies in it stays where it is.
+class Arena {
+  public:
+    /// Room for so many objects, not yet built.
+    template <typename T> T* allocate(std::size_t count) {
+        static_assert(alignof(T) <= alignment && std::is_trivially_destructible_v<T>);
+        std::size_t const size = (count * sizeof(T) + alignment - 1) / alignment * alignment;
+        if (size > m_left) {
+            add_page(size);
+        }
+        std::byte* const start = m_next;
+        m_next += size;
+        m_left -= size;
+        return reinterpret_cast<T*>(start);
+    }
+
+    template <typename T> T const* copy(std::span<T const> elements) {
+        T* const start = allocate<T>(elements.size());
+        std::uninitialized_copy(elements.begin(), elements.end(), start);
+        return start;
+    }
+
+  private:
+    static constexpr std::size_t alignment = 8;
+    static constexpr std::size_t page_size = std::size_t{1} << 16;
+
+    void add_page(std::size_t size) {
+        m_left = std::max(size, page_size);
+        m_next = m_pages.emplace_back(new std::byte[m_left]).get();
+    }
+
+    std::vector<std::unique_ptr<std::byte[]>> m_pages;
+    std::byte* m_next = nullptr;
+    std::size_t m_left = 0;
+};
+
+} // namespace Calder::Values
