@@ -134,7 +134,7 @@ TEST(Grammar, reads_values) {
         char const* term;
         char const* syntax;
     } const rows[] = {
-        {"-1 + 2 * #s ^ <3>", "(^ (+ (- 1) (* 2 (# s))) <3>)"},
+        {"-1 + 2 * #s ^ <3>", "(^ (+ -1 (* 2 (# s))) <3>)"},
         {"a - b - c / d % e", "(- (- a b) (% (/ c d) e))"},
         {"not a == b and c < d or e", "(or (and (not (== a b)) (< c d)) e)"},
         {"if a then b else c and d", "(if a b (and c d))"},
