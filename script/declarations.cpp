@@ -162,7 +162,8 @@ class Declarer {
                 first = is_new ? first : std::min(first, index);
             }
             if (first < end) {
-                report(listed, "the value " + in_quotes(Values::text_of(m_channels, values[first])) +
+                report(listed, "the value " +
+                                   in_quotes(Values::text_of(m_channels, values[first])) +
                                    " stands twice in this field");
             }
             listed = tree[listed].next;
@@ -187,9 +188,8 @@ class Declarer {
             Value const all = m_evaluator.evaluate(expression, slots);
             if (!all.is(Value::Kind::set) && !all.is(Value::Kind::sequence)) {
                 report(m_translation.program.expressions[expression].place,
-                       "a field ranges over a set, and " +
-                           Values::short_text_of(m_channels, all) + " is " +
-                           std::string(Values::name_of(all.kind())));
+                       "a field ranges over a set, and " + Values::short_text_of(m_channels, all) +
+                           " is " + std::string(Values::name_of(all.kind())));
                 return false;
             }
             std::span<Value const> const elements = m_channels.store().elements(all);
@@ -287,9 +287,8 @@ class Declarer {
 } // namespace
 
 void declare(TokenList const& tokens, SyntaxTree const& tree, NameTable& names,
-             Translation& translation, Values::ChannelTable& channels,
-             Values::Evaluator& evaluator, ProcessCompiler::Session& session,
-             Diagnostics& diagnostics) {
+             Translation& translation, Values::ChannelTable& channels, Values::Evaluator& evaluator,
+             ProcessCompiler::Session& session, Diagnostics& diagnostics) {
     Telling const telling{tokens, tree, translation.program, channels};
     Declarer(telling, names, translation, channels, evaluator, session, diagnostics).run();
     check_event_literals(telling, names, translation, session, diagnostics);

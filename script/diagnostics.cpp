@@ -101,6 +101,9 @@ std::string render(Diagnostic const& diagnostic, Sources const& sources) {
 }
 
 std::string render_all(Diagnostics const& diagnostics, Sources const& sources) {
+    if (diagnostics.empty()) {
+        return ""; // and there may be no sources
+    }
     std::string lines;
     unsigned source = 0;
     Cursor cursor(sources[source].text);
@@ -108,8 +111,7 @@ std::string render_all(Diagnostics const& diagnostics, Sources const& sources) {
     for (std::size_t index = 0; index < told; ++index) {
         Diagnostic const& diagnostic = diagnostics[index];
         Location const& location = diagnostic.location;
-        if (location.source != source ||
-            cursor.is_behind(location.line, excerpt_start(location))) {
+        if (location.source != source || cursor.is_behind(location.line, excerpt_start(location))) {
             source = location.source;
             cursor = Cursor(sources[source].text);
         }
@@ -131,13 +133,13 @@ std::string in_quotes(std::string_view text) {
 }
 
 void sort_and_remove_repetitions(Diagnostics& diagnostics) {
-    std::stable_sort(
-        diagnostics.begin(), diagnostics.end(), [](Diagnostic const& a, Diagnostic const& b) {
-            return std::tie(a.location.source, a.location.line, a.location.column,
-                            a.location.length, a.message) <
-                   std::tie(b.location.source, b.location.line, b.location.column,
-                            b.location.length, b.message);
-        });
+    std::stable_sort(diagnostics.begin(), diagnostics.end(),
+                     [](Diagnostic const& a, Diagnostic const& b) {
+                         return std::tie(a.location.source, a.location.line, a.location.column,
+                                         a.location.length, a.message) <
+                                std::tie(b.location.source, b.location.line, b.location.column,
+                                         b.location.length, b.message);
+                     });
     diagnostics.erase(std::unique(diagnostics.begin(), diagnostics.end()), diagnostics.end());
 }
 

@@ -27,9 +27,9 @@ class Check {
             Expression& expression = m_translation.program.expressions[number];
             std::string_view const name = text_of(expression.place);
             Value const value =
-                m_names.channels.contains(name) ? m_telling.channels.find(name)
-                                                : m_telling.channels.store().event_set(
-                                                      m_telling.channels.events());
+                m_names.channels.contains(name)
+                    ? m_telling.channels.find(name)
+                    : m_telling.channels.store().event_set(m_telling.channels.events());
             if (value) {
                 expression.kind = ExpressionKind::constant;
                 expression.value = value;
@@ -163,9 +163,8 @@ class Check {
 
 } // namespace
 
-void check_event_literals(Telling const& telling, NameTable const& names,
-                          Translation& translation, ProcessCompiler::Session const& session,
-                          Diagnostics& diagnostics) {
+void check_event_literals(Telling const& telling, NameTable const& names, Translation& translation,
+                          ProcessCompiler::Session const& session, Diagnostics& diagnostics) {
     Check(telling, names, translation, session, diagnostics).run();
 }
 

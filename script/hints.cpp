@@ -261,7 +261,8 @@ class Reading {
     /// `P[[b/a]]`, `P \ S [[a <- b]]`
     std::optional<Hint> of_renaming() const {
         if (kind(0) == Token::RENAMING_OPEN && m_context.follows_term) {
-            return here(0, "parentheses are needed: '[[' binds tighter than the operator before it");
+            return here(0,
+                        "parentheses are needed: '[[' binds tighter than the operator before it");
         }
         if (kind(0) != Token::DIVIDE) {
             return std::nullopt;
@@ -278,8 +279,8 @@ class Reading {
 
     /// `P || Q`, `|| x : S @ P`, `STOP -> P`, `c.x+1 -> P`
     std::optional<Hint> of_operator() const {
-        constexpr std::array arithmetic{Token::PLUS,   Token::MINUS,  Token::TIMES, Token::DIVIDE,
-                                        Token::MODULO, Token::CARET};
+        constexpr std::array arithmetic{Token::PLUS,   Token::MINUS,  Token::TIMES,
+                                        Token::DIVIDE, Token::MODULO, Token::CARET};
         if (m_context.follows_term && kind(0) == Token::ARROW &&
             std::find(arithmetic.begin(), arithmetic.end(), kind(-2)) != arithmetic.end()) {
             return here(0, "before '->' an expression stands in parentheses or behind '!', as in "

@@ -58,8 +58,8 @@ class Declarer {
             NamedDefinition& first = m_names.definitions[found->second];
             if (is_added(first.token) && !is_added(token)) {
                 if (parameters > 0) {
-                    report(first.token, in_quotes(name) +
-                                            " has parameters: only a constant can be replaced");
+                    report(first.token,
+                           in_quotes(name) + " has parameters: only a constant can be replaced");
                 }
                 return;
             }
@@ -78,9 +78,11 @@ class Declarer {
             return;
         }
         auto const number = static_cast<unsigned>(m_names.definitions.size());
-        m_names.definitions.push_back(
-            {.name = name, .token = token, .clauses = {node}, .parameter_count = parameters,
-             .is_lost = is_lost(node)});
+        m_names.definitions.push_back({.name = name,
+                                       .token = token,
+                                       .clauses = {node},
+                                       .parameter_count = parameters,
+                                       .is_lost = is_lost(node)});
         m_last = number;
         if (found == m_names.by_name.end()) {
             m_names.by_name.emplace(std::move(name), number);
@@ -128,9 +130,9 @@ class Declarer {
             report(token, in_quotes(name) + " is already a channel");
         } else if (auto const found = m_names.by_name.find(std::string(name));
                    found != m_names.by_name.end()) {
-            report(token, in_quotes(name) + " is already defined in line " +
-                              std::to_string(
-                                  m_tokens[m_names.definitions[found->second].token].line));
+            report(token,
+                   in_quotes(name) + " is already defined in line " +
+                       std::to_string(m_tokens[m_names.definitions[found->second].token].line));
         }
     }
 
@@ -183,10 +185,10 @@ NameTable resolve_names(TokenList const& tokens, SyntaxTree const& tree, unsigne
         if (definition.first_line > 0) {
             unsigned const first = names.by_name.at(definition.name);
             std::string const what = names.definitions[first].is_process ? "the process " : "";
-            diagnostics.push_back({tokens.location(definition.token),
-                                   what + in_quotes(definition.name) +
-                                       " is already defined in line " +
-                                       std::to_string(definition.first_line)});
+            diagnostics.push_back(
+                {tokens.location(definition.token), what + in_quotes(definition.name) +
+                                                        " is already defined in line " +
+                                                        std::to_string(definition.first_line)});
         }
     }
     return names;

@@ -72,8 +72,12 @@ class Scanner {
         bool in_comment = false;
         Token comment_start{};
         while (int const kind = m_lexer.next()) {
-            Token const lexeme{static_cast<TokenKind>(kind), m_source, m_offset, m_lexer.length(),
-                               m_line, m_column};
+            Token const lexeme{static_cast<TokenKind>(kind),
+                               m_source,
+                               m_offset,
+                               m_lexer.length(),
+                               m_line,
+                               m_column};
             if (!in_comment) {
                 comment_start = lexeme;
             }
@@ -86,8 +90,7 @@ class Scanner {
             add(comment_start, Parser::token::BAD);
             ends_in_comment = true;
         }
-        m_tokens.push_back(
-            {Parser::token::END, m_source, m_offset, 0, m_end_line, m_end_column});
+        m_tokens.push_back({Parser::token::END, m_source, m_offset, 0, m_end_line, m_end_column});
         return std::move(m_tokens);
     }
 
@@ -252,10 +255,9 @@ class Splicer {
 
     void include(Token const& path) {
         std::string_view const text = m_list.text_of(path);
-        Inclusion found = m_include
-                              ? m_include(text.substr(1, text.size() - 2),
-                                          m_sources[path.source].name)
-                              : Inclusion{{}, "files cannot be included here"};
+        Inclusion found =
+            m_include ? m_include(text.substr(1, text.size() - 2), m_sources[path.source].name)
+                      : Inclusion{{}, "files cannot be included here"};
         if (!found.error.empty()) {
             report(path, in_quotes(text.substr(1, text.size() - 2)) +
                              " cannot be included: " + found.error);

@@ -35,8 +35,8 @@ class Reader {
     }
 
     ReadResult read() {
-        m_script->m_model = std::make_unique<Script::Model>(m_script->m_sources,
-                                                            m_script->m_processes);
+        m_script->m_model =
+            std::make_unique<Script::Model>(m_script->m_sources, m_script->m_processes);
         Script::Model& model = *m_script->m_model;
         model.tokens = scan(m_script->m_sources, m_options.include, m_diagnostics);
         model.tree = parse(model.tokens, m_diagnostics);
@@ -88,7 +88,7 @@ class Reader {
             bool const is_first = model.names.definitions[number].first_line == 0;
             if (has_no_parameters(model, number) && is_first &&
                 model.names.definitions[number].is_process) {
-                guarded([&] { define_process(model, number); });
+                guarded(number, [&] { define_process(model, number); });
             }
         }
         for (ProcessCompiler::NameCycle const& cycle :
@@ -102,7 +102,7 @@ class Reader {
         Values::Program const& program = model.translation.program;
         std::vector<Values::Value> values(program.definitions.size());
         auto const compute_one = [&](unsigned number) {
-            guarded([&] {
+            guarded(number, [&] {
                 values[number] =
                     model.evaluator.call(number, {}, program.definitions[number].place);
             });
@@ -126,16 +126,22 @@ class Reader {
         }
     }
 
-    /// Reports what goes wrong with values, where nothing else does.
-    template <typename Work> void guarded(Work const& work) {
+    /// Reports what goes wrong with values, where nothing else does. What uses the definition is then
+    /// unreadable: it would go wrong in the same way, and take as long to find that.
+    template <typename Work> void guarded(unsigned definition, Work const& work) {
         try {
             work();
+            return;
         } catch (Values::EvaluationError const& error) {
             if (!m_has_errors) {
                 m_diagnostics.push_back(m_script->m_model->diagnostic_of(error));
             }
         } catch (Values::Unreadable const&) {
             // which is reported
+        }
+        Values::Program& program = m_script->m_model->translation.program;
+        for (Values::Clause const& clause : program.definitions[definition].clauses) {
+            program.expressions[clause.body].kind = Values::ExpressionKind::broken;
         }
     }
 
@@ -187,7 +193,7 @@ class Reader {
     std::unique_ptr<Script> m_script{new Script};
     unsigned m_end_added = 1;
     Diagnostics m_diagnostics;
-    bool m_has_errors = false; // before anything was made
+    bool m_has_errors = false;                             // before anything was made
     std::vector<ProcessCompiler::ProcessPointer> m_bodies; // by definition
 };
 

@@ -31,8 +31,7 @@ void SyntaxBuilder::end_definition(unsigned definition) {
 }
 
 void SyntaxBuilder::lose_definition(unsigned name) {
-    std::vector<unsigned> parts =
-        binds_names(name) ? std::vector<unsigned>() : roots_behind(name);
+    std::vector<unsigned> parts = binds_names(name) ? std::vector<unsigned>() : roots_behind(name);
     unsigned const list = empty_list();
     unsigned const node = leaf(NodeKind::definition, name);
     m_tree.append(node, list);
@@ -135,10 +134,8 @@ unsigned SyntaxBuilder::finished(unsigned list, NodeKind kind, unsigned first_to
 }
 
 unsigned SyntaxBuilder::spanning(NodeKind kind, unsigned first_token, unsigned last_token) {
-    return m_tree.add({.kind = kind,
-                       .token = first_token,
-                       .first_token = first_token,
-                       .last_token = last_token});
+    return m_tree.add(
+        {.kind = kind, .token = first_token, .first_token = first_token, .last_token = last_token});
 }
 
 unsigned SyntaxBuilder::tuple(unsigned open, unsigned first, unsigned others, unsigned close) {
@@ -249,8 +246,7 @@ unsigned SyntaxBuilder::replicated(Construct construct, unsigned token,
     unsigned const results = empty_list();
     unsigned const node = leaf(NodeKind::construct, token);
     m_tree[node].construct = construct;
-    append_parts(construct == Construct::alphabetised_parallel ? results : node,
-                 alphabet_or_extra);
+    append_parts(construct == Construct::alphabetised_parallel ? results : node, alphabet_or_extra);
     m_tree.append(results, term);
     m_tree.append(node, qualified(token, results, qualifiers));
     m_tree[node].last_token = m_tree[term].last_token;

@@ -28,23 +28,37 @@ Kinds kinds_of(std::initializer_list<Kind> list) {
 /// What continues a term that could end here.
 Kinds const& operators() {
     using K = Parser::symbol_kind;
-    static Kinds const kinds =
-        kinds_of({K::S_SEMICOLON, K::S_SLIDING_CHOICE, K::S_INTERRUPT,
-                  K::S_SYNCHRONISING_INTERRUPT_OPEN, K::S_EXTERNAL_CHOICE,
-                  K::S_SYNCHRONISING_CHOICE_OPEN, K::S_INTERNAL_CHOICE, K::S_PARALLEL_OPEN,
-                  K::S_LEFT_BRACKET, K::S_INTERLEAVING, K::S_HIDING, K::S_PROJECTION, K::S_AND,
-                  K::S_OR, K::S_GUARD});
+    static Kinds const kinds = kinds_of(
+        {K::S_SEMICOLON, K::S_SLIDING_CHOICE, K::S_INTERRUPT, K::S_SYNCHRONISING_INTERRUPT_OPEN,
+         K::S_EXTERNAL_CHOICE, K::S_SYNCHRONISING_CHOICE_OPEN, K::S_INTERNAL_CHOICE,
+         K::S_PARALLEL_OPEN, K::S_LEFT_BRACKET, K::S_INTERLEAVING, K::S_HIDING, K::S_PROJECTION,
+         K::S_AND, K::S_OR, K::S_GUARD});
     return kinds;
 }
 
 /// What continues a value, and is not told where a process is as likely.
 Kinds const& value_operators() {
     using K = Parser::symbol_kind;
-    static Kinds const kinds = kinds_of(
-        {K::S_PLUS, K::S_MINUS, K::S_TIMES, K::S_DIVIDE, K::S_MODULO, K::S_CARET, K::S_EQUAL_TO,
-         K::S_DIFFERS, K::S_LESS, K::S_AT_MOST, K::S_GREATER, K::S_AT_LEAST, K::S_DOT,
-         K::S_RENAMING_OPEN, K::S_OUTPUT, K::S_INPUT, K::S_CHOSEN_INPUT, K::S_ARROW,
-         K::S_LEFT_PARENTHESIS, K::S_BAR});
+    static Kinds const kinds = kinds_of({K::S_PLUS,
+                                         K::S_MINUS,
+                                         K::S_TIMES,
+                                         K::S_DIVIDE,
+                                         K::S_MODULO,
+                                         K::S_CARET,
+                                         K::S_EQUAL_TO,
+                                         K::S_DIFFERS,
+                                         K::S_LESS,
+                                         K::S_AT_MOST,
+                                         K::S_GREATER,
+                                         K::S_AT_LEAST,
+                                         K::S_DOT,
+                                         K::S_RENAMING_OPEN,
+                                         K::S_OUTPUT,
+                                         K::S_INPUT,
+                                         K::S_CHOSEN_INPUT,
+                                         K::S_ARROW,
+                                         K::S_LEFT_PARENTHESIS,
+                                         K::S_BAR});
     return kinds;
 }
 
@@ -81,7 +95,7 @@ std::vector<Group> const& groups() {
 
 /// What the grammar takes for an operand; what stands in front of it tells more.
 struct Operands {
-    bool may_be_process;
+    enum class Kind { any, value, event } kind;
     Kinds members;
 };
 
@@ -89,12 +103,13 @@ std::array<Operands, 3> const& operands() {
     using K = Parser::symbol_kind;
     static Kinds const values = value_starts() | kinds_of({K::S_MINUS, K::S_HASH});
     static std::array<Operands, 3> const list{
-        Operands{true, values | kinds_of({K::S_NOT, K::S_IF, K::S_LET, K::S_PARALLEL,
-                                          K::S_EXTERNAL_CHOICE, K::S_INTERLEAVING,
-                                          K::S_INTERNAL_CHOICE, K::S_SEMICOLON, K::S_LEFT_BRACKET,
-                                          K::S_PARALLEL_OPEN, K::S_SYNCHRONISING_CHOICE_OPEN})},
-        Operands{false, values},
-        Operands{false, value_starts()},
+        Operands{Operands::Kind::any,
+                 values | kinds_of({K::S_NOT, K::S_IF, K::S_LET, K::S_PARALLEL,
+                                    K::S_EXTERNAL_CHOICE, K::S_INTERLEAVING, K::S_INTERNAL_CHOICE,
+                                    K::S_SEMICOLON, K::S_LEFT_BRACKET, K::S_PARALLEL_OPEN,
+                                    K::S_SYNCHRONISING_CHOICE_OPEN})},
+        Operands{Operands::Kind::value, values},
+        Operands{Operands::Kind::event, value_starts()},
     };
     return list;
 }
@@ -102,7 +117,7 @@ std::array<Operands, 3> const& operands() {
 using Items = std::vector<std::string>;
 
 /// What an operand is behind a token, by the notation and not by the grammar alone.
-Items operand_behind(TokenKind before, bool may_be_process) {
+Items operand_behind(TokenKind before, Operands::Kind kind) {
     using T = Parser::token;
     switch (before) {
     case T::DOT: return {"a field"};
@@ -136,8 +151,8 @@ Items operand_behind(TokenKind before, bool may_be_process) {
     case T::THEN:
     case T::ELSE:
     case T::WITHIN:
-        return may_be_process ? Items{"a process", "a value"} : Items{"a value"};
-    case T::COMMA: return {may_be_process ? "a value" : "an event"};
+        return kind == Operands::Kind::any ? Items{"a process", "a value"} : Items{"a value"};
+    case T::COMMA: return {kind == Operands::Kind::event ? "an event" : "a value"};
     default: return {"a value"}; // behind operators on values, and where a value is an element
     }
 }
@@ -167,7 +182,7 @@ std::string list_of_expected(Kinds expected, TokenKind before) {
     for (Operands const& operand : operands()) {
         if ((expected & operand.members) == operand.members) {
             expected &= ~operand.members;
-            items = operand_behind(before, operand.may_be_process);
+            items = operand_behind(before, operand.kind);
         }
     }
     for (Group const& group : groups()) {
@@ -225,8 +240,8 @@ void Parser::report_syntax_error(context const& where) const {
         build.report_syntax_error(place, hint->message, hint->token);
         return;
     }
-    build.report_syntax_error(place, "unexpected " + description_of(tokens, place) +
-                                         ", expected " + list_of_expected(expected, before));
+    build.report_syntax_error(place, "unexpected " + description_of(tokens, place) + ", expected " +
+                                         list_of_expected(expected, before));
 }
 
 /// The parser's other way to complain, which nothing here makes it use.

@@ -49,9 +49,8 @@ class TermHost final : public Values::Host {
     /// Whose body is built: the number of a reference, or none.
     void set_parent(unsigned reference) { m_parent = reference; }
     /// Of an instance, made now if it is new.
-    ProcessCompiler::NamedProcessPointer reference(unsigned definition,
-                                                   std::span<Values::Value const> arguments,
-                                                   Values::Place place);
+    ProcessCompiler::NamedProcessPointer
+    reference(unsigned definition, std::span<Values::Value const> arguments, Values::Place place);
 
   private:
     struct Built {
@@ -86,7 +85,7 @@ class TermHost final : public Values::Host {
     std::vector<Built> m_kept;
     Values::CallTable m_calls;
     std::vector<ProcessCompiler::NamedProcess*> m_references; // by call; null until there is one
-    std::vector<Instance> m_instances;  // by reference
+    std::vector<Instance> m_instances;                        // by reference
     unsigned m_parent = none;
 
     // The operands of the construct that is built, by what they are.

@@ -84,8 +84,8 @@ class Classification {
         }
         if (is_reserved(kind(name))) {
             m_diagnostics.push_back(
-                {m_list.location(name), in_quotes(m_list.text_of(name)) +
-                                            " is a reserved word and cannot be defined"});
+                {m_list.location(name),
+                 in_quotes(m_list.text_of(name)) + " is a reserved word and cannot be defined"});
         } else if (kind(name) != T::NAME) {
             return;
         }
@@ -95,7 +95,7 @@ class Classification {
     /// `|| (a, p) : {(S, P)(S, Q)} @ [a] p`. With other letters it is a generator over tuples, unless
     /// there are processes among what it goes through.
     void classify_parallel(unsigned token) {
-        constexpr std::array opening{T::LEFT_PARENTHESIS, T::NAME,  T::COMMA,     T::NAME,
+        constexpr std::array opening{T::LEFT_PARENTHESIS,  T::NAME,  T::COMMA,     T::NAME,
                                      T::RIGHT_PARENTHESIS, T::COLON, T::LEFT_BRACE};
         constexpr std::array closing{T::AT, T::LEFT_BRACKET, T::NAME, T::RIGHT_BRACKET, T::NAME};
         unsigned open = token;
@@ -125,11 +125,11 @@ class Classification {
             }
             for (auto const& letter : letters) {
                 if (!is_right(letter)) {
-                    m_diagnostics.push_back(
-                        {m_list.location(letter.first),
-                         in_quotes(m_list.text_of(letter.first)) + " must be " +
-                             in_quotes(letter.second) + ": the letters of a replicated " +
-                             "alphabetised parallel over pairs are fixed"});
+                    m_diagnostics.push_back({m_list.location(letter.first),
+                                             in_quotes(m_list.text_of(letter.first)) + " must be " +
+                                                 in_quotes(letter.second) +
+                                                 ": the letters of a replicated " +
+                                                 "alphabetised parallel over pairs are fixed"});
                 }
             }
         }

@@ -33,9 +33,9 @@ unsigned Translator::pattern(unsigned node) {
         for (unsigned child = m_tree[head].next; child != none; child = m_tree[child].next) {
             parts.push_back(pattern(child));
         }
-        return add_pattern({.kind = PatternKind::dotted,
-                            .value = m_store.name(std::string(text_of(head)))},
-                           parts);
+        return add_pattern(
+            {.kind = PatternKind::dotted, .value = m_store.name(std::string(text_of(head)))},
+            parts);
     }
     case NodeKind::set:
         return count(node) == 0

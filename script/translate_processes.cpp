@@ -55,9 +55,9 @@ unsigned Translator::process_of_name(unsigned node) {
     bool const is_path = m_tree[node].kind == NodeKind::dotted;
     if (binding.kind == Binding::Kind::definition &&
         m_names.definitions[binding.number].is_process) {
-        unsigned const arguments = is_path                                ? arguments_of_path(node)
+        unsigned const arguments = is_path                               ? arguments_of_path(node)
                                    : m_tree[node].kind == NodeKind::call ? node
-                                                                          : none;
+                                                                         : none;
         return call(node, binding.number, arguments);
     }
     if (is_path) {
@@ -127,8 +127,7 @@ unsigned Translator::process_of_construct(unsigned node) {
     return add_construct(construct, node, operands);
 }
 
-void Translator::append_operand(unsigned node, unsigned child, unsigned place,
-                                Operands& operands) {
+void Translator::append_operand(unsigned node, unsigned child, unsigned place, Operands& operands) {
     Construct const construct = m_tree[node].construct;
     bool const is_alphabetised =
         construct == Construct::alphabetised_parallel || construct == Construct::paired_parallel;
@@ -230,8 +229,7 @@ unsigned Translator::prefix(unsigned node) {
 bool Translator::uses_input(unsigned pattern) const {
     if (m_tree[pattern].kind == NodeKind::name) {
         Binding const binding = m_names.bindings[pattern];
-        return binding.kind == Binding::Kind::variable &&
-               m_names.variables[binding.number].is_used;
+        return binding.kind == Binding::Kind::variable && m_names.variables[binding.number].is_used;
     }
     for (unsigned const child : m_tree.children_of(pattern)) {
         if (uses_input(child)) {
@@ -286,10 +284,9 @@ void Translator::append_input(unsigned item, Operands& known, Values::Comprehens
     }
     unsigned const number = add_constant(m_store.integer(behind), item);
     unsigned const through =
-        count(item) > 1
-            ? value(m_tree[item].last_child)
-            : add_operation(Operation::field_values, item,
-                            {add_operation(Operation::dot, item, known), number});
+        count(item) > 1 ? value(m_tree[item].last_child)
+                        : add_operation(Operation::field_values, item,
+                                        {add_operation(Operation::dot, item, known), number});
     bool const is_variable = m_names.bindings[shape].kind == Binding::Kind::variable;
     unsigned const bound = is_variable ? slot_of(m_names.bindings[shape].number) : new_slots(1);
     unsigned const slots = new_slots(2);
@@ -297,8 +294,7 @@ void Translator::append_input(unsigned item, Operands& known, Values::Comprehens
     known.push_back(add_variable(bound, item));
     bool const is_anything = m_tree[shape].kind == NodeKind::name && text_of(shape) == "_";
     if (!is_variable && !is_anything) {
-        unsigned const one =
-            add_operation(Operation::sequence, item, {add_variable(bound, item)});
+        unsigned const one = add_operation(Operation::sequence, item, {add_variable(bound, item)});
         unsigned const inner = new_slots(2);
         made.qualifiers.push_back({pattern(shape), one, inner});
     }

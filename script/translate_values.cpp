@@ -120,10 +120,8 @@ unsigned Translator::value_of_unbound_name(unsigned node) {
     }
     if (auto const datatype = m_datatype_definitions.find(name);
         datatype != m_datatype_definitions.end()) {
-        return add({.kind = Values::ExpressionKind::call,
-                    .place = node,
-                    .number = datatype->second},
-                   {});
+        return add(
+            {.kind = Values::ExpressionKind::call, .place = node, .number = datatype->second}, {});
     }
     if (m_names.values.contains(name)) {
         return add_constant(m_store.name(std::string(name)), node);
@@ -139,9 +137,9 @@ unsigned Translator::value_of_unbound_name(unsigned node) {
     switch (builtin->kind) {
     case Builtin::Kind::truth: return add_constant(Value::truth(builtin->truth), node);
     case Builtin::Kind::truth_values:
-        return add_operation(Operation::set, node,
-                             {add_constant(Value::truth(false), node),
-                              add_constant(Value::truth(true), node)});
+        return add_operation(
+            Operation::set, node,
+            {add_constant(Value::truth(false), node), add_constant(Value::truth(true), node)});
     case Builtin::Kind::events: return add_declared(node);
     case Builtin::Kind::function: break;
     }
@@ -225,9 +223,9 @@ void Translator::append_element(unsigned node, Operands& operands) {
         operands.push_back(comprehension(node, Results::values));
     } else if (m_tree[node].kind == NodeKind::range) {
         unsigned const slots = new_slots(3);
-        unsigned const range = add_operation(
-            Operation::sequence_range, node,
-            {value(m_tree.child(node, 0)), value(m_tree.child(node, 1))});
+        unsigned const range =
+            add_operation(Operation::sequence_range, node,
+                          {value(m_tree.child(node, 0)), value(m_tree.child(node, 1))});
         operands.push_back(add_comprehension(
             {{{variable_pattern(slots), range, slots + 1}}, {add_variable(slots, node)}}, node));
     } else {
@@ -402,7 +400,7 @@ void Translator::report_unknown(unsigned node) {
         report(node, in_quotes(text_of(node)) + " is a process, and a value is wanted here");
     } else if (!is_lost(node)) {
         report_token(node, "the name " + in_quotes(text_of(node)) + " is not defined" +
-                              suggestion_for_value(text_of(node)));
+                               suggestion_for_value(text_of(node)));
     }
 }
 

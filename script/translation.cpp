@@ -59,8 +59,7 @@ void Translator::translate_definition(unsigned number) {
     Definition made;
     made.name = named.name;
     made.place = named.clauses.front();
-    made.parameter_count =
-        static_cast<unsigned>(named.captures.size()) + named.parameter_count;
+    made.parameter_count = static_cast<unsigned>(named.captures.size()) + named.parameter_count;
     Operands captured;
     for (unsigned const variable : named.captures) {
         captured.push_back(variable_pattern(slot_of(variable)));
@@ -128,8 +127,8 @@ void Translator::check_fragment(unsigned node) {
         }
         return;
     default:
-        if (is_set && (before == T::HIDING || before == T::PROJECTION || before == T::LEFT_BRACKET ||
-                       before == T::PARALLEL_OPEN)) {
+        if (is_set && (before == T::HIDING || before == T::PROJECTION ||
+                       before == T::LEFT_BRACKET || before == T::PARALLEL_OPEN)) {
             event_set(node);
         }
     }

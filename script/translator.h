@@ -117,7 +117,7 @@ class Translator {
     Diagnostics& m_diagnostics;
     Translation m_made;
 
-    unsigned m_definition = none; // the one that is being translated
+    unsigned m_definition = none;                   // the one that is being translated
     std::unordered_map<unsigned, unsigned> m_slots; // of its variables
     unsigned m_slot_count = 0;
     std::unordered_map<std::string_view, unsigned> m_datatype_definitions;

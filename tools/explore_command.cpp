@@ -56,9 +56,9 @@ StateSpace::MachineExploration explore(Script::Script const& script,
             return result;
         }
         if (!options.quiet) {
-            print_message(fmt::format(
-                "calder: {} is explored term by term: {}\n{}", definition.name, result.run.refusal,
-                recursion_notes(result.refused, script)));
+            print_message(fmt::format("calder: {} is explored term by term: {}\n{}",
+                                      definition.name, result.run.refusal,
+                                      recursion_notes(result.refused, script)));
         }
     }
     result.run =

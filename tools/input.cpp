@@ -98,8 +98,7 @@ std::unique_ptr<Script::Script> read_script(Input const& input) {
     }
     options.process = is_name(input.process) ? "" : input.process;
     options.include = include_file;
-    Script::ReadResult result =
-        Script::read_script({input.name(), std::move(*text)}, options);
+    Script::ReadResult result = Script::read_script({input.name(), std::move(*text)}, options);
     if (result.script) {
         return std::move(result.script);
     }
@@ -176,8 +175,8 @@ int run_with_process(Input const& input, ProcessWork const& work, std::uint64_t 
     try {
         return work(*script, chosen_process(*script, input));
     } catch (Script::ScriptError const& error) {
-        throw CommandError(without_last_line_end(
-            Script::render(error.diagnostic(), script->sources())));
+        throw CommandError(
+            without_last_line_end(Script::render(error.diagnostic(), script->sources())));
     }
 }
 

@@ -106,11 +106,10 @@ std::string recursion_notes(std::vector<StateSpace::RefusedRecursion> const& all
                 continue;
             }
             Script::Location const place = script.location_of(*name);
-            notes +=
-                fmt::format("{}:{}:{}: note: '{}' comes back inside argument {} of '{}'\n",
-                            script.sources()[place.source].name, place.line, place.column,
-                            name->name(), refused.argument,
-                            operator_text(*refused.construct, script.session()));
+            notes += fmt::format("{}:{}:{}: note: '{}' comes back inside argument {} of '{}'\n",
+                                 script.sources()[place.source].name, place.line, place.column,
+                                 name->name(), refused.argument,
+                                 operator_text(*refused.construct, script.session()));
         }
     }
     return count <= most_notes ? notes : fmt::format("{}and {} more\n", notes, count - most_notes);

@@ -109,7 +109,8 @@ TEST(Grammar, reads_terms) {
         {"a -> {b} -> {} -> P", "(prefix a (prefix {b} (prefix {} P)))"},
         {"{{a, b}} -> P", "(prefix {{a, b}} P)"},
         {"a -> P[[a <- b]]", "(prefix a (renaming P a <- b))"},
-        {"(a -> P)[[a <- b, c <- d]][[b <- c]]", "(renaming (renaming (prefix a P) a <- b c <- d) b <- c)"},
+        {"(a -> P)[[a <- b, c <- d]][[b <- c]]",
+         "(renaming (renaming (prefix a P) a <- b c <- d) b <- c)"},
         {"P \\ {a} \\ {b}", "(hiding (hiding P {a}) {b})"},
         {"P |\\ {a} |\\ {b}", "(projection (projection P {a}) {b})"},
         {"P [] Q [] R [] S", "(external choice P Q R S)"},
@@ -141,7 +142,7 @@ TEST(Grammar, reads_values) {
         {"let x = 1 f(y, (z, _)) = y within f(x)", "(let x()=1 f(y, (z, _))=y f(x))"},
         {"(a, (b, c))", "(a, (b, c))"},
         {"<1..n, (a > b)>", "<1..n, (> a b)>"},
-        {"<x, y | (x, y) <- s, not x>", "<x, y | (x, y) <- s | (not x)>"},
+        {"<x, y | (x, y) <- s, (not x)>", "<x, y | (x, y) <- s | (not x)>"},
         {"{c.x.-1 | x <- S, y : T}", "{c.x.-1 | x <- S | y : T}"},
         {"{|c, d.0 | x <- S|}", "{|c, d.0 | x <- S|}"},
     };
@@ -157,8 +158,7 @@ TEST(Grammar, reads_processes_over_values) {
     } const rows[] = {
         {"c!x + 1?y:{0}$(z, _).w -> P", "(prefix c!(+ x 1)?y:{0}$(z, _).w P)"},
         {"a & b & c -> P [] Q", "(external choice (condition a (condition b (prefix c P))) Q)"},
-        {"[] x : S, y <- T @ P ||| Q",
-         "(external choice (interleaving P Q) | x : S | y <- T)"},
+        {"[] x : S, y <- T @ P ||| Q", "(external choice (interleaving P Q) | x : S | y <- T)"},
         {"P ; [| A |] x : S @ Q [] R",
          "(sequential composition P (generalised parallel A (external choice Q R) | x : S))"},
         {"|| x : S @ [A(x)] P(x)", "(alphabetised parallel A(x), P(x) | x : S)"},

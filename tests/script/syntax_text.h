@@ -19,8 +19,7 @@ class SyntaxText {
         switch (shown.kind) {
         case NodeKind::name:
         case NodeKind::channel: return token(node);
-        case NodeKind::number:
-            return (shown.first_token == shown.token ? "" : "-") + token(node);
+        case NodeKind::number: return (shown.first_token == shown.token ? "" : "-") + token(node);
         case NodeKind::call: return token(node) + joined("(", node, ", ", ")");
         case NodeKind::dotted: return joined("", node, ".", "");
         case NodeKind::tuple: return joined("(", node, ", ", ")");
