@@ -58,9 +58,9 @@ void Script::Model::add_callers(unsigned reference, Diagnostic& diagnostic) cons
         TermHost::Instance const& instance = host.instance(reference);
         std::span<Value const> const arguments = host.calls().arguments(instance.call);
         if (!arguments.empty()) {
-            diagnostic.notes.push_back(note_of_call(
-                telling(), host.calls().definition(instance.call), arguments, instance.place,
-                diagnostic.location.source));
+            diagnostic.notes.push_back(
+                note_of_call(telling(), host.calls().definition(instance.call), arguments,
+                             instance.place, diagnostic.location.source));
         }
     }
     fold(diagnostic.notes);
