@@ -87,6 +87,11 @@ class Binder {
             }
             if (m_tree[clause].child_count > 1) {
                 visit(m_tree[clause].last_child);
+            } else if (auto const parts = m_tree.fragments.find(clause);
+                       parts != m_tree.fragments.end()) {
+                for (unsigned const part : parts->second) {
+                    visit(part);
+                }
             }
             unbind(mark);
         }
@@ -168,8 +173,8 @@ class Binder {
         std::size_t const mark = m_bound.size();
         std::size_t const first = m_names.variables.size();
         for (unsigned const item : m_tree.children_of(m_tree[node].first_child)) {
-            bool const is_input = m_tree[item].kind == NodeKind::input ||
-                                  m_tree[item].kind == NodeKind::chosen_input;
+            bool const is_input =
+                m_tree[item].kind == NodeKind::input || m_tree[item].kind == NodeKind::chosen_input;
             if (!is_input) {
                 visit(item);
                 continue;
@@ -338,7 +343,7 @@ class Binder {
     SyntaxTree const& m_tree;
     NameTable& m_names;
     Diagnostics& m_diagnostics;
-    unsigned m_definition = none; // the one that is visited
+    unsigned m_definition = none;                                       // the one that is visited
     std::unordered_map<std::string_view, std::vector<Binding>> m_scope; // the innermost one last
     std::vector<std::string_view> m_bound;                              // in the order of binding
     std::vector<std::pair<unsigned, unsigned>> m_uses;                  // of local definitions

@@ -76,8 +76,8 @@ void fold_constants(Translation& translation, std::vector<Value> const& values,
         Value value;
         if (expression.kind == ExpressionKind::call && expression.operand_count == 0) {
             value = expression.number < values.size() ? values[expression.number] : Value();
-        } else if (expression.kind == ExpressionKind::operation &&
-                   is_cheap(expression.operation) && has_constants_only(program, expression)) {
+        } else if (expression.kind == ExpressionKind::operation && is_cheap(expression.operation) &&
+                   has_constants_only(program, expression)) {
             try {
                 value = evaluator.evaluate(number);
             } catch (Values::EvaluationError const&) {

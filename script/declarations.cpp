@@ -117,27 +117,28 @@ class Declarer {
         return nullptr;
     }
 
+    /// False, and all reported, when what one of them lists is wrong.
     bool read_fields(Translation::Declaration const& declaration, Outline& outline) {
+        bool are_right = true;
         for (Translation::Field const& field : declaration.fields) {
             std::vector<Value>& values = outline.fields.emplace_back();
             if (!check_ranges(field.node) ||
                 !evaluate(field.expression, field.slot_count, values)) {
-                return false;
-            }
-            if (values.empty()) {
+                are_right = false;
+            } else if (values.empty()) {
                 report(field.node, "a field without values has no events");
-                return false;
-            }
-            if (!add_texts(field.node, values, outline)) {
-                return false;
+                are_right = false;
+            } else {
+                are_right &= add_texts(field, values, outline);
             }
         }
-        return true;
+        return are_right;
     }
 
     /// A range that is written out backwards was meant otherwise.
     bool check_ranges(unsigned set) {
         SyntaxTree const& tree = m_telling.tree;
+        bool are_right = true;
         for (unsigned const child : tree.children_of(set)) {
             if (tree[child].kind != NodeKind::range) {
                 continue;
@@ -152,13 +153,14 @@ class Declarer {
             if (first.size() > last.size() || (first.size() == last.size() && first > last)) {
                 report(child, "the range " + std::string(first) + ".." + std::string(last) +
                                   " is empty: it runs backwards");
-                return false;
+                are_right = false;
             }
         }
-        return true;
+        return are_right;
     }
 
-    bool add_texts(unsigned node, std::vector<Value> const& values, Outline& outline) {
+    bool add_texts(Translation::Field const& field, std::vector<Value> const& values,
+                   Outline& outline) {
         std::vector<std::string>& texts = outline.texts.emplace_back();
         std::uint64_t characters = 0;
         std::vector<std::uint64_t> words;
@@ -169,7 +171,7 @@ class Declarer {
         }
         std::sort(words.begin(), words.end());
         if (std::adjacent_find(words.begin(), words.end()) != words.end()) {
-            report_double(node, values);
+            report_doubles(field, values);
             return false;
         }
         if (outline.events * values.size() > event_limit) {
@@ -181,17 +183,45 @@ class Declarer {
         return true;
     }
 
-    void report_double(unsigned node, std::vector<Value> const& values) {
+    /// Each element of a list with a value that stood there before; of anything else, as of a
+    /// sequence that a name stands for, the whole.
+    void report_doubles(Translation::Field const& field, std::vector<Value> const& values) {
+        SyntaxTree const& tree = m_telling.tree;
+        Values::Program const& program = m_translation.program;
+        Values::Expression const& all = program.expressions[field.expression];
+        bool const is_list = all.kind == Values::ExpressionKind::operation &&
+                             all.operand_count == tree[field.node].child_count;
         std::unordered_set<std::uint64_t> seen;
         std::size_t index = 0;
-        while (seen.insert(values[index].word()).second) {
-            ++index;
+        unsigned listed = is_list ? tree[field.node].first_child : field.node;
+        for (unsigned part = 0; index < values.size(); ++part) {
+            std::size_t const end =
+                is_list ? index + width_of(program.operands[all.first_operand + part])
+                        : values.size();
+            std::size_t first = end;
+            for (; index < end; ++index) {
+                bool const is_new = seen.insert(values[index].word()).second;
+                first = is_new ? first : std::min(first, index);
+            }
+            if (first < end) {
+                report(listed, "the value " +
+                                   in_quotes(Values::text_of(m_channels, values[first])) +
+                                   " stands twice in this field");
+            }
+            listed = tree[listed].next;
         }
-        unsigned const listed = m_telling.tree[node].child_count == values.size()
-                                    ? m_telling.tree.child(node, static_cast<unsigned>(index))
-                                    : m_telling.tree[node].last_child;
-        report(listed, "the value " + in_quotes(Values::text_of(m_channels, values[index])) +
-                           " stands twice in this field");
+    }
+
+    /// How many values an element of a list has, which has been evaluated before: a range all of its
+    /// own.
+    std::size_t width_of(unsigned expression) {
+        Values::Program const& program = m_translation.program;
+        Values::Expression const& element = program.expressions[expression];
+        if (element.kind != Values::ExpressionKind::comprehension) {
+            return 1;
+        }
+        unsigned const range = program.comprehensions[element.number].qualifiers[0].expression;
+        return m_channels.store().elements(m_evaluator.evaluate(range)).size();
     }
 
     /// The elements of a set or a sequence; false, and reported, when there are none to be had.
@@ -200,9 +230,8 @@ class Declarer {
             Value const all = m_evaluator.evaluate(expression, slots);
             if (!all.is(Value::Kind::set) && !all.is(Value::Kind::sequence)) {
                 report(m_translation.program.expressions[expression].place,
-                       "a field ranges over a set, and " +
-                           Values::short_text_of(m_channels, all) + " is " +
-                           std::string(Values::name_of(all.kind())));
+                       "a field ranges over a set, and " + Values::short_text_of(m_channels, all) +
+                           " is " + std::string(Values::name_of(all.kind())));
                 return false;
             }
             std::span<Value const> const elements = m_channels.store().elements(all);
@@ -304,9 +333,8 @@ class Declarer {
 } // namespace
 
 void declare(TokenList const& tokens, SyntaxTree const& tree, NameTable& names,
-             Translation& translation, Values::ChannelTable& channels,
-             Values::Evaluator& evaluator, ProcessCompiler::Session& session,
-             Diagnostics& diagnostics) {
+             Translation& translation, Values::ChannelTable& channels, Values::Evaluator& evaluator,
+             ProcessCompiler::Session& session, Diagnostics& diagnostics) {
     Telling const telling{tokens, tree, translation.program, channels};
     Declarer(telling, names, translation, channels, evaluator, session, diagnostics).run();
     check_event_literals(telling, names, translation, session, diagnostics);

@@ -27,9 +27,9 @@ class Check {
             Expression& expression = m_translation.program.expressions[number];
             std::string_view const name = text_of(expression.place);
             Value const value =
-                m_names.channels.contains(name) ? m_telling.channels.find(name)
-                                                : m_telling.channels.store().event_set(
-                                                      m_telling.channels.events());
+                m_names.channels.contains(name)
+                    ? m_telling.channels.find(name)
+                    : m_telling.channels.store().event_set(m_telling.channels.events());
             if (value) {
                 expression.kind = ExpressionKind::constant;
                 expression.value = value;
@@ -74,7 +74,10 @@ class Check {
         Value const value = literal.has_unknown ? Value() : value_of(expression);
         if (!value) {
             report_undeclared(literal);
-            expression.kind = ExpressionKind::broken;
+            // Terms are still made, to see what else is wrong, and any event will do for that.
+            bool const is_performed = literal.use == Use::event;
+            expression.kind = is_performed ? ExpressionKind::constant : ExpressionKind::broken;
+            expression.value = Value::event(Values::first_declared_number);
             return;
         }
         expression.kind = ExpressionKind::constant;
@@ -188,9 +191,8 @@ class Check {
 
 } // namespace
 
-void check_event_literals(Telling const& telling, NameTable const& names,
-                          Translation& translation, ProcessCompiler::Session const& session,
-                          Diagnostics& diagnostics) {
+void check_event_literals(Telling const& telling, NameTable const& names, Translation& translation,
+                          ProcessCompiler::Session const& session, Diagnostics& diagnostics) {
     Check(telling, names, translation, session, diagnostics).run();
 }
 

@@ -35,9 +35,8 @@ ProcessPointer Script::Model::Alone::make(unsigned number) {
     Values::CallTable const& calls = m_model.host.calls();
     m_model.host.set_parent(number);
     try {
-        Value const value =
-            m_model.evaluator.call(calls.definition(instance.call),
-                                   calls.arguments(instance.call), instance.place);
+        Value const value = m_model.evaluator.call(calls.definition(instance.call),
+                                                   calls.arguments(instance.call), instance.place);
         ProcessPointer term = m_model.host.term(value);
         m_model.host.forget();
         return term;
@@ -60,7 +59,8 @@ void Script::Model::add_callers(unsigned reference, Diagnostic& diagnostic) cons
         std::span<Value const> const arguments = host.calls().arguments(instance.call);
         if (!arguments.empty()) {
             diagnostic.notes.push_back(note_of_call(
-                telling(), host.calls().definition(instance.call), arguments, instance.place));
+                telling(), host.calls().definition(instance.call), arguments, instance.place,
+                diagnostic.location.source));
         }
     }
     fold(diagnostic.notes);
@@ -79,8 +79,8 @@ std::string Script::Model::name(unsigned number) const {
 ProcessPointer Script::Model::body_of(unsigned definition) {
     host.set_parent(none);
     try {
-        ProcessPointer term =
-            host.term(evaluator.call(definition, {}, translation.program.definitions[definition].place));
+        ProcessPointer term = host.term(
+            evaluator.call(definition, {}, translation.program.definitions[definition].place));
         host.forget();
         return term;
     } catch (...) {

@@ -28,6 +28,7 @@ class Declarer {
             for (unsigned const child : m_tree.children_of(declaration)) {
                 if (m_tree[child].kind == NodeKind::channel) {
                     m_names.channels.insert(text_of(child));
+                    m_names.declared.push_back(text_of(child));
                 }
             }
         }
@@ -56,13 +57,15 @@ class Declarer {
         if (found != m_names.by_name.end()) {
             NamedDefinition& first = m_names.definitions[found->second];
             if (is_added(first.token) && !is_added(token)) {
+                first.is_replacement = true;
                 if (parameters > 0) {
-                    report(first.token, in_quotes(name) +
-                                            " has parameters: only a constant can be replaced");
+                    report(first.token,
+                           in_quotes(name) + " has parameters: only a constant can be replaced");
                 }
                 return;
             }
             if (continues(found->second, parameters)) {
+                first.parameter_count = parameters;
                 first.clauses.push_back(node);
                 first.is_lost |= is_lost(node);
                 return;
@@ -76,9 +79,11 @@ class Declarer {
             return;
         }
         auto const number = static_cast<unsigned>(m_names.definitions.size());
-        m_names.definitions.push_back(
-            {.name = name, .token = token, .clauses = {node}, .parameter_count = parameters,
-             .is_lost = is_lost(node)});
+        m_names.definitions.push_back({.name = name,
+                                       .token = token,
+                                       .clauses = {node},
+                                       .parameter_count = parameters,
+                                       .is_lost = is_lost(node)});
         m_last = number;
         if (found == m_names.by_name.end()) {
             m_names.by_name.emplace(std::move(name), number);
@@ -88,10 +93,13 @@ class Declarer {
         }
     }
 
-    /// Whether a definition is the next clause of the one before it.
+    /// Whether a definition is the next clause of the one before it. How many parameters has what
+    /// could not be read is not known.
     bool continues(unsigned first, unsigned parameters) const {
+        NamedDefinition const& definition = m_names.definitions[first];
+        bool const may_have_any = definition.is_lost && definition.parameter_count == 0;
         return first == m_last && parameters > 0 &&
-               parameters == m_names.definitions[first].parameter_count;
+               (parameters == definition.parameter_count || may_have_any);
     }
 
     bool is_lost(unsigned node) const { return m_tree[node].child_count < 2; }
@@ -100,6 +108,7 @@ class Declarer {
         std::string_view const name = m_tokens.text_of(m_tree[datatype].token);
         check_new(m_tree[datatype].token, name);
         m_names.datatypes.try_emplace(name, datatype);
+        m_names.declared.push_back(name);
         for (unsigned const alternative : m_tree.children_of(datatype)) {
             bool const has_fields = m_tree[alternative].kind == NodeKind::dotted;
             unsigned const head = has_fields ? m_tree[alternative].first_child : alternative;
@@ -111,6 +120,7 @@ class Declarer {
             unsigned const token = m_tree[head].token;
             check_new(token, m_tokens.text_of(token));
             m_names.values.try_emplace(m_tokens.text_of(token), alternative);
+            m_names.declared.push_back(m_tokens.text_of(token));
         }
     }
 
@@ -123,9 +133,9 @@ class Declarer {
             report(token, in_quotes(name) + " is already a channel");
         } else if (auto const found = m_names.by_name.find(std::string(name));
                    found != m_names.by_name.end()) {
-            report(token, in_quotes(name) + " is already defined in line " +
-                              std::to_string(
-                                  m_tokens[m_names.definitions[found->second].token].line));
+            report(token,
+                   in_quotes(name) + " is already defined in line " +
+                       std::to_string(m_tokens[m_names.definitions[found->second].token].line));
         }
     }
 
@@ -144,9 +154,10 @@ class Declarer {
                 continue;
             }
             for (unsigned const member : m_tree.children_of(set)) {
-                bool const is_name = m_tree[member].kind == NodeKind::name;
-                if (is_name && !NameTable::is_truth_value(text_of(member))) {
-                    m_names.values.try_emplace(text_of(member), none);
+                bool const is_value = m_tree[member].kind == NodeKind::name &&
+                                      !NameTable::is_truth_value(text_of(member));
+                if (is_value && m_names.values.try_emplace(text_of(member), none).second) {
+                    m_names.declared.push_back(text_of(member));
                 }
             }
         }
@@ -178,10 +189,10 @@ NameTable resolve_names(TokenList const& tokens, SyntaxTree const& tree, unsigne
         if (definition.first_line > 0) {
             unsigned const first = names.by_name.at(definition.name);
             std::string const what = names.definitions[first].is_process ? "the process " : "";
-            diagnostics.push_back({tokens.location(definition.token),
-                                   what + in_quotes(definition.name) +
-                                       " is already defined in line " +
-                                       std::to_string(definition.first_line)});
+            diagnostics.push_back(
+                {tokens.location(definition.token), what + in_quotes(definition.name) +
+                                                        " is already defined in line " +
+                                                        std::to_string(definition.first_line)});
         }
     }
     return names;

@@ -46,6 +46,8 @@ struct NamedDefinition {
     /// What it says could not be read.
     bool is_lost = false;
     bool is_process = false;
+    /// It stands in the place of what the script says.
+    bool is_replacement = false;
     /// The line of a definition of the same name that counts instead; 0 if there is none.
     unsigned first_line = 0;
 };
@@ -62,6 +64,8 @@ struct NameTable {
     /// introduces.
     std::unordered_map<std::string_view, unsigned> values;
     std::unordered_map<std::string_view, unsigned> datatypes; // their nodes
+    /// The names of channels, values and datatypes in the order of the script, for suggestions.
+    std::vector<std::string_view> declared;
     LostNames lost;
 
     static bool is_truth_value(std::string_view name) { return name == "true" || name == "false"; }

@@ -6,6 +6,7 @@
 #include "script/declarations.h"
 #include "script/model.h"
 #include "script/scanner.h"
+#include "script/suggestion.h"
 #include "script/syntax_builder.h"
 
 #include <utility>
@@ -29,26 +30,26 @@ class Reader {
             sources.push_back({"--define", name + " = " + text});
         }
         if (!options.process.empty()) {
-            sources.push_back({"--process", std::string(asked_name) + " = " + options.process});
+            sources.push_back(
+                {"--process", std::string(asked_name) + " =\n" + options.process, 0});
         }
         m_end_added = static_cast<unsigned>(sources.size());
     }
 
     ReadResult read() {
-        m_script->m_model = std::make_unique<Script::Model>(m_script->m_sources,
-                                                            m_script->m_processes);
+        m_script->m_model =
+            std::make_unique<Script::Model>(m_script->m_sources, m_script->m_processes);
         Script::Model& model = *m_script->m_model;
         model.tokens = scan(m_script->m_sources, m_options.include, m_diagnostics);
         model.tree = parse(model.tokens, m_diagnostics);
         model.names = resolve_names(model.tokens, model.tree, 1, m_end_added, m_diagnostics);
+        check_added(model);
         model.translation =
             translate(model.tokens, model.tree, model.names, model.store, m_diagnostics);
         model.graph = connect_calls(model.names, model.translation);
         declare(model.tokens, model.tree, model.names, model.translation, model.channels,
                 model.evaluator, m_script->m_session, m_diagnostics);
-        if (m_diagnostics.empty()) {
-            define(model);
-        }
+        define(model);
         sort_and_remove_repetitions(m_diagnostics);
         if (!m_diagnostics.empty()) {
             return {nullptr, std::move(m_diagnostics), std::move(m_script->m_sources)};
@@ -63,6 +64,33 @@ class Reader {
     }
 
   private:
+    /// A definition that nobody asks for was meant for another name.
+    void check_added(Script::Model const& model) {
+        std::vector<bool> is_used(model.names.definitions.size());
+        for (Binding const& binding : model.names.bindings) {
+            if (binding.kind == Binding::Kind::definition) {
+                is_used[binding.number] = true;
+            }
+        }
+        for (auto const& [name, text] : m_options.definitions) {
+            auto const found = model.names.by_name.find(name);
+            if (found == model.names.by_name.end() || is_used[found->second] ||
+                model.names.definitions[found->second].is_replacement) {
+                continue;
+            }
+            unsigned budget = suggestion_budget;
+            Suggestion suggestion(name, budget);
+            for (NamedDefinition const& definition : model.names.definitions) {
+                if (definition.name != name) {
+                    suggestion.consider(definition.name);
+                }
+            }
+            m_diagnostics.push_back(
+                {model.tokens.location(model.names.definitions[found->second].token),
+                 "the script neither defines nor uses " + in_quotes(name) + suggestion.text()});
+        }
+    }
+
     bool has_no_parameters(Script::Model const& model, unsigned number) const {
         return model.translation.program.definitions[number].parameter_count == 0 &&
                model.names.definitions[number].parent == none;
@@ -72,8 +100,10 @@ class Reader {
         return model.host.reference(number, {}, model.names.definitions[number].clauses[0]);
     }
 
-    /// Everything without parameters, parts before wholes.
+    /// Everything without parameters, parts before wholes. Where there are errors already, only to
+    /// find recursion without a guard among what can be made in spite of them.
     void define(Script::Model& model) {
+        m_has_errors = !m_diagnostics.empty();
         m_bodies.resize(model.names.definitions.size());
         // References are numbered as they first come up: in the order of the script.
         for (unsigned number = 0; number < m_bodies.size(); ++number) {
@@ -81,10 +111,14 @@ class Reader {
                 reference(model, number);
             }
         }
-        compute(model);
+        if (!m_has_errors) {
+            compute(model);
+        }
         for (unsigned const number : model.graph.order) {
-            if (has_no_parameters(model, number) && model.names.definitions[number].is_process) {
-                guarded([&] { define_process(model, number); });
+            bool const is_first = model.names.definitions[number].first_line == 0;
+            if (has_no_parameters(model, number) && is_first &&
+                model.names.definitions[number].is_process) {
+                guarded(number, [&] { define_process(model, number); });
             }
         }
         for (ProcessCompiler::NameCycle const& cycle :
@@ -98,7 +132,7 @@ class Reader {
         Values::Program const& program = model.translation.program;
         std::vector<Values::Value> values(program.definitions.size());
         auto const compute_one = [&](unsigned number) {
-            guarded([&] {
+            guarded(number, [&] {
                 values[number] =
                     model.evaluator.call(number, {}, program.definitions[number].place);
             });
@@ -122,14 +156,22 @@ class Reader {
         }
     }
 
-    /// Reports what goes wrong with values.
-    template <typename Work> void guarded(Work const& work) {
+    /// Reports what goes wrong with values, where nothing else does. What uses the definition is then
+    /// unreadable: it would go wrong in the same way, and take as long to find that.
+    template <typename Work> void guarded(unsigned definition, Work const& work) {
         try {
             work();
+            return;
         } catch (Values::EvaluationError const& error) {
-            m_diagnostics.push_back(m_script->m_model->diagnostic_of(error));
+            if (!m_has_errors) {
+                m_diagnostics.push_back(m_script->m_model->diagnostic_of(error));
+            }
         } catch (Values::Unreadable const&) {
             // which is reported
+        }
+        Values::Program& program = m_script->m_model->translation.program;
+        for (Values::Clause const& clause : program.definitions[definition].clauses) {
+            program.expressions[clause.body].kind = Values::ExpressionKind::broken;
         }
     }
 
@@ -181,6 +223,7 @@ class Reader {
     std::unique_ptr<Script> m_script{new Script};
     unsigned m_end_added = 1;
     Diagnostics m_diagnostics;
+    bool m_has_errors = false;                             // before anything was made
     std::vector<ProcessCompiler::ProcessPointer> m_bodies; // by definition
 };
 
@@ -191,6 +234,15 @@ Script::~Script() = default;
 Script::Definition const* Script::find(std::string_view name) const {
     auto const place = m_places.find(name);
     return place == m_places.end() ? nullptr : &m_definitions[place->second];
+}
+
+std::string_view Script::process_with_parameters() const {
+    for (NamedDefinition const& named : m_model->names.definitions) {
+        if (named.is_process && named.parent == none && named.parameter_count > 0) {
+            return named.name;
+        }
+    }
+    return {};
 }
 
 Location Script::location_of(ProcessCompiler::NamedProcess const& reference) const {

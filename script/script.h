@@ -59,6 +59,8 @@ class Script {
 
     /// In the order of the script.
     std::vector<Definition> const& definitions() const { return m_definitions; }
+    /// The name of the first process with parameters; empty when there is none.
+    std::string_view process_with_parameters() const;
     /// Null when the script does not define the name.
     Definition const* find(std::string_view name) const;
     /// The process of ReadOptions; null when none was given.

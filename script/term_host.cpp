@@ -1,5 +1,6 @@
 #include "script/term_host.h"
 
+#include "process_compiler/recursion_watch.h"
 #include "script/limits.h"
 #include "values/text.h"
 
@@ -22,8 +23,7 @@ NestedTerm::NestedTerm()
 TermHost::TermHost(NameTable const& names, Values::Program const& program, CallGraph const& graph,
                    Values::ChannelTable const& channels,
                    ProcessCompiler::NamedProcessSource& source)
-    : m_names(names), m_program(program), m_graph(graph), m_channels(channels),
-      m_source(source) {}
+    : m_names(names), m_program(program), m_graph(graph), m_channels(channels), m_source(source) {}
 
 TermHost::~TermHost() = default;
 
@@ -81,9 +81,8 @@ void TermHost::take(Expression const& expression, std::span<Value const> operand
     m_processes.clear();
     m_sets.clear();
     m_events.clear();
-    bool const has_pairs =
-        expression.number == static_cast<unsigned>(Construct::renaming) ||
-        expression.number == static_cast<unsigned>(Construct::linked_parallel);
+    bool const has_pairs = expression.number == static_cast<unsigned>(Construct::renaming) ||
+                           expression.number == static_cast<unsigned>(Construct::linked_parallel);
     for (std::size_t index = 0; index < operands.size(); ++index) {
         Value const operand = operands[index];
         if (operand.is(Value::Kind::foreign)) {
@@ -181,7 +180,8 @@ Value TermHost::built_chain(Construct construct) {
     }
     Value whole = rest.front();
     for (std::size_t index = 1; index < rest.size(); ++index) {
-        m_processes = from_right ? std::vector{rest[index], whole} : std::vector{whole, rest[index]};
+        m_processes =
+            from_right ? std::vector{rest[index], whole} : std::vector{whole, rest[index]};
         whole = built_of_parts(construct);
     }
     return whole;
@@ -206,8 +206,7 @@ Value TermHost::built_of_parts(Construct construct) {
 
 /// The sets along a chain must be equal: in one term with many operands, and where synchronising
 /// interrupts stand in a row.
-void TermHost::check_one_set(Expression const& expression,
-                             std::span<Value const> operands) const {
+void TermHost::check_one_set(Expression const& expression, std::span<Value const> operands) const {
     Value before;
     for (std::size_t index = 0; index < operands.size(); ++index) {
         if (!operands[index].is(Value::Kind::set)) {
@@ -263,9 +262,13 @@ std::string TermHost::incomplete(Value channel) const {
            in_quotes(m_channels.event_name(*events.begin()));
 }
 
-Value TermHost::refer(unsigned definition, std::span<Value const> arguments,
-                      Values::Place place) {
+Value TermHost::refer(unsigned definition, std::span<Value const> arguments, Values::Place place) {
     return add(reference(definition, arguments, place), 1);
+}
+
+/// Whoever watches what is done with terms ends evaluating, too.
+void TermHost::look() {
+    ProcessCompiler::watch_recursion();
 }
 
 NamedProcessPointer TermHost::reference(unsigned definition, std::span<Value const> arguments,
@@ -275,9 +278,9 @@ NamedProcessPointer TermHost::reference(unsigned definition, std::span<Value con
         return m_references[call];
     }
     m_references.resize(m_calls.size());
-    NamedProcessPointer const made =
-        arguments.empty() ? m_source.reference(m_names.definitions[definition].name)
-                          : m_source.add_reference();
+    NamedProcessPointer const made = arguments.empty()
+                                         ? m_source.reference(m_names.definitions[definition].name)
+                                         : m_source.add_reference();
     if (m_graph.is_sequential[definition]) {
         m_source.declare_sequential(*made);
     }

@@ -31,6 +31,8 @@ class TermHost final : public Values::Host {
     Values::Value refer(unsigned definition, std::span<Values::Value const> arguments,
                         Values::Place place) override;
 
+    void look() override;
+
     /// The term of a foreign value. Those that are not kept are forgotten by `forget`, to be called
     /// when nothing is being evaluated.
     ProcessCompiler::ProcessPointer const& term(Values::Value value) const;
@@ -49,9 +51,8 @@ class TermHost final : public Values::Host {
     /// Whose body is built: the number of a reference, or none.
     void set_parent(unsigned reference) { m_parent = reference; }
     /// Of an instance, made now if it is new.
-    ProcessCompiler::NamedProcessPointer reference(unsigned definition,
-                                                   std::span<Values::Value const> arguments,
-                                                   Values::Place place);
+    ProcessCompiler::NamedProcessPointer
+    reference(unsigned definition, std::span<Values::Value const> arguments, Values::Place place);
 
   private:
     struct Built {
@@ -86,7 +87,7 @@ class TermHost final : public Values::Host {
     std::vector<Built> m_kept;
     Values::CallTable m_calls;
     std::vector<ProcessCompiler::NamedProcess*> m_references; // by call; null until there is one
-    std::vector<Instance> m_instances;  // by reference
+    std::vector<Instance> m_instances;                        // by reference
     unsigned m_parent = none;
 
     // The operands of the construct that is built, by what they are.

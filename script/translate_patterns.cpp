@@ -33,9 +33,9 @@ unsigned Translator::pattern(unsigned node) {
         for (unsigned child = m_tree[head].next; child != none; child = m_tree[child].next) {
             parts.push_back(pattern(child));
         }
-        return add_pattern({.kind = PatternKind::dotted,
-                            .value = m_store.name(std::string(text_of(head)))},
-                           parts);
+        return add_pattern(
+            {.kind = PatternKind::dotted, .value = m_store.name(std::string(text_of(head)))},
+            parts);
     }
     case NodeKind::set:
         return count(node) == 0
@@ -81,17 +81,6 @@ unsigned Translator::pattern_of_name(unsigned node) {
 
 /// `<x, y> ^ s` and `s ^ <x, y>`; of two listed sequences, one of both.
 unsigned Translator::pattern_around_sequence(unsigned node) {
-    if (m_tokens[m_tree[node].token].kind == Parser::token::MINUS && count(node) == 1 &&
-        m_tree[first(node)].kind == NodeKind::number) {
-        unsigned const digits = first(node);
-        Values::Expression const number = m_made.program.expressions[value_of_number(digits)];
-        if (number.kind != Values::ExpressionKind::constant) {
-            return refuse_pattern(node);
-        }
-        return add_pattern({.kind = PatternKind::constant,
-                            .value = m_store.integer(-number.value.as_integer())},
-                           {});
-    }
     if (m_tokens[m_tree[node].token].kind != Parser::token::CARET) {
         return refuse_pattern(node);
     }

@@ -101,8 +101,8 @@ unsigned Translator::value_of_name(unsigned node) {
         return add_variable(slot_of(binding.number), node);
     }
     if (binding.kind == Binding::Kind::definition) {
-        bool const is_process = m_names.definitions[binding.number].is_process;
-        if (!is_process) {
+        NamedDefinition const& named = m_names.definitions[binding.number];
+        if (!named.is_process || named.is_lost) {
             return call(node, binding.number, none);
         }
         std::string_view const name = text_of(node);
@@ -121,10 +121,8 @@ unsigned Translator::value_of_unbound_name(unsigned node) {
     }
     if (auto const datatype = m_datatype_definitions.find(name);
         datatype != m_datatype_definitions.end()) {
-        return add({.kind = Values::ExpressionKind::call,
-                    .place = node,
-                    .number = datatype->second},
-                   {});
+        return add(
+            {.kind = Values::ExpressionKind::call, .place = node, .number = datatype->second}, {});
     }
     if (m_names.values.contains(name)) {
         return add_constant(m_store.name(std::string(name)), node);
@@ -140,9 +138,9 @@ unsigned Translator::value_of_unbound_name(unsigned node) {
     switch (builtin->kind) {
     case Builtin::Kind::truth: return add_constant(Value::truth(builtin->truth), node);
     case Builtin::Kind::truth_values:
-        return add_operation(Operation::set, node,
-                             {add_constant(Value::truth(false), node),
-                              add_constant(Value::truth(true), node)});
+        return add_operation(
+            Operation::set, node,
+            {add_constant(Value::truth(false), node), add_constant(Value::truth(true), node)});
     case Builtin::Kind::events: return add_declared(node);
     case Builtin::Kind::function: break;
     }
@@ -188,11 +186,28 @@ unsigned Translator::value_of_call(unsigned node) {
 
 unsigned Translator::value_of_operation(unsigned node) {
     Operands operands;
+    TokenKind const kind = m_tokens[m_tree[node].token].kind;
+    if (refuse_sum_of_processes(node)) {
+        return broken(node);
+    }
     for (unsigned const child : m_tree.children_of(node)) {
         operands.push_back(value(child));
     }
-    TokenKind const kind = m_tokens[m_tree[node].token].kind;
     return add_operation(operation_of(kind, operands.size() == 2), node, operands);
+}
+
+/// `P + Q`, with which other algebras choose.
+bool Translator::refuse_sum_of_processes(unsigned node) {
+    if (m_tokens[m_tree[node].token].kind != Parser::token::PLUS) {
+        return false;
+    }
+    for (unsigned const child : m_tree.children_of(node)) {
+        if (m_tree[child].kind == NodeKind::construct) {
+            report_token(node, "numbers are added, and a choice is written 'P [] Q' or 'P |~| Q'");
+            return true;
+        }
+    }
+    return false;
 }
 
 /// Of a tuple, a sequence or a set.
@@ -209,9 +224,9 @@ void Translator::append_element(unsigned node, Operands& operands) {
         operands.push_back(comprehension(node, Results::values));
     } else if (m_tree[node].kind == NodeKind::range) {
         unsigned const slots = new_slots(3);
-        unsigned const range = add_operation(
-            Operation::sequence_range, node,
-            {value(m_tree.child(node, 0)), value(m_tree.child(node, 1))});
+        unsigned const range =
+            add_operation(Operation::sequence_range, node,
+                          {value(m_tree.child(node, 0)), value(m_tree.child(node, 1))});
         operands.push_back(add_comprehension(
             {{{variable_pattern(slots), range, slots + 1}}, {add_variable(slots, node)}}, node));
     } else {
@@ -268,7 +283,7 @@ unsigned Translator::event_set(unsigned node) {
         return value(node);
     }
     bool const is_doubled =
-        count(node) == 1 && !m_tree[inner].is_parenthesised &&
+        count(node) == 1 && m_tree[inner].parentheses == 0 &&
         (m_tree[inner].kind == NodeKind::set || m_tree[inner].kind == NodeKind::closure);
     if (is_doubled) {
         return event_set(inner);
@@ -385,13 +400,11 @@ unsigned Translator::field(unsigned node, Fields& fields) {
 }
 
 void Translator::report_unknown(unsigned node) {
-    Binding const binding = m_names.bindings[node];
-    if (binding.kind == Binding::Kind::definition &&
-        m_names.definitions[binding.number].is_process) {
+    if (m_names.bindings[node].kind == Binding::Kind::definition) {
         report(node, in_quotes(text_of(node)) + " is a process, and a value is wanted here");
     } else if (!is_lost(node)) {
-        report(node, "the name " + in_quotes(text_of(node)) + " is not defined" +
-                         suggestion_for_value(text_of(node)));
+        report_token(node, "the name " + in_quotes(text_of(node)) + " is not defined" +
+                               suggestion_for_value(text_of(node)));
     }
 }
 
@@ -405,18 +418,13 @@ std::string Translator::suggestion_for_value(std::string_view name) {
             suggestion.consider(m_tokens.text_of(variable.token));
         }
     }
-    for (auto const& [known, number] : m_names.by_name) {
-        if (!m_names.definitions[number].is_process) {
-            suggestion.consider(known);
+    for (unsigned number = 0; number < m_names.definitions.size(); ++number) {
+        NamedDefinition const& definition = m_names.definitions[number];
+        if (number != m_definition && !definition.is_process) {
+            suggestion.consider(definition.name);
         }
     }
-    for (std::string_view const known : m_names.channels) {
-        suggestion.consider(known);
-    }
-    for (auto const& [known, node] : m_names.values) {
-        suggestion.consider(known);
-    }
-    for (auto const& [known, node] : m_names.datatypes) {
+    for (std::string_view const known : m_names.declared) {
         suggestion.consider(known);
     }
     for (std::string_view const known : builtin_names()) {

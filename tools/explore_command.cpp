@@ -56,9 +56,9 @@ StateSpace::MachineExploration explore(Script::Script const& script,
             return result;
         }
         if (!options.quiet) {
-            print_message(fmt::format(
-                "calder: {} is explored term by term: {}\n{}", definition.name, result.run.refusal,
-                recursion_notes(result.refused, script, options.input.name())));
+            print_message(fmt::format("calder: {} is explored term by term: {}\n{}",
+                                      definition.name, result.run.refusal,
+                                      recursion_notes(result.refused, script)));
         }
     }
     result.run =
@@ -163,18 +163,11 @@ int exit_code(StateSpace::Run const& run, bool holds, bool is_written) {
     return complete && is_written ? exit_holds : exit_stopped_early;
 }
 
-} // namespace
-
-int explore_process(ExploreOptions const& options) {
-    if (!options.output.empty()) {
-        StateSpace::check_lts_file(options.output); // before the work, not after it
-    }
-    auto const script = read_input(options.input, memory_limit(options));
-    auto const& definition = chosen_process(*script, options.input);
-
+int explore_and_tell(Script::Script const& script, Script::Script::Definition const& definition,
+                     ExploreOptions const& options) {
     InterruptionWatch const watch;
     auto const start = std::chrono::steady_clock::now();
-    StateSpace::MachineExploration const exploration = explore(*script, definition, options, watch);
+    StateSpace::MachineExploration const exploration = explore(script, definition, options, watch);
     std::chrono::duration<double> const time = std::chrono::steady_clock::now() - start;
     StateSpace::Run const& run = exploration.run;
     bool const complete = run.outcome == StateSpace::Outcome::complete;
@@ -184,7 +177,7 @@ int explore_process(ExploreOptions const& options) {
     tell("states", fmt::format("{}", run.state_count));
     tell("transitions", fmt::format("{}", run.transition_count));
     tell("complete", complete ? "yes" : fmt::format("no: {}", StateSpace::describe(run.outcome)));
-    bool const holds = !options.deadlock || tell_deadlock(exploration, *script);
+    bool const holds = !options.deadlock || tell_deadlock(exploration, script);
     tell("time", fmt::format("{:.2f} s", time.count()));
     tell("peak memory",
          fmt::format("{:.1f} MiB", static_cast<double>(StateSpace::peak_resident_bytes()) /
@@ -192,8 +185,22 @@ int explore_process(ExploreOptions const& options) {
     finish_results();
 
     bool const is_written =
-        options.output.empty() || write_file(options, run, script->session(), watch);
+        options.output.empty() || write_file(options, run, script.session(), watch);
     return exit_code(run, holds, is_written);
+}
+
+} // namespace
+
+int explore_process(ExploreOptions const& options) {
+    if (!options.output.empty()) {
+        StateSpace::check_lts_file(options.output); // before the work, not after it
+    }
+    return run_with_process(
+        options.input,
+        [&](auto const& script, auto const& definition) {
+            return explore_and_tell(script, definition, options);
+        },
+        memory_limit(options));
 }
 
 } // namespace Calder::Tools

@@ -14,6 +14,9 @@ namespace {
 /// So many calls are told at either end of a long chain.
 constexpr std::size_t told_calls = 5;
 
+/// Some ten microseconds.
+constexpr unsigned steps_between_looks = 512;
+
 Call calls_left_out() {
     return {no_number, {}, 0};
 }
@@ -62,8 +65,11 @@ template <typename Start> Value Interpreter::run(Start const& start) {
     } const forgetting{*this};
     try {
         start();
-        while (!m_tasks.empty()) {
+        for (unsigned steps = 1; !m_tasks.empty(); ++steps) {
             step();
+            if (steps % steps_between_looks == 0) {
+                m_host.look();
+            }
         }
     } catch (ValueError const& caught) {
         EvaluationError error(m_tasks.back().expression->place, caught.message());

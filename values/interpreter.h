@@ -50,9 +50,8 @@ class Interpreter {
                expression.kind == ExpressionKind::variable;
     }
     Value value_at_hand(Expression const& expression) const {
-        return expression.kind == ExpressionKind::constant
-                   ? expression.value
-                   : m_values[m_slots + expression.number];
+        return expression.kind == ExpressionKind::constant ? expression.value
+                                                           : m_values[m_slots + expression.number];
     }
     bool has_operands(Task& task);
     void finish(unsigned first, Value result);

@@ -58,7 +58,7 @@ void check_reading(std::string const& text) {
     RC_ASSERT(std::is_sorted(
         result.diagnostics.begin(), result.diagnostics.end(),
         [&](Diagnostic const& a, Diagnostic const& b) { return place(a) < place(b); }));
-    RC_ASSERT(render_all(result.diagnostics, "f", text).empty() == result.diagnostics.empty());
+    RC_ASSERT(render_all(result.diagnostics, result.sources).empty() == result.diagnostics.empty());
 }
 
 RC_GTEST_PROP(RandomScripts, soups_of_pieces_are_read_or_refused_with_a_place, ()) {
