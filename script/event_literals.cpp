@@ -38,9 +38,37 @@ class Check {
         for (EventLiteral const& literal : m_translation.literals) {
             check(literal);
         }
+        for (Expression const& expression : m_translation.program.expressions) {
+            if (has_too_many_fields(expression) && !is_known_to_be_wrong(expression.place)) {
+                report(expression.place, "the event " + in_quotes(name_of(expression.place)) +
+                                             " has too many fields");
+            }
+        }
     }
 
   private:
+    /// Whatever the values of its variables are: each is one component of an event, or more.
+    bool has_too_many_fields(Expression const& expression) const {
+        if (expression.kind != ExpressionKind::operation ||
+            expression.operation != Values::Operation::dot || is_input(expression.place)) {
+            return false;
+        }
+        std::size_t components = 0;
+        auto const operands = std::span(m_translation.program.operands)
+                                  .subspan(expression.first_operand, expression.operand_count);
+        for (unsigned const operand : operands.subspan(1)) {
+            components += Values::component_count(m_translation.program.expressions[operand].value);
+        }
+        Value const beginning = m_translation.program.expressions[operands[0]].value;
+        return components > m_telling.channels.room_behind(beginning);
+    }
+
+    /// Then the whole event is told of.
+    bool is_input(unsigned node) const {
+        NodeKind const kind = m_telling.tree[node].kind;
+        return kind == NodeKind::input || kind == NodeKind::chosen_input;
+    }
+
     void check(EventLiteral const& literal) {
         Expression& expression = m_translation.program.expressions[literal.expression];
         Value const value = literal.has_unknown ? Value() : value_of(expression);

@@ -76,6 +76,8 @@ constexpr std::array words{
     Row{"events", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
     Row{"channels", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
     Row{"Channel", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
+    Row{"mod", "the remainder is written 'x % y'"},
+    Row{"div", "the quotient is written 'x / y'"},
     Row{"elseif", "write 'else if'"},
     Row{"elif", "write 'else if'"},
     Row{"length", "the length of a sequence is written '#s'"},
@@ -91,9 +93,9 @@ class Reading {
     std::optional<Hint> hint() const {
         using Try = std::optional<Hint> (Reading::*)() const;
         for (Try const attempt :
-             {&Reading::of_word, &Reading::of_definition, &Reading::of_let, &Reading::of_text,
-              &Reading::of_comment, &Reading::of_field, &Reading::of_bracket, &Reading::of_choice,
-              &Reading::of_renaming, &Reading::of_operator}) {
+             {&Reading::of_word, &Reading::of_definition, &Reading::of_comparison, &Reading::of_let,
+              &Reading::of_text, &Reading::of_comment, &Reading::of_field, &Reading::of_bracket,
+              &Reading::of_choice, &Reading::of_renaming, &Reading::of_operator}) {
             if (std::optional<Hint> found = (this->*attempt)()) {
                 return found;
             }
@@ -179,6 +181,23 @@ class Reading {
         }
         if (kind(0) == Token::EQUALS && m_context.follows_term) {
             return here(0, "two values are compared by '=='");
+        }
+        return std::nullopt;
+    }
+
+    /// `if x = 1`, `0 < x < 3`, `x <> 1`, `x /= 1`
+    std::optional<Hint> of_comparison() const {
+        constexpr std::array comparisons{Token::EQUAL_TO, Token::DIFFERS, Token::LESS,
+                                         Token::AT_MOST,  Token::GREATER, Token::AT_LEAST};
+        auto const is_in = [](auto const& kinds, TokenKind wanted) {
+            return std::find(kinds.begin(), kinds.end(), wanted) != kinds.end();
+        };
+        if ((kind(0) == Token::GREATER && kind(-1) == Token::LESS) ||
+            (kind(0) == Token::EQUALS && kind(-1) == Token::DIVIDE)) {
+            return here(-1, "that two values differ is written '!='");
+        }
+        if (m_context.follows_term && is_in(comparisons, kind(0))) {
+            return here(0, "comparisons do not chain: join two of them by 'and'");
         }
         return std::nullopt;
     }

@@ -83,7 +83,8 @@ class Declarer {
                                        .token = token,
                                        .clauses = {node},
                                        .parameter_count = parameters,
-                                       .is_lost = is_lost(node)});
+                                       .is_lost = is_lost(node),
+                                       .is_constant = is_added(token) && name != asked_name});
         m_last = number;
         if (!is_lost(node) && m_tree[m_tree[node].last_child].kind != NodeKind::construct) {
             m_names.hidden.insert(m_tokens.text_of(token));

@@ -46,6 +46,8 @@ struct NamedDefinition {
     /// What it says could not be read.
     bool is_lost = false;
     bool is_process = false;
+    /// Given beside the script, and a value whatever its name is.
+    bool is_constant = false;
     /// It stands in the place of what the script says.
     bool is_replacement = false;
     /// The line of a definition of the same name that counts instead; 0 if there is none.
@@ -76,6 +78,9 @@ struct NameTable {
         return is_truth_value(name) || (values.contains(name) && !hidden.contains(name));
     }
 };
+
+/// What a process that is asked for is defined as.
+constexpr char const* asked_name = "_process";
 
 /// Finds what every name stands for, which definitions are processes, and what local ones need from
 /// around them. Reports names that are defined twice and terms that nest too deeply. Names that

@@ -13,13 +13,6 @@
 
 namespace Calder::Script {
 
-namespace {
-
-/// What the process that is asked for is defined as, in a source of its own.
-constexpr char const* asked_name = "_process";
-
-} // namespace
-
 /// One reading of a script, from the text to the terms.
 class Reader {
   public:
@@ -63,8 +56,16 @@ class Reader {
     }
 
   private:
-    /// A definition that nobody asks for was meant for another name.
+    /// A definition that nobody asks for was meant for another name; and a process is asked for.
     void check_added(Script::Model const& model) {
+        auto const asked = model.names.by_name.find(asked_name);
+        if (!m_options.process.empty() && asked != model.names.by_name.end() &&
+            !model.names.definitions[asked->second].is_process) {
+            unsigned const definition = model.names.definitions[asked->second].clauses[0];
+            m_diagnostics.push_back({Calder::Script::location_of(model.tokens, model.tree,
+                                                                 model.tree[definition].last_child),
+                                     "this is a value, and a process is wanted here"});
+        }
         std::vector<bool> is_used(model.names.definitions.size());
         for (Binding const& binding : model.names.bindings) {
             if (binding.kind == Binding::Kind::definition) {
@@ -242,6 +243,21 @@ std::string_view Script::process_with_parameters() const {
         }
     }
     return {};
+}
+
+std::string Script::reason_against(std::string_view name) const {
+    auto const found = m_model->names.by_name.find(std::string(name));
+    if (found == m_model->names.by_name.end()) {
+        return "";
+    }
+    NamedDefinition const& definition = m_model->names.definitions[found->second];
+    std::string const quoted = in_quotes(name);
+    if (!definition.is_process) {
+        return quoted + " is a value, and a process is wanted";
+    }
+    return quoted + " has " + std::to_string(definition.parameter_count) + " parameter" +
+           (definition.parameter_count == 1 ? "" : "s") + ": write what for, as in " +
+           in_quotes(std::string(name) + "(…)");
 }
 
 Location Script::location_of(ProcessCompiler::NamedProcess const& reference) const {

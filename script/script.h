@@ -63,6 +63,9 @@ class Script {
     std::string_view process_with_parameters() const;
     /// Null when the script does not define the name.
     Definition const* find(std::string_view name) const;
+    /// Why a name that `find` does not find is no process to be asked for, a part of a sentence; empty
+    /// when the script does not define it at all.
+    std::string reason_against(std::string_view name) const;
     /// The process of ReadOptions; null when none was given.
     Definition const* asked() const { return m_asked.get(); }
     /// Where the name of a process or an instance is defined.

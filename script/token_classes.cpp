@@ -79,7 +79,11 @@ class Classification {
             name = m_partners[name] - 1;
         }
         TokenKind const before = name > 0 ? kind(name - 1) : T::END;
-        if (before == T::DOT || before == T::CHANNEL || before == T::DATATYPE) {
+        constexpr std::array none_defined_behind{T::DOT, T::CHANNEL, T::DATATYPE,
+                                                 T::IF,  T::AND,     T::OR,
+                                                 T::NOT, T::GUARD,   T::LEFT_PARENTHESIS};
+        if (std::find(none_defined_behind.begin(), none_defined_behind.end(), before) !=
+            none_defined_behind.end()) {
             return;
         }
         if (is_reserved(kind(name))) {

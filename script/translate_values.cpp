@@ -416,8 +416,12 @@ std::string Translator::suggestion_for_value(std::string_view name) {
     }
     Suggestion suggestion(name, m_suggestion_budget);
     for (Variable const& variable : m_names.variables) {
+        std::string_view const known = m_tokens.text_of(variable.token);
+        if (variable.owner == m_definition && known == name) {
+            return ": it is known only where it is bound, as an input behind its '->'";
+        }
         if (variable.owner == m_definition) {
-            suggestion.consider(m_tokens.text_of(variable.token));
+            suggestion.consider(known);
         }
     }
     for (unsigned number = 0; number < m_names.definitions.size(); ++number) {

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <chrono>
 #include <limits>
+#include <optional>
 #include <thread>
 #include <unistd.h>
 
@@ -34,7 +35,76 @@ unsigned thread_count(ExploreOptions const& options) {
     return options.threads.value_or(std::max(std::thread::hardware_concurrency(), 1U));
 }
 
-/// By the machine, if it is wanted and there is one; otherwise by terms.
+/// A component with more states than this may be one without end, of which the rest of the process
+/// allows only a few: then the terms may be explored before that is known of a million.
+constexpr StateSpace::StateNumber small_leaf = 20'000;
+
+/// One search of a process, by one engine or the other.
+class Search {
+  public:
+    Search(Script::Script const& script, Script::Script::Definition const& definition,
+           StateSpace::RunOptions bounds)
+        : m_script(script), m_definition(definition), m_bounds(std::move(bounds)) {}
+
+    /// By the machine, if there is one; otherwise by terms, and `note` says why.
+    StateSpace::MachineExploration by_machine(std::string& note) {
+        m_bounds.max_leaf_states = small_leaf;
+        std::optional<StateSpace::MachineExploration> tried = try_machine(note);
+        if (tried && tried->met_leaf_limit) {
+            if (auto small = try_few_terms()) {
+                return std::move(*small);
+            }
+            m_bounds.max_leaf_states = StateSpace::most_leaf_states;
+            tried = try_machine(note);
+        }
+        return tried && tried->run.refusal.empty() ? std::move(*tried) : by_terms();
+    }
+
+    StateSpace::MachineExploration by_terms() const { return by_terms(m_bounds); }
+
+  private:
+    /// Nothing, and noted, when a component by itself comes to an error of values: the process may
+    /// never let it come so far.
+    std::optional<StateSpace::MachineExploration> try_machine(std::string& note) const {
+        std::string reason;
+        try {
+            StateSpace::MachineExploration found =
+                StateSpace::explore_by_machine(m_definition.term, m_script.processes(), m_bounds);
+            if (!found.run.refusal.empty()) {
+                note = fmt::format("calder: {} is explored term by term: {}\n{}", m_definition.name,
+                                   found.run.refusal, recursion_notes(found.refused, m_script));
+            }
+            return found;
+        } catch (Script::ScriptError const& error) {
+            note = fmt::format("calder: {} is explored term by term: one of its components by "
+                               "itself comes to an error\n{}",
+                               m_definition.name, error.what());
+            return std::nullopt;
+        }
+    }
+
+    /// All that there is, or all that is wanted; nothing when there is more.
+    std::optional<StateSpace::MachineExploration> try_few_terms() const {
+        StateSpace::RunOptions few = m_bounds;
+        few.max_states = std::min(few.max_states, small_leaf);
+        StateSpace::MachineExploration found = by_terms(few);
+        bool const may_go_on = found.run.outcome == StateSpace::Outcome::state_limit &&
+                               few.max_states < m_bounds.max_states;
+        return may_go_on ? std::nullopt : std::optional(std::move(found));
+    }
+
+    StateSpace::MachineExploration by_terms(StateSpace::RunOptions const& bounds) const {
+        StateSpace::MachineExploration found;
+        found.run = StateSpace::run_of(
+            StateSpace::explore(m_definition.term, m_script.processes(), bounds));
+        return found;
+    }
+
+    Script::Script const& m_script;
+    Script::Script::Definition const& m_definition;
+    StateSpace::RunOptions m_bounds;
+};
+
 StateSpace::MachineExploration explore(Script::Script const& script,
                                        Script::Script::Definition const& definition,
                                        ExploreOptions const& options,
@@ -49,20 +119,15 @@ StateSpace::MachineExploration explore(Script::Script const& script,
     };
     bounds.threads = thread_count(options);
     bounds.keep_transitions = options.deadlock || !options.output.empty();
-    StateSpace::MachineExploration result;
-    if (options.engine == Engine::machine) {
-        result = StateSpace::explore_by_machine(definition.term, script.processes(), bounds);
-        if (result.run.refusal.empty()) {
-            return result;
-        }
-        if (!options.quiet) {
-            print_message(fmt::format("calder: {} is explored term by term: {}\n{}",
-                                      definition.name, result.run.refusal,
-                                      recursion_notes(result.refused, script)));
-        }
+    Search search(script, definition, std::move(bounds));
+    if (options.engine == Engine::terms) {
+        return search.by_terms();
     }
-    result.run =
-        StateSpace::run_of(StateSpace::explore(definition.term, script.processes(), bounds));
+    std::string note;
+    StateSpace::MachineExploration result = search.by_machine(note);
+    if (!note.empty() && !result.machine && !options.quiet) {
+        print_message(note);
+    }
     return result;
 }
 

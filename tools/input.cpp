@@ -169,6 +169,9 @@ Script::Script::Definition const& chosen_process(Script::Script const& script, I
     if (Script::Script::Definition const* const found = script.find(input.process)) {
         return *found;
     }
+    if (std::string const reason = script.reason_against(input.process); !reason.empty()) {
+        throw CommandError(fmt::format("calder: --process: {}", reason));
+    }
     throw CommandError(fmt::format("calder: {} does not define '{}'{}", input.name(), input.process,
                                    known_names(script, input.process)));
 }

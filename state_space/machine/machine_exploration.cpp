@@ -36,6 +36,7 @@ Run failed(Compilation const& compilation) {
 CompilationOptions bounds_of_compilation(RunOptions const& options) {
     CompilationOptions bounds;
     bounds.progress = options.progress;
+    bounds.max_leaf_states = options.max_leaf_states;
     if (std::uint64_t const held = resident_bytes(); options.max_memory > held) {
         bounds.max_memory = held + (options.max_memory - held) / 4;
     } else {
@@ -59,6 +60,7 @@ MachineExploration explore_by_machine(ProcessPointer const& start, NamedProcessS
     }
     Compilation compilation = compile(std::move(graph), source, bounds_of_compilation(options));
     if (!compilation.machine) {
+        result.met_leaf_limit = compilation.met_leaf_limit;
         result.run = failed(compilation);
         return result;
     }

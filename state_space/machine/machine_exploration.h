@@ -14,6 +14,8 @@ struct MachineExploration {
     std::unique_ptr<ConfigurationTables> tables;
     /// The recursion that no machine can follow, if that was the reason.
     std::vector<RefusedRecursion> refused;
+    /// The reason was a leaf with more states than `RunOptions::max_leaf_states`.
+    bool met_leaf_limit = false;
 };
 
 /// Compiles the term and runs the machine. Where that is refused, `run.refusal` says why, and
