@@ -10,9 +10,6 @@ namespace Calder::Script {
 
 namespace {
 
-/// A node may stand a few levels deeper than the term that it is part of.
-constexpr unsigned deepest_node = nesting_limit + 20;
-
 class Binder {
   public:
     Binder(TokenList const& tokens, SyntaxTree const& tree, NameTable& names,
