@@ -1,4 +1,5 @@
 #include "script/hints.h"
+#include "script/limits.h"
 #include "script/translator.h"
 
 #include <charconv>
@@ -37,6 +38,9 @@ Operation operation_of(TokenKind kind, bool has_two) {
 
 unsigned Translator::value(unsigned node) {
     using Values::ExpressionKind;
+    if (m_tree[node].depth > deepest_node) {
+        return broken(node); // which is reported
+    }
     switch (m_tree[node].kind) {
     case NodeKind::name: return value_of_name(node);
     case NodeKind::number: return value_of_number(node);
