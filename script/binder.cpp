@@ -10,9 +10,6 @@ namespace Calder::Script {
 
 namespace {
 
-/// A node may stand a few levels deeper than the term that it is part of.
-constexpr unsigned deepest_node = nesting_limit + 20;
-
 class Binder {
   public:
     Binder(TokenList const& tokens, SyntaxTree const& tree, NameTable& names,
@@ -82,8 +79,9 @@ class Binder {
                 continue;
             }
             std::size_t const mark = m_bound.size();
+            std::size_t const first = m_names.variables.size();
             for (unsigned const parameter : m_tree.children_of(m_tree[clause].first_child)) {
-                bind_pattern(parameter, mark);
+                bind_pattern(parameter, first);
             }
             if (m_tree[clause].child_count > 1) {
                 visit(m_tree[clause].last_child);
@@ -106,16 +104,15 @@ class Binder {
         }
     }
 
-    /// Patterns have no uses but for names of values, which need no binding. What is bound from
-    /// the mark on belongs to the same pattern.
-    void bind_pattern(unsigned node, std::size_t mark) {
+    /// Patterns have no uses but for names of values, which need no binding. Variables from the
+    /// first one on belong to the same pattern.
+    void bind_pattern(unsigned node, std::size_t first) {
         if (m_tree[node].kind == NodeKind::name) {
             std::string_view const name = text_of(node);
             if (name == "_" || m_names.is_constant(name)) {
                 return;
             }
-            auto const of_pattern = m_bound.begin() + static_cast<std::ptrdiff_t>(mark);
-            if (std::find(of_pattern, m_bound.end(), name) != m_bound.end()) {
+            if (bound_from(Binding::Kind::variable, first, name) != none) {
                 report(m_tree[node].token, in_quotes(name) + " stands twice in one pattern");
                 return;
             }
@@ -128,9 +125,18 @@ class Binder {
         bool const has_head = m_tree[node].kind == NodeKind::dotted;
         for (unsigned const child : m_tree.children_of(node)) {
             if (!has_head || child != m_tree[node].first_child) {
-                bind_pattern(child, mark);
+                bind_pattern(child, first);
             }
         }
+    }
+
+    /// What the name stands for where that is of the kind and no older than the first; or none.
+    unsigned bound_from(Binding::Kind kind, std::size_t first, std::string_view name) const {
+        auto const found = m_scope.find(name);
+        bool const is_bound = found != m_scope.end() && !found->second.empty() &&
+                              found->second.back().kind == kind &&
+                              found->second.back().number >= first;
+        return is_bound ? found->second.back().number : none;
     }
 
     void visit(unsigned node) {
@@ -159,7 +165,7 @@ class Binder {
         for (unsigned child = m_tree[results].next; child != none; child = m_tree[child].next) {
             if (m_tree[child].kind == NodeKind::generator) {
                 visit(m_tree[child].last_child);
-                bind_pattern(m_tree[child].first_child, m_bound.size());
+                bind_pattern(m_tree[child].first_child, m_names.variables.size());
             } else {
                 visit(child);
             }
@@ -182,7 +188,7 @@ class Binder {
             if (m_tree[item].child_count > 1) {
                 visit(m_tree[item].last_child);
             }
-            bind_pattern(m_tree[item].first_child, mark);
+            bind_pattern(m_tree[item].first_child, first);
         }
         for (std::size_t i = first; i < m_names.variables.size(); ++i) {
             m_names.variables[i].is_used = false; // in the items it may have been
@@ -215,13 +221,10 @@ class Binder {
         unsigned const token = m_tree[node].token;
         std::string_view const own = m_tokens.text_of(token);
         unsigned const parameters = m_tree[m_tree[node].first_child].child_count;
-        bool const is_first = m_names.definitions.size() == first_of_let;
-        for (unsigned before = first_of_let; before < m_names.definitions.size(); ++before) {
+        if (unsigned const before = bound_from(Binding::Kind::definition, first_of_let, own);
+            before != none) {
             NamedDefinition& other = m_names.definitions[before];
-            if (m_tokens.text_of(other.token) != own) {
-                continue;
-            }
-            if (!is_first && before + 1 == m_names.definitions.size() && parameters > 0 &&
+            if (before + 1 == m_names.definitions.size() && parameters > 0 &&
                 parameters == other.parameter_count) {
                 other.clauses.push_back(node);
                 return;

@@ -20,7 +20,10 @@ class Reader {
         Sources& sources = m_script->m_sources;
         sources.push_back(std::move(script));
         for (auto const& [name, text] : options.definitions) {
-            sources.push_back({"--define", name + " = " + text});
+            std::string definition = name;
+            definition += " = ";
+            definition += text;
+            sources.push_back({"--define", std::move(definition)});
         }
         if (!options.process.empty()) {
             sources.push_back({"--process", std::string(asked_name) + " =\n" + options.process, 0});

@@ -278,9 +278,9 @@ NamedProcessPointer TermHost::reference(unsigned definition, std::span<Value con
         return m_references[call];
     }
     m_references.resize(m_calls.size());
-    NamedProcessPointer const made = arguments.empty()
-                                         ? m_source.reference(m_names.definitions[definition].name)
-                                         : m_source.add_reference();
+    NamedProcessPointer made = arguments.empty()
+                                   ? m_source.reference(m_names.definitions[definition].name)
+                                   : m_source.add_reference();
     if (m_graph.is_sequential[definition]) {
         m_source.declare_sequential(*made);
     }

@@ -1,3 +1,4 @@
+#include "script/limits.h"
 #include "script/translator.h"
 
 #include <string>
@@ -9,6 +10,9 @@ using Values::PatternKind;
 using Values::Value;
 
 unsigned Translator::pattern(unsigned node) {
+    if (m_tree[node].depth > deepest_node) {
+        return add_pattern({.kind = PatternKind::anything}, {}); // which is reported
+    }
     Operands parts;
     switch (m_tree[node].kind) {
     case NodeKind::name: return pattern_of_name(node);

@@ -151,7 +151,7 @@ bool Translator::is_set_operand(unsigned node, unsigned place) const {
     case Construct::paired_parallel: return place % 2 == 0;
     case Construct::alphabetised_parallel: return place == 1 || place == 2;
     case Construct::hiding:
-    case Construct::projection: return place == 1;
+    case Construct::projection:
     case Construct::synchronising_interrupt:
     case Construct::exception: return place == 1;
     case Construct::synchronising_external_choice:

@@ -54,6 +54,8 @@ class Translator {
     void append_element(unsigned node, Operands& operands);
     unsigned closure(unsigned node);
     unsigned comprehension(unsigned node, Results wanted);
+
+    // translate_events.cpp: where an event or a set of events may stand
     /// A set of events.
     unsigned event_set(unsigned node);
     bool may_be_event(unsigned node, Use use) const;

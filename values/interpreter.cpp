@@ -65,9 +65,10 @@ template <typename Start> Value Interpreter::run(Start const& start) {
     } const forgetting{*this};
     try {
         start();
-        for (unsigned steps = 1; !m_tasks.empty(); ++steps) {
+        while (!m_tasks.empty()) {
             step();
-            if (steps % steps_between_looks == 0) {
+            if (++m_steps == steps_between_looks) {
+                m_steps = 0;
                 m_host.look();
             }
         }

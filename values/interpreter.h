@@ -87,6 +87,7 @@ class Interpreter {
     std::vector<Value> m_values;
     std::vector<Frame> m_frames;
     unsigned m_slots = 0;                         // where those of the innermost call begin
+    unsigned m_steps = 0;                         // since the last look, in however many short runs
     Expression m_outermost{ExpressionKind::call}; // what `call` was asked
 
     CallTable m_calls;
