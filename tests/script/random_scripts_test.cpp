@@ -110,7 +110,7 @@ RC_GTEST_PROP(RandomScripts, examples_with_slips_are_read_or_refused_with_a_plac
     static std::vector<std::vector<std::string>> const all = examples();
     auto tokens = *rc::gen::elementOf(all);
     for (int const slip : *rc::gen::container<std::vector<int>>(3, rc::gen::inRange(0, 3))) {
-        auto const at = tokens.begin() + *rc::gen::inRange<std::ptrdiff_t>(0, tokens.size() - 1);
+        auto const at = tokens.begin() + *rc::gen::inRange<std::ptrdiff_t>(0, std::ssize(tokens) - 1);
         switch (slip) {
         case 0: tokens.erase(at); break;
         case 1: tokens.insert(at, *at); break;
