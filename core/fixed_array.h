@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/small_blocks.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -62,7 +64,7 @@ template <typename T> class FixedArray {
     FixedArray& operator=(FixedArray const&) = delete;
     FixedArray& operator=(FixedArray&&) = delete;
 
-    ~FixedArray() { deallocate(); }
+    ~FixedArray() { deallocate(m_elements, m_length); }
 
     [[nodiscard]] std::size_t size() const noexcept { return m_length; }
     [[nodiscard]] bool empty() const noexcept { return m_length == 0; }
@@ -80,10 +82,12 @@ template <typename T> class FixedArray {
         if (length > SIZE_MAX / sizeof(T)) {
             throw std::bad_alloc();
         }
-        return length == 0 ? nullptr : static_cast<T*>(::operator new(length * sizeof(T)));
+        return length == 0 ? nullptr : static_cast<T*>(SmallBlocks::allocate(length * sizeof(T)));
     }
 
-    void deallocate() noexcept { ::operator delete(m_elements); }
+    static void deallocate(T* elements, std::size_t length) noexcept {
+        SmallBlocks::free(elements, length * sizeof(T));
+    }
 
     template <typename Source> void build(std::size_t length, Source const& element) {
         try {
@@ -92,7 +96,7 @@ template <typename T> class FixedArray {
             }
         } catch (...) {
             std::destroy_n(m_elements, m_length);
-            deallocate();
+            deallocate(m_elements, length);
             throw;
         }
     }

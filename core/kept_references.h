@@ -1,17 +1,10 @@
 #pragma once
 
+#include "core/address_sanitizer.h"
 #include "core/export.h"
 #include "core/fixed_array.h"
 
 #include <boost/intrusive_ptr.hpp>
-
-#if defined(__SANITIZE_ADDRESS__)
-#define CALDER_LEAKS_ARE_CHECKED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define CALDER_LEAKS_ARE_CHECKED 1
-#endif
-#endif
 
 namespace Calder {
 
@@ -31,7 +24,7 @@ template <typename T> class KeptReferences : public FixedArray<boost::intrusive_
     explicit KeptReferences(FixedArray<boost::intrusive_ptr<T>> const& other)
         : FixedArray<boost::intrusive_ptr<T>>(other) {}
 
-#ifdef CALDER_LEAKS_ARE_CHECKED
+#ifdef CALDER_WATCHES_ADDRESSES
     ~KeptReferences() {
         for (boost::intrusive_ptr<T> const& element : *this) {
             if (element) {

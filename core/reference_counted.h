@@ -1,9 +1,14 @@
 #pragma once
 
 #include "core/export.h"
+#include "core/small_blocks.h"
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
+#if __has_include(<sys/single_threaded.h>)
+#include <sys/single_threaded.h>
+#endif
 
 namespace Calder {
 
@@ -17,13 +22,28 @@ class CALDER_CORE_EXPORT AtomicReferenceCounted {
   public:
     virtual ~AtomicReferenceCounted();
 
-    void retain() const noexcept { m_count.fetch_add(1, std::memory_order_relaxed); }
+    static void* operator new(std::size_t bytes) { return SmallBlocks::allocate(bytes); }
+    static void operator delete(void* object, std::size_t bytes) noexcept {
+        SmallBlocks::free(object, bytes);
+    }
+
+    void retain() const noexcept {
+        if (is_alone()) {
+            m_count.store(m_count.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+        } else {
+            m_count.fetch_add(1, std::memory_order_relaxed);
+        }
+    }
 
     void release() const noexcept {
-        // Alone with the object there is nobody to race with, and a load is cheaper than a
+        // Alone with the object there is nobody to race with, either, and a load is cheaper than a
         // read-modify-write.
-        if (m_count.load(std::memory_order_acquire) == 1 ||
-            m_count.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        std::uintptr_t const count = m_count.load(std::memory_order_acquire);
+        if (count == 1) {
+            dispose();
+        } else if (is_alone()) {
+            m_count.store(count - 1, std::memory_order_relaxed);
+        } else if (m_count.fetch_sub(1, std::memory_order_acq_rel) == 1) {
             dispose();
         }
     }
@@ -40,6 +60,14 @@ class CALDER_CORE_EXPORT AtomicReferenceCounted {
     AtomicReferenceCounted& operator=(AtomicReferenceCounted const&) = delete;
 
   private:
+    /// Whether there is no other thread: then what is not atomic is as good, and far cheaper.
+    static bool is_alone() noexcept {
+#if __has_include(<sys/single_threaded.h>)
+        return __libc_single_threaded != 0;
+#else
+        return false;
+#endif
+    }
     void dispose() const noexcept;
 
     // The count while the object lives. Once it has reached zero nobody counts any more, and the

@@ -31,7 +31,9 @@ NamedProcessPointer const& NamedProcessSource::reference(std::string const& name
 NamedProcessPointer const& NamedProcessSource::add_reference() {
     auto const number = static_cast<unsigned>(m_references.size());
     NamedProcessPointer made(new NamedProcess(*this, number));
-    m_processes.resize(std::size_t{number} + 1);
+    if (m_processes.size() == number) { // and not where memory ran out behind it before
+        m_processes.emplace_back();
+    }
     return m_references.emplace_back(std::move(made));
 }
 
@@ -44,10 +46,14 @@ void NamedProcessSource::define(NamedProcess const& reference, ProcessPointer pr
 }
 
 void NamedProcessSource::declare_sequential(NamedProcess const& reference) {
-    if (reference.number() >= m_sequentials.size()) {
-        m_sequentials.resize(std::size_t{reference.number()} + 1);
+    if (reference.number() > m_sequentials.size()) {
+        m_sequentials.resize(reference.number());
     }
-    m_sequentials[reference.number()] = true;
+    if (reference.number() == m_sequentials.size()) {
+        m_sequentials.push_back(true);
+    } else {
+        m_sequentials[reference.number()] = true;
+    }
 }
 
 bool NamedProcessSource::is_sequential(NamedProcess const& reference) const {

@@ -1,5 +1,7 @@
 #include "tests/state_space/counted_allocation.h"
 
+#include "core/small_blocks.h"
+
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -79,7 +81,7 @@ bool Calder::StateSpace::Testing::allocations_can_fail() {
 #ifdef CALDER_OPERATORS_ARE_TAKEN
     return false;
 #else
-    return true;
+    return SmallBlocks::are_of_their_own();
 #endif
 }
 

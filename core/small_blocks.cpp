@@ -1,0 +1,162 @@
+#include "core/small_blocks.h"
+
+#include "core/address_sanitizer.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <new>
+#include <pthread.h>
+#include <sys/mman.h>
+#include <utility>
+
+namespace Calder {
+
+namespace {
+
+constexpr std::size_t grain = 16;
+constexpr std::size_t size_count =
+    SmallBlocks::most_small_bytes / grain + 1; // that of 0 is not used
+
+/// A block that nobody has.
+struct Block {
+    Block* next;
+};
+
+using Lists = std::array<Block*, size_count>; // by size
+
+/// What threads that ended have left, and how much there is in all.
+struct Shared {
+    std::mutex mutex;
+    Lists left{};
+    std::size_t bytes = 0;
+};
+
+/// Never destroyed: other static objects may still free blocks when it would be.
+Shared& shared() {
+    static auto& made = *new Shared;
+    return made;
+}
+
+/// What one thread has at hand. Nothing has to run for it where a thread begins.
+struct AtHand {
+    Lists lists;
+    char* next; // of the piece from which blocks are cut
+    char* end;
+};
+
+#if defined(__GNUC__)
+[[gnu::tls_model("initial-exec")]]
+#endif
+thread_local constinit AtHand at_hand{};
+
+/// Leaves to others what the thread has, but for the rest of its piece.
+void leave(void*) noexcept {
+    std::scoped_lock const lock(shared().mutex);
+    for (std::size_t size = 1; size < size_count; ++size) {
+        Block* const left = std::exchange(shared().left[size], at_hand.lists[size]);
+        at_hand.lists[size] = nullptr;
+        Block** end = &shared().left[size];
+        while (left != nullptr && *end != nullptr) {
+            end = &(*end)->next;
+        }
+        if (left != nullptr) {
+            *end = left;
+        }
+    }
+}
+
+/// Has `leave` called when the thread ends. A thread-local object with a destructor would do so,
+/// too, but the C library ends the program where it lacks the memory to note it.
+void leave_at_end() noexcept {
+    static pthread_key_t key;
+    static bool const is_made = pthread_key_create(&key, leave) == 0;
+    if (is_made) {
+        pthread_setspecific(key, &at_hand); // otherwise the thread's blocks are lost
+    }
+}
+
+constexpr std::size_t page_bytes = 4096;
+constexpr std::size_t first_piece = 8 * page_bytes;
+constexpr std::size_t last_piece = 256 * page_bytes;
+
+/// A quarter of what there is, so small programs stay small. All of it will be used, and asking for
+/// its pages at once takes a fraction of what it takes to come upon them one by one.
+char* new_piece(Shared& all, std::size_t& bytes) {
+    bytes = std::clamp(all.bytes / 4 / first_piece * first_piece, first_piece, last_piece);
+    auto* const piece = static_cast<char*>(::operator new (bytes, std::align_val_t{page_bytes}));
+#ifdef MADV_POPULATE_WRITE
+    madvise(piece, bytes, MADV_POPULATE_WRITE); // a wish, which older systems do not know
+#endif
+    all.bytes += bytes;
+    return piece;
+}
+
+/// Out of line, as it is seldom: takes what others left, or a new piece.
+[[gnu::noinline]] void* allocate_anew(std::size_t size) {
+    if (SmallBlocks::are_of_their_own()) {
+        return ::operator new(size* grain);
+    }
+    leave_at_end();
+    Shared& all = shared();
+    std::scoped_lock const lock(all.mutex);
+    if (Block* const block = all.left[size]) {
+        at_hand.lists[size] = block->next;
+        all.left[size] = nullptr;
+        return block;
+    }
+    std::size_t bytes = 0;
+    char* const piece = new_piece(all, bytes);
+    at_hand.next = piece + size * grain;
+    at_hand.end = piece + bytes;
+    return piece;
+}
+
+} // namespace
+
+void* SmallBlocks::allocate(std::size_t bytes) {
+    if (bytes > most_small_bytes) {
+        return ::operator new(bytes);
+    }
+    std::size_t const size = (bytes + grain - 1) / grain;
+    AtHand& mine = at_hand;
+    if (Block* const block = mine.lists[size]) {
+        mine.lists[size] = block->next;
+        return block;
+    }
+    if (static_cast<std::size_t>(mine.end - mine.next) >= size * grain) {
+        void* const block = mine.next;
+        mine.next += size * grain;
+        return block;
+    }
+    return allocate_anew(size);
+}
+
+void SmallBlocks::free(void* block, std::size_t bytes) noexcept {
+    if (bytes > most_small_bytes || are_of_their_own()) {
+        ::operator delete(block);
+        return;
+    }
+    if (block == nullptr) {
+        return;
+    }
+    AtHand& mine = at_hand;
+    std::size_t const size = (bytes + grain - 1) / grain;
+    mine.lists[size] = ::new (block) Block{mine.lists[size]};
+}
+
+bool SmallBlocks::are_of_their_own() noexcept {
+#ifdef CALDER_WATCHES_ADDRESSES
+    return true;
+#else
+    static bool const wished = [] {
+        char const* const wish = std::getenv("CALDER_SMALL_BLOCKS");
+        return wish != nullptr && std::strcmp(wish, "malloc") == 0;
+    }();
+    return wished;
+#endif
+}
+
+} // namespace Calder
