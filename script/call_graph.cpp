@@ -31,6 +31,7 @@ class Connection {
         for (unsigned number = 0; number < m_count; ++number) {
             m_translation.program.definitions[number].mode = mode_of(number);
         }
+        find_guarded();
         return std::move(m_graph);
     }
 
@@ -80,6 +81,56 @@ class Connection {
         // A local value without parameters of its own is like one of the script.
         bool const once = definition.is_process || definition.parameter_count == 0;
         return once ? CallMode::remember : CallMode::evaluate;
+    }
+
+    /// What is called is known before, but on a cycle, where a call is a reference.
+    void find_guarded() {
+        m_graph.is_guarded.resize(m_count);
+        std::vector<bool> is_guarded(m_translation.program.expressions.size());
+        for (unsigned const definition : m_graph.order) {
+            unsigned const end = m_translation.first_expressions[definition + 1];
+            for (unsigned each = m_translation.first_expressions[definition]; each < end; ++each) {
+                is_guarded[each] =
+                    runs_nothing_else(m_translation.program.expressions[each], is_guarded);
+            }
+            auto const& clauses = m_translation.program.definitions[definition].clauses;
+            m_graph.is_guarded[definition] =
+                std::all_of(clauses.begin(), clauses.end(),
+                            [&](Values::Clause const& clause) { return is_guarded[clause.body]; });
+        }
+    }
+
+    /// Whether the expression is guarded if its operands, which stand before it, are so.
+    bool runs_nothing_else(Expression const& expression,
+                           std::vector<bool> const& is_guarded) const {
+        Values::Program const& program = m_translation.program;
+        auto const are_guarded = [&](std::span<unsigned const> expressions) {
+            return std::all_of(expressions.begin(), expressions.end(),
+                               [&](unsigned each) { return is_guarded[each]; });
+        };
+        switch (expression.kind) {
+        case ExpressionKind::call:
+            return expression.number >= m_count ||
+                   !m_names.definitions[expression.number].is_process ||
+                   (!m_graph.is_reference[expression.number] &&
+                    m_graph.is_guarded[expression.number]);
+        case ExpressionKind::construct:
+            if (expression.number == static_cast<unsigned>(Construct::prefix)) {
+                return true;
+            }
+            break;
+        case ExpressionKind::comprehension:
+            return are_guarded(program.comprehensions[expression.number].results);
+        case ExpressionKind::constant:
+        case ExpressionKind::variable:
+        case ExpressionKind::operation:
+        case ExpressionKind::conditional:
+        case ExpressionKind::conjunction:
+        case ExpressionKind::disjunction:
+        case ExpressionKind::broken: break;
+        }
+        return are_guarded(std::span(program.operands)
+                               .subspan(expression.first_operand, expression.operand_count));
     }
 
     NameTable const& m_names;

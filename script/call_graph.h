@@ -12,6 +12,9 @@ struct CallGraph {
     std::vector<bool> is_reference;
     /// By definition: nothing that it can become prefers to be a construct of a machine.
     std::vector<bool> is_sequential;
+    /// By definition: every reference in it stands behind an event, so it runs none from its start. What
+    /// is not said to be so may be so, too.
+    std::vector<bool> is_guarded;
     /// All definitions, each behind those that it calls, but for those on its own cycle.
     std::vector<unsigned> order;
 };

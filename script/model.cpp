@@ -23,6 +23,9 @@ bool Script::Model::has_instances() const {
 }
 
 ProcessPointer Script::Model::make(unsigned number) {
+    if (graph.is_guarded[host.calls().definition(host.instance(number).call)]) {
+        return m_alone.make(number); // whatever it runs from its start, it is there
+    }
     try {
         return m_guarded.make(number);
     } catch (ProcessCompiler::UnguardedRecursion const& error) {

@@ -8,6 +8,7 @@
 #include "script/scanner.h"
 #include "script/suggestion.h"
 #include "script/syntax_builder.h"
+#include "values/direct_expressions.h"
 
 #include <utility>
 
@@ -99,7 +100,7 @@ class Reader {
                model.names.definitions[number].parent == none;
     }
 
-    ProcessCompiler::NamedProcessPointer reference(Script::Model& model, unsigned number) {
+    ProcessCompiler::NamedProcess const& reference(Script::Model& model, unsigned number) {
         return model.host.reference(number, {}, model.names.definitions[number].clauses[0]);
     }
 
@@ -150,12 +151,13 @@ class Reader {
             }
         }
         fold_constants(model.translation, values, model.evaluator);
+        Values::mark_direct_expressions(model.translation.program);
     }
 
     void define_process(Script::Model& model, unsigned number) {
         m_bodies[number] = model.body_of(number);
         if (model.graph.is_reference[number]) {
-            m_script->m_processes.define(*reference(model, number), m_bodies[number]);
+            m_script->m_processes.define(reference(model, number), m_bodies[number]);
         }
     }
 
@@ -187,7 +189,8 @@ class Reader {
             Script::Definition definition{named.name, model.tokens.location(named.token),
                                           m_bodies[number], m_bodies[number]};
             if (model.graph.is_reference[number]) {
-                definition.term = reference(model, number);
+                definition.term =
+                    m_script->m_processes.references()[reference(model, number).number()];
             }
             if (named.name == asked_name && !m_options.process.empty()) {
                 fill_asked(std::move(definition));

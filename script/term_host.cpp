@@ -10,6 +10,7 @@
 
 namespace Calder::Script {
 
+using ProcessCompiler::NamedProcess;
 using ProcessCompiler::NamedProcessPointer;
 using ProcessCompiler::ProcessPointer;
 using Values::Expression;
@@ -29,11 +30,11 @@ TermHost::~TermHost() = default;
 
 Value TermHost::construct(Expression const& expression, std::span<Value const> operands) {
     if (expression.number == keep_construct) {
-        if ((operands[0].as_foreign() & 1U) != 0) {
+        if (storage_of(operands[0]) != Storage::built) {
             return operands[0];
         }
-        m_kept.push_back(built(operands[0]));
-        return Value::foreign(static_cast<unsigned>((m_kept.size() - 1) * 2 + 1));
+        m_kept.push_back(m_built[number_of(operands[0])]);
+        return stored(Storage::kept, m_kept.size() - 1);
     }
     auto const construct = static_cast<Construct>(expression.number);
     if (construct == Construct::prefix) {
@@ -140,15 +141,14 @@ std::vector<Value> TermHost::components_of(unsigned event) const {
 }
 
 Value TermHost::built_prefix(std::span<Value const> operands) {
-    unsigned const depth = built(operands[1]).depth + 1;
-    ProcessPointer const process = take_term(operands[1]);
-    if (operands[0].is(Value::Kind::set)) {
-        OwningArray<ProcessPointer> processes{process};
+    unsigned const depth = depth_of(operands[1]) + 1;
+    if (operands[0].is(Value::Kind::set)) [[unlikely]] {
+        OwningArray<ProcessPointer> processes{take_term(operands[1])};
         return add(entry_of(Construct::prefix)
                        .build(Parts{std::move(processes), {events_in(operands[0])}, {}}),
                    depth);
     }
-    return add(make_prefix(visible_event(operands[0]), process), depth);
+    return add(make_prefix(visible_event(operands[0]), term(operands[1])), depth);
 }
 
 /// Of any number of processes: one alone stands for itself, and of two-sided constructs more than
@@ -240,10 +240,10 @@ BitSet const& TermHost::events_in(Value set) const {
 }
 
 unsigned TermHost::visible_event(Value event) const {
-    if (event.is(Value::Kind::channel)) {
-        throw ValueError(incomplete(event));
-    }
-    if (!event.is(Value::Kind::event)) {
+    if (!event.is(Value::Kind::event)) [[unlikely]] {
+        if (event.is(Value::Kind::channel)) {
+            throw ValueError(incomplete(event));
+        }
         throw ValueError("an event is wanted here, and " +
                          Values::short_text_of(m_channels, event) + " is " +
                          std::string(Values::name_of(event.kind())));
@@ -263,7 +263,7 @@ std::string TermHost::incomplete(Value channel) const {
 }
 
 Value TermHost::refer(unsigned definition, std::span<Value const> arguments, Values::Place place) {
-    return add(reference(definition, arguments, place), 1);
+    return stored(Storage::reference, instance_of(definition, arguments, place));
 }
 
 /// Whoever watches what is done with terms ends evaluating, too.
@@ -271,11 +271,18 @@ void TermHost::look() {
     ProcessCompiler::watch_recursion();
 }
 
-NamedProcessPointer TermHost::reference(unsigned definition, std::span<Value const> arguments,
+NamedProcess const& TermHost::reference(unsigned definition, std::span<Value const> arguments,
                                         Values::Place place) {
+    return static_cast<NamedProcess const&>(
+        *m_references[instance_of(definition, arguments, place)]);
+}
+
+/// The number of the call, which has a reference now.
+unsigned TermHost::instance_of(unsigned definition, std::span<Value const> arguments,
+                               Values::Place place) {
     unsigned const call = m_calls.insert(definition, arguments).number;
     if (call < m_references.size() && m_references[call] != nullptr) {
-        return m_references[call];
+        return call;
     }
     m_references.resize(m_calls.size());
     NamedProcessPointer made = arguments.empty()
@@ -286,37 +293,60 @@ NamedProcessPointer TermHost::reference(unsigned definition, std::span<Value con
     }
     m_instances.resize(std::size_t{made->number()} + 1);
     m_instances.back() = {call, m_parent, place};
-    m_references[call] = made.get();
-    return made;
+    m_references[call] = std::move(made);
+    return call;
+}
+
+Value TermHost::stored(Storage storage, std::size_t number) {
+    return Value::foreign(static_cast<unsigned>(number * 4) + static_cast<unsigned>(storage));
+}
+
+TermHost::Storage TermHost::storage_of(Value value) {
+    return static_cast<Storage>(value.as_foreign() % 4);
+}
+
+std::size_t TermHost::number_of(Value value) {
+    return value.as_foreign() / 4;
 }
 
 ProcessPointer const& TermHost::term(Value value) const {
-    return built(value).term;
+    std::size_t const number = number_of(value);
+    switch (storage_of(value)) {
+    case Storage::built: return m_built[number].term;
+    case Storage::kept: return m_kept[number].term;
+    case Storage::reference: break;
+    }
+    return m_references[number];
 }
 
-TermHost::Built const& TermHost::built(Value value) const {
-    unsigned const number = value.as_foreign();
-    return (number & 1U) != 0 ? m_kept[number / 2] : m_terms[number / 2];
+unsigned TermHost::depth_of(Value value) const {
+    std::size_t const number = number_of(value);
+    switch (storage_of(value)) {
+    case Storage::built: return m_built[number].depth;
+    case Storage::kept: return m_kept[number].depth;
+    case Storage::reference: break;
+    }
+    return 1;
 }
 
 Value TermHost::add(ProcessPointer term, unsigned depth) {
     if (depth > nesting_limit) {
         throw NestedTerm();
     }
-    m_terms.push_back({std::move(term), depth});
-    return Value::foreign(static_cast<unsigned>((m_terms.size() - 1) * 2));
+    m_built.push_back({std::move(term), depth});
+    return stored(Storage::built, m_built.size() - 1);
 }
 
 /// Every term is part of one other, or kept.
 ProcessPointer TermHost::take_term(Value value) {
-    unsigned const number = value.as_foreign();
-    return (number & 1U) != 0 ? m_kept[number / 2].term : std::move(m_terms[number / 2].term);
+    return storage_of(value) == Storage::built ? std::move(m_built[number_of(value)].term)
+                                               : term(value);
 }
 
 unsigned TermHost::depth_of_processes() const {
     unsigned deepest = 0;
     for (Value const process : m_processes) {
-        deepest = std::max(deepest, built(process).depth);
+        deepest = std::max(deepest, depth_of(process));
     }
     return deepest;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/large_pages.h"
 #include "process_compiler/named_process_source.h"
 #include "script/call_graph.h"
 #include "values/call_table.h"
@@ -17,7 +18,7 @@ class NestedTerm : public Values::ValueError {
     NestedTerm();
 };
 
-/// Builds terms for the evaluator: foreign values are the numbers of terms. A call of a process on
+/// Builds terms for the evaluator: foreign values are numbers of terms. A call of a process on
 /// a recursive cycle becomes the reference of its instance, which is found by one hash of the
 /// definition and its values, and is made when somebody asks for it.
 class TermHost final : public Values::Host {
@@ -33,10 +34,10 @@ class TermHost final : public Values::Host {
 
     void look() override;
 
-    /// The term of a foreign value. Those that are not kept are forgotten by `forget`, to be called
+    /// The term of a foreign value, until one is added. Those that are not kept are forgotten by `forget`, to be called
     /// when nothing is being evaluated.
     ProcessCompiler::ProcessPointer const& term(Values::Value value) const;
-    void forget() { m_terms.clear(); }
+    void forget() { m_built.clear(); }
 
     /// The instance that a reference stands for, and where it first came up: its number in `calls`,
     /// and the place in the body of `parent`, another instance or none.
@@ -51,7 +52,7 @@ class TermHost final : public Values::Host {
     /// Whose body is built: the number of a reference, or none.
     void set_parent(unsigned reference) { m_parent = reference; }
     /// Of an instance, made now if it is new.
-    ProcessCompiler::NamedProcessPointer
+    ProcessCompiler::NamedProcess const&
     reference(unsigned definition, std::span<Values::Value const> arguments, Values::Place place);
 
   private:
@@ -59,7 +60,11 @@ class TermHost final : public Values::Host {
         ProcessCompiler::ProcessPointer term;
         unsigned depth;
     };
+    /// What the number of a foreign value is, in its low bits.
+    enum class Storage : unsigned { built, kept, reference };
 
+    unsigned instance_of(unsigned definition, std::span<Values::Value const> arguments,
+                         Values::Place place);
     void take(Values::Expression const& expression, std::span<Values::Value const> operands);
     void take_pair(Values::Value left, Values::Value right, bool is_link);
     void take_completions(Values::Value left, Values::Value right);
@@ -73,7 +78,10 @@ class TermHost final : public Values::Host {
     unsigned visible_event(Values::Value event) const;
     std::string incomplete(Values::Value channel) const;
     Values::Value add(ProcessCompiler::ProcessPointer term, unsigned depth);
-    Built const& built(Values::Value value) const;
+    static Values::Value stored(Storage storage, std::size_t number);
+    static Storage storage_of(Values::Value value);
+    static std::size_t number_of(Values::Value value);
+    unsigned depth_of(Values::Value value) const;
     ProcessCompiler::ProcessPointer take_term(Values::Value value);
     unsigned depth_of_processes() const;
 
@@ -83,11 +91,11 @@ class TermHost final : public Values::Host {
     Values::ChannelTable const& m_channels;
     ProcessCompiler::NamedProcessSource& m_source;
 
-    std::vector<Built> m_terms; // of what is being evaluated
+    std::vector<Built> m_built; // of what is being evaluated
     std::vector<Built> m_kept;
     Values::CallTable m_calls;
-    std::vector<ProcessCompiler::NamedProcess*> m_references; // by call; null until there is one
-    std::vector<Instance> m_instances;                        // by reference
+    LargeVector<ProcessCompiler::ProcessPointer> m_references; // by call; null until there is one
+    LargeVector<Instance> m_instances;                         // by reference
     unsigned m_parent = none;
 
     // The operands of the construct that is built, by what they are.

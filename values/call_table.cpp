@@ -13,17 +13,29 @@ namespace {
 constexpr unsigned free_slot = UINT_MAX;
 constexpr std::size_t first_table_size = 64;
 
+/// So many slots share a line of the cache.
+constexpr std::uint64_t group_size = 8;
+
+/// Calls that differ only in the last bits of an integer that stands last belong to the slots of one
+/// line: a process counts up or down, or walks on a grid, and comes back to its neighbours.
 std::uint64_t hash_of(unsigned definition, std::span<Value const> arguments) {
     std::uint64_t hash = definition;
-    for (Value const argument : arguments) {
-        hash = hash_combine(hash, argument.word());
+    std::uint64_t place = 0;
+    for (std::size_t index = 0; index < arguments.size(); ++index) {
+        std::uint64_t word = arguments[index].word();
+        if (index + 1 == arguments.size() && arguments[index].is_small_integer()) {
+            std::int64_t const integer = arguments[index].as_integer();
+            place = static_cast<std::uint64_t>(integer) % group_size;
+            word = Value::small_integer(integer - static_cast<std::int64_t>(place)).word();
+        }
+        hash = hash_combine(hash, word);
     }
-    hash = hash_combine(hash, arguments.size());
-    return hash ^ hash >> 32; // the code is even
+    return (hash ^ hash >> 32) * group_size + place; // the code is even
 }
 
-unsigned upper_half(std::uint64_t hash) {
-    return static_cast<unsigned>(hash >> 32);
+/// Others that stand near it, neighbours in a group too, mostly have another one.
+unsigned tag_of(std::uint64_t hash) {
+    return static_cast<unsigned>(hash >> 32) ^ static_cast<unsigned>(hash);
 }
 
 } // namespace
@@ -40,7 +52,7 @@ CallTable::Entry CallTable::insert(unsigned definition, std::span<Value const> a
     // The slot last: it must not be taken where memory runs out.
     m_calls.push_back(
         {m_arena.copy(arguments), definition, static_cast<unsigned>(arguments.size())});
-    slot = {static_cast<unsigned>(m_calls.size() - 1), upper_half(hash)};
+    slot = {static_cast<unsigned>(m_calls.size() - 1), tag_of(hash)};
     return {slot.number, true};
 }
 
@@ -59,7 +71,7 @@ std::size_t CallTable::slot_of(std::uint64_t hash, unsigned definition,
     std::size_t index = hash & mask;
     for (; m_slots[index].number != free_slot; index = (index + 1) & mask) {
         unsigned const number = m_slots[index].number;
-        if (m_slots[index].hash == upper_half(hash) && m_calls[number].definition == definition &&
+        if (m_slots[index].tag == tag_of(hash) && m_calls[number].definition == definition &&
             std::ranges::equal(this->arguments(number), arguments)) {
             break;
         }
@@ -68,7 +80,7 @@ std::size_t CallTable::slot_of(std::uint64_t hash, unsigned definition,
 }
 
 void CallTable::grow() {
-    std::vector<Slot> slots(std::max(m_slots.size() * 2, first_table_size), {free_slot, 0});
+    LargeVector<Slot> slots(std::max(m_slots.size() * 2, first_table_size), {free_slot, 0});
     std::size_t const mask = slots.size() - 1;
     for (unsigned number = 0; number < m_calls.size(); ++number) {
         std::uint64_t const hash = hash_of(m_calls[number].definition, arguments(number));
@@ -76,7 +88,7 @@ void CallTable::grow() {
         while (slots[index].number != free_slot) {
             index = (index + 1) & mask;
         }
-        slots[index] = {number, upper_half(hash)};
+        slots[index] = {number, tag_of(hash)};
     }
     m_slots = std::move(slots);
 }

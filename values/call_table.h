@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/large_pages.h"
 #include "values/arena.h"
 #include "values/value.h"
 
@@ -38,7 +39,7 @@ class CallTable {
     };
     struct Slot {
         unsigned number;
-        unsigned hash; // the upper half of the code: most others differ in it
+        unsigned tag; // of the code: most others differ in it
     };
 
     /// Where the call stands, or the free slot where it belongs.
@@ -47,8 +48,8 @@ class CallTable {
     void grow();
 
     Arena m_arena;
-    std::vector<Call> m_calls;
-    std::vector<Slot> m_slots;
+    LargeVector<Call> m_calls;
+    LargeVector<Slot> m_slots;
 };
 
 } // namespace Calder::Values

@@ -91,6 +91,7 @@ enum class ExpressionKind : unsigned char {
 struct Expression {
     ExpressionKind kind;
     Operation operation{};
+    bool is_direct = false; // see values/direct_expressions.h
     Place place = 0;
     unsigned number = no_number;
     /// In `Program::operands`.

@@ -67,13 +67,14 @@ template <typename Start> Value Interpreter::run(Start const& start) {
         start();
         while (!m_tasks.empty()) {
             step();
-            if (++m_steps == steps_between_looks) {
+            if (++m_steps >= steps_between_looks) {
                 m_steps = 0;
                 m_host.look();
             }
         }
     } catch (ValueError const& caught) {
-        EvaluationError error(m_tasks.back().expression->place, caught.message());
+        Expression const& wrong = m_direct != nullptr ? *m_direct : *m_tasks.back().expression;
+        EvaluationError error(wrong.place, caught.message());
         add_calls(error);
         throw error;
     } catch (EvaluationError& error) {
@@ -120,6 +121,7 @@ void Interpreter::forget_all() {
     m_tasks.clear();
     m_values.clear();
     m_frames.clear();
+    m_direct = nullptr;
     m_slots = 0;
 }
 
@@ -143,30 +145,14 @@ void Interpreter::add_calls(EvaluationError& error) const {
 /// Whether the value is there at once; otherwise it is a task, the last one now.
 bool Interpreter::begin(unsigned expression) {
     Expression const& begun = m_program.expressions[expression];
-    if (is_at_hand(begun)) {
-        m_values.push_back(value_at_hand(begun));
+    if (begun.is_direct || is_at_hand(begun)) {
+        Value const value = direct(begun);
+        m_direct = nullptr;
+        m_values.push_back(value);
         return true;
-    }
-    if (begun.kind == ExpressionKind::operation && begun.operand_count == 2) {
-        unsigned const* const operands = &m_program.operands[begun.first_operand];
-        if (Value const quick = quick_value(begun.operation, operands[0], operands[1])) {
-            m_values.push_back(quick);
-            return true;
-        }
     }
     m_tasks.push_back({&begun, 0, height()});
     return false;
-}
-
-/// Of an operation on variables and constants, where it is done at once; otherwise nothing.
-Value Interpreter::quick_value(Operation operation, unsigned left, unsigned right) const {
-    Expression const& first = m_program.expressions[left];
-    Expression const& second = m_program.expressions[right];
-    if (!is_at_hand(first) || !is_at_hand(second)) {
-        return {};
-    }
-    std::array const operands{value_at_hand(first), value_at_hand(second)};
-    return quick_result(operation, operands);
 }
 
 /// Goes on with the operands, from left to right; false when one of them has become a task.

@@ -14,7 +14,7 @@ namespace Calder::Values {
 /// What an Evaluator does. The expressions under way are tasks on a stack, each above the one of
 /// which it is an operand; what has been computed for them lies in the same order on a stack of
 /// values. A call has its arguments there, then its slots, then what its body computes. Nothing is
-/// allocated once the stacks have grown.
+/// allocated once the stacks have grown. What is marked as direct is no task, but computed at once.
 class Interpreter {
   public:
     Interpreter(Program const& program, ValueStore& store, ChannelTable const& channels,
@@ -44,14 +44,16 @@ class Interpreter {
     void add_calls(EvaluationError& error) const;
 
     bool begin(unsigned expression);
-    Value quick_value(Operation operation, unsigned left, unsigned right) const;
+    Value direct(Expression const& expression);
+    Value direct_operation(Expression const& expression);
+    Value direct_condition(Expression const& expression);
+    Value direct_question(Expression const& expression);
+    Expression const& operand_of(Expression const& expression, unsigned index) const;
+    bool direct_truth(Expression const& expression, unsigned index);
+    template <typename Make> Value with_operands(Expression const& expression, Make const& make);
     static bool is_at_hand(Expression const& expression) {
         return expression.kind == ExpressionKind::constant ||
                expression.kind == ExpressionKind::variable;
-    }
-    Value value_at_hand(Expression const& expression) const {
-        return expression.kind == ExpressionKind::constant ? expression.value
-                                                           : m_values[m_slots + expression.number];
     }
     bool has_operands(Task& task);
     void finish(unsigned first, Value result);
@@ -86,6 +88,7 @@ class Interpreter {
     std::vector<Task> m_tasks;
     std::vector<Value> m_values;
     std::vector<Frame> m_frames;
+    Expression const* m_direct = nullptr;         // of which a direct one is computed, if any
     unsigned m_slots = 0;                         // where those of the innermost call begin
     unsigned m_steps = 0;                         // since the last look, in however many short runs
     Expression m_outermost{ExpressionKind::call}; // what `call` was asked

@@ -42,5 +42,23 @@ TEST(CallTable, numbers_calls_densely_and_keeps_their_arguments) {
     EXPECT_EQ(table.find(3, arguments_of(1)), std::nullopt);
 }
 
+/// Neighbours have their places together, on both sides of zero and up to the last integers.
+TEST(CallTable, tells_neighbours_apart) {
+    CallTable table;
+    constexpr std::int64_t most = (std::int64_t{1} << 60) - 1;
+    unsigned count = 0;
+    for (std::int64_t const middle : {-most + 10, std::int64_t{0}, most - 20}) {
+        for (std::int64_t first = -2; first <= 2; ++first) {
+            for (std::int64_t last = middle - 11; last <= middle + 20; ++last) {
+                std::vector const call{Value::small_integer(first), Value::small_integer(last)};
+                EXPECT_EQ(table.find(7, call), std::nullopt);
+                EXPECT_EQ(table.insert(7, call).number, count);
+                EXPECT_EQ(table.find(7, call), count);
+                ++count;
+            }
+        }
+    }
+}
+
 } // namespace
 } // namespace Calder::Values

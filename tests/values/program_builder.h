@@ -1,7 +1,10 @@
 #pragma once
 
 #include "tests/values/world.h"
+#include "values/direct_expressions.h"
 #include "values/evaluation.h"
+
+#include <gtest/gtest.h>
 
 #include <initializer_list>
 #include <string>
@@ -125,19 +128,36 @@ class TupleHost : public Host {
     ValueStore& m_store;
 };
 
-/// A program with all that it takes to evaluate it.
+/// A program with all that it takes to evaluate it. Everything is evaluated in two ways, which must
+/// agree: by tasks alone, and with what is direct by recursion.
 struct Evaluation {
     World world;
     ProgramBuilder build{world};
     TupleHost host{world.store};
     Evaluator evaluator{build.program, world.store, world.channels, host};
+    TupleHost other_host{world.store};
+    Evaluator other_evaluator{build.program, world.store, world.channels, other_host};
 
     /// The value, or `error @place`, and the calls under way as `name(arguments)@place`.
     std::string call(unsigned definition, char const* arguments) {
-        return outcome([&] { return evaluator.call(definition, world.read_all(arguments), 1000); });
+        return outcome_both_ways([&](Evaluator& either) {
+            return either.call(definition, world.read_all(arguments), 1000);
+        });
     }
     std::string value(unsigned expression, unsigned slots = 0) {
-        return outcome([&] { return evaluator.evaluate(expression, slots); });
+        return outcome_both_ways(
+            [&](Evaluator& either) { return either.evaluate(expression, slots); });
+    }
+
+    template <typename Compute> std::string outcome_both_ways(Compute const& compute) {
+        std::string const by_tasks = outcome([&] { return compute(evaluator); });
+        mark_direct_expressions(build.program);
+        EXPECT_EQ(outcome([&] { return compute(other_evaluator); }), by_tasks);
+        EXPECT_EQ(other_host.questions, host.questions);
+        for (Expression& expression : build.program.expressions) {
+            expression.is_direct = false;
+        }
+        return by_tasks;
     }
 
     template <typename Compute> std::string outcome(Compute const& compute) {
