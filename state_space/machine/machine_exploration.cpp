@@ -18,22 +18,9 @@ Run refused(std::string reason) {
     return run;
 }
 
-/// Of a compilation that ended early. What the user ended has ended; what met a limit may go better
-/// another way.
-Run failed(Compilation const& compilation) {
-    if (compilation.outcome == Outcome::interrupted) {
-        Run run;
-        run.outcome = Outcome::interrupted;
-        return run;
-    }
-    return refused(compilation.refusal.empty()
-                       ? "while it was compiled, " + std::string(describe(compilation.outcome))
-                       : compilation.refusal);
-}
-
 /// A quarter of the memory is for the leaves: one without end is to leave enough to do without
 /// the machine.
-CompilationOptions bounds_of_compilation(RunOptions const& options) {
+CompilationOptions bounds_of_compilation(ExplorationOptions const& options) {
     CompilationOptions bounds;
     bounds.progress = options.progress;
     if (std::uint64_t const held = resident_bytes(); options.max_memory > held) {
@@ -46,20 +33,42 @@ CompilationOptions bounds_of_compilation(RunOptions const& options) {
 
 } // namespace
 
-MachineExploration explore_by_machine(ProcessPointer const& start, NamedProcessSource const& source,
-                                      RunOptions const& options) {
-    MachineExploration result;
+MachineCompilation compile_for_run(ProcessPointer const& start, NamedProcessSource const& source,
+                                   ExplorationOptions const& options) {
+    MachineCompilation result;
     CompilationOptions const bounds = bounds_of_compilation(options);
     TermGraph graph =
         make_term_graph(start, source, {no_state, bounds.max_memory, bounds.progress});
     result.refused = graph.refused;
     if (graph.is_whole() && result.refused.empty() && !graph.vertices.front().is_construct) {
-        result.run = run_of(explore(start, source, options));
+        result.is_one_leaf = true;
         return result;
     }
     Compilation compilation = compile(std::move(graph), source, bounds_of_compilation(options));
+    result.machine = std::move(compilation.machine);
+    // What the user ended has ended; what met a limit may go better another way.
+    result.is_interrupted = compilation.outcome == Outcome::interrupted;
+    if (!result.machine && !result.is_interrupted) {
+        result.refusal =
+            compilation.refusal.empty()
+                ? "while it was compiled, " + std::string(describe(compilation.outcome))
+                : std::move(compilation.refusal);
+    }
+    return result;
+}
+
+MachineExploration explore_by_machine(ProcessPointer const& start, NamedProcessSource const& source,
+                                      RunOptions const& options) {
+    MachineExploration result;
+    MachineCompilation compilation = compile_for_run(start, source, options);
+    result.refused = std::move(compilation.refused);
+    if (compilation.is_one_leaf) {
+        result.run = run_of(explore(start, source, options));
+        return result;
+    }
     if (!compilation.machine) {
-        result.run = failed(compilation);
+        result.run = refused(std::move(compilation.refusal));
+        result.run.outcome = compilation.is_interrupted ? Outcome::interrupted : Outcome::complete;
         return result;
     }
     result.machine = std::move(compilation.machine);

@@ -16,6 +16,24 @@ struct MachineExploration {
     std::vector<RefusedRecursion> refused;
 };
 
+/// A machine to be run, or why there is none.
+struct MachineCompilation {
+    std::unique_ptr<Machine const> machine;
+    /// The term is one leaf, which is explored as it stands: there is nothing to refuse.
+    bool is_one_leaf = false;
+    /// Whoever watches ended it.
+    bool is_interrupted = false;
+    /// A part of a sentence.
+    std::string refusal{};
+    /// The recursion that no machine can follow, if that was the reason.
+    std::vector<RefusedRecursion> refused{};
+};
+
+/// Compiles the term within a part of the memory, so that there is enough left to do without.
+[[nodiscard]] MachineCompilation compile_for_run(ProcessCompiler::ProcessPointer const& start,
+                                                 ProcessCompiler::NamedProcessSource const& source,
+                                                 ExplorationOptions const& options);
+
 /// Compiles the term and runs the machine. Where that is refused, `run.refusal` says why, and
 /// nothing was explored. Exceptions of a maker of instances pass through; the machine runs when all
 /// are made.

@@ -1,0 +1,295 @@
+#include "refinement/pair_search.h"
+
+#include "process_compiler/event_numbers.h"
+#include "refinement/loops.h"
+#include "state_space/memory.h"
+
+#include <algorithm>
+
+namespace Calder::Refinement {
+
+using ProcessCompiler::tau;
+using ProcessCompiler::tick;
+using StateSpace::no_state;
+
+namespace {
+
+/// How many steps ahead memory is asked for: first the bucket, then the pair that it names.
+constexpr std::size_t bucket_distance = 32;
+constexpr std::size_t pair_distance = 16;
+
+/// Of one batch: what stays in a core's own cache.
+constexpr std::size_t steps_wanted = 4096;
+
+} // namespace
+
+PairSearch::PairSearch(Side& side, Observer& observer, SearchMonitor& monitor)
+    : m_side(side), m_observer(observer), m_monitor(monitor),
+      m_pairs(side.width(), side.spare_bits()) {}
+
+std::optional<Finding> PairSearch::run() {
+    NodeNumber const start = m_observer.start();
+    if (!is_node(start)) {
+        return std::nullopt;
+    }
+    add_start(start);
+    while (m_explored < m_pairs.size()) {
+        if (auto found = explore_level()) {
+            return find_loop_before(std::move(*found));
+        }
+        if (m_pairs.size() / 2 >= m_searched_for_loops) {
+            m_searched_for_loops = m_pairs.size();
+            if (auto loop = find_loop()) {
+                return loop;
+            }
+        }
+    }
+    return find_loop();
+}
+
+void PairSearch::add_start(NodeNumber node) {
+    std::vector<Word> const state = m_side.start();
+    fit_side(node);
+    std::vector<Word> pair(m_pairs.width());
+    m_pairs.write(state.data(), node, pair.data());
+    m_pairs.make_room(1);
+    if (m_pairs.find_or_add(pair.data(), m_pairs.hash(pair.data()), 0, m_monitor.max_states()) ==
+        no_state) {
+        m_monitor.stop(StateSpace::Outcome::state_limit);
+        throw StateSpace::SearchEnded();
+    }
+}
+
+/// A refusal on this level takes fewer steps than an event that begins on it, so after such an event
+/// the rest of the level is looked at for what it offers.
+std::optional<Finding> PairSearch::explore_level() {
+    m_level_end = m_pairs.size();
+    while (m_explored < m_level_end) {
+        fill_batch();
+        if (auto found = examine_batch()) {
+            return found;
+        }
+        insert_batch();
+        m_explored += static_cast<StateNumber>(m_row_ends.size());
+        look_around(m_steps.size() + m_row_ends.size());
+    }
+    ++m_depth;
+    return std::exchange(m_event, std::nullopt);
+}
+
+/// The next pairs of the level, and their steps.
+void PairSearch::fill_batch() {
+    fit_side();
+    m_first_source = m_explored;
+    m_row_ends.clear();
+    m_source_nodes.clear();
+    m_steps.clear(m_side.width());
+    m_steps.limit(std::max<std::uint64_t>(
+        steps_wanted, m_monitor.memory_left() / (8 * (m_side.width() + 1) * sizeof(Word))));
+    std::vector<Word>& state = m_source.state;
+    for (StateNumber pair = m_explored; pair < m_level_end && m_steps.size() < steps_wanted;
+         ++pair) {
+        state.resize(m_side.width());
+        m_pairs.read_state(pair, state.data());
+        m_side.prepare(state.data());
+        if (m_side.width() != m_steps.width()) { // wider from now on
+            if (pair != m_first_source) {
+                return;
+            }
+            fit_side();
+            state.resize(m_side.width());
+            m_steps.clear(m_side.width());
+        }
+        m_side.append_steps(state.data(), m_steps);
+        m_row_ends.push_back(m_steps.size());
+        m_source_nodes.push_back(m_pairs.node(pair));
+    }
+}
+
+void PairSearch::fit_side(NodeNumber most_node) {
+    if (!m_pairs.fits(m_side.width(), most_node)) {
+        m_monitor.go_on(m_pairs.size(), m_pairs.memory_bytes() * 2);
+        m_pairs.make_fit(m_side.width(), most_node);
+    }
+}
+
+/// Tells what may not be offered, keeps in mind an event that may not come, and otherwise chooses the
+/// steps that are followed.
+std::optional<Finding> PairSearch::examine_batch() {
+    m_followed.clear();
+    m_most_node = 0;
+    for (std::size_t source = 0; source < m_row_ends.size(); ++source) {
+        if (m_observer.looks_at_offers() && !allows_offer(source)) {
+            return Finding{Finding::Kind::offer, m_first_source + static_cast<StateNumber>(source)};
+        }
+        if (!m_event) {
+            follow_row(source);
+        }
+    }
+    return std::nullopt;
+}
+
+bool PairSearch::allows_offer(std::size_t source) {
+    m_offer.clear();
+    for (std::size_t step = row_begin(source); step < m_row_ends[source]; ++step) {
+        unsigned const event = m_steps.event(step);
+        if (m_offer.empty() || m_offer.back() != event) {
+            m_offer.push_back(event);
+        }
+    }
+    if (!std::is_sorted(m_offer.begin(), m_offer.end())) { // as they come from terms
+        std::sort(m_offer.begin(), m_offer.end());
+        m_offer.erase(std::unique(m_offer.begin(), m_offer.end()), m_offer.end());
+    }
+    return m_observer.allows_offer(m_source_nodes[source], m_offer);
+}
+
+void PairSearch::follow_row(std::size_t source) {
+    NodeNumber const node = m_source_nodes[source];
+    for (std::size_t step = row_begin(source); step < m_row_ends[source]; ++step) {
+        unsigned const event = m_steps.event(step);
+        NodeNumber const next = event == tau ? node : next_node(node, event);
+        if (next == forbidden) {
+            StateNumber const pair = m_first_source + static_cast<StateNumber>(source);
+            m_event = Finding{Finding::Kind::event,
+                              pair,
+                              event,
+                              {m_steps.words(step), m_steps.words(step) + m_steps.width()}};
+            return;
+        }
+        if (event == tick || next == nothing_matters) {
+            ++m_transitions;
+            continue;
+        }
+        m_followed.push_back(
+            {static_cast<std::uint32_t>(source), static_cast<std::uint32_t>(step), next});
+        m_most_node = std::max(m_most_node, next);
+    }
+}
+
+NodeNumber PairSearch::next_node(NodeNumber node, unsigned event) {
+    if (auto const known = m_next_nodes.find(node, event)) {
+        return *known;
+    }
+    NodeNumber const next = m_observer.after(node, event);
+    m_next_nodes.insert(node, event, next);
+    return next;
+}
+
+void PairSearch::insert_batch() {
+    if (m_followed.empty()) {
+        return;
+    }
+    if (!m_pairs.fits(m_steps.width(), m_most_node)) {
+        m_monitor.go_on(m_pairs.size(), m_pairs.memory_bytes() * 2);
+        m_pairs.make_fit(m_steps.width(), m_most_node);
+    }
+    write_followed();
+    m_pairs.make_room(m_followed.size());
+    m_row_source = m_followed.front().source;
+    m_row.clear();
+    for (std::size_t place = 0; place < std::min(bucket_distance, m_followed.size()); ++place) {
+        m_pairs.prefetch_bucket(m_hashes[place]);
+    }
+    for (std::size_t place = 0; place < m_followed.size(); ++place) {
+        if (place + bucket_distance < m_followed.size()) {
+            m_pairs.prefetch_bucket(m_hashes[place + bucket_distance]);
+        }
+        if (place + pair_distance < m_followed.size()) {
+            m_pairs.prefetch_pair(m_hashes[place + pair_distance]);
+        }
+        insert(place);
+    }
+}
+
+void PairSearch::write_followed() {
+    std::uint32_t const width = m_pairs.width();
+    m_words.resize(m_followed.size() * width);
+    m_hashes.resize(m_followed.size());
+    for (std::size_t place = 0; place < m_followed.size(); ++place) {
+        Word* const pair = &m_words[place * width];
+        m_pairs.write(m_steps.words(m_followed[place].step), m_followed[place].node, pair);
+        m_hashes[place] = m_pairs.hash(pair);
+    }
+}
+
+void PairSearch::insert(std::size_t place) {
+    Followed const& followed = m_followed[place];
+    StateNumber const parent = m_first_source + followed.source;
+    StateNumber const target = m_pairs.find_or_add(&m_words[place * m_pairs.width()],
+                                                   m_hashes[place], parent, m_monitor.max_states());
+    if (target == no_state) {
+        m_monitor.stop(StateSpace::Outcome::state_limit);
+        throw StateSpace::SearchEnded();
+    }
+    unsigned const event = m_steps.event(followed.step);
+    if (m_row_source != followed.source) {
+        m_row_source = followed.source;
+        m_row.clear();
+    }
+    m_transitions += !m_steps.can_repeat(followed.step) || m_row.insert({event, target}) ? 1 : 0;
+    if (event == tau && target <= parent && m_observer.forbids_loops()) {
+        m_loop_heads.push_back(target);
+    }
+}
+
+std::optional<Finding> PairSearch::find_loop() {
+    if (m_loop_heads.empty()) {
+        return std::nullopt;
+    }
+    std::sort(m_loop_heads.begin(), m_loop_heads.end());
+    m_loop_heads.erase(std::unique(m_loop_heads.begin(), m_loop_heads.end()), m_loop_heads.end());
+    std::vector<StateNumber> loop = first_loop(*this, m_loop_heads, m_monitor);
+    if (loop.empty()) {
+        return std::nullopt;
+    }
+    return Finding{Finding::Kind::loop, loop.front(), 0, {}, std::move(loop)};
+}
+
+/// A loop goes before what takes more steps to get to. Of explored pairs an event takes more than
+/// any; pairs of lower numbers take no more than those of higher ones.
+std::optional<Finding> PairSearch::find_loop_before(Finding found) {
+    auto loop = find_loop();
+    if (loop && (found.kind == Finding::Kind::event || loop->pair < found.pair)) {
+        return loop;
+    }
+    return found;
+}
+
+void PairSearch::look_around(std::uint64_t work) {
+    if (!m_monitor.is_due(work)) {
+        return;
+    }
+    std::uint64_t const ahead = m_monitor.work_ahead() + steps_wanted; // a batch may go beyond
+    StateNumber const pairs = m_pairs.size();
+    StateSpace::Progress const progress{pairs, m_transitions, m_explored, pairs - m_explored,
+                                        m_depth};
+    if (!m_monitor.look_around(progress, m_pairs.growth_bytes(ahead) + m_side.growth_bytes(ahead) +
+                                             m_next_nodes.growth_bytes(ahead))) {
+        throw StateSpace::SearchEnded();
+    }
+}
+
+void PairSearch::find_steps(StateNumber pair, PairSteps& found) {
+    fit_side();
+    found.state.resize(m_side.width());
+    m_pairs.read_state(pair, found.state.data());
+    found.node = m_pairs.node(pair);
+    m_side.prepare(found.state.data());
+    found.steps.clear(m_side.width());
+    m_side.append_steps(found.state.data(), found.steps);
+}
+
+StateNumber PairSearch::target_of(PairSteps const& from, std::size_t step) {
+    unsigned const event = from.steps.event(step);
+    NodeNumber const node =
+        event == tau ? from.node : m_next_nodes.find(from.node, event).value_or(nothing_matters);
+    if (event == tick || !is_node(node) || !m_pairs.fits(from.steps.width(), node)) {
+        return no_state;
+    }
+    m_words.resize(m_pairs.width());
+    m_pairs.write(from.steps.words(step), node, m_words.data());
+    return m_pairs.find(m_words.data());
+}
+
+} // namespace Calder::Refinement
