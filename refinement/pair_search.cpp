@@ -60,8 +60,8 @@ void PairSearch::add_start(NodeNumber node) {
     }
 }
 
-/// A refusal on this level takes fewer steps than an event that begins on it, so after such an event
-/// the rest of the level is looked at for what it offers.
+/// A refusal on this level takes fewer steps than an event that begins on it, and so does a loop among
+/// what is explored: after such an event the rest of the level is looked at for these.
 std::optional<Finding> PairSearch::explore_level() {
     m_level_end = m_pairs.size();
     while (m_explored < m_level_end) {
@@ -122,7 +122,7 @@ std::optional<Finding> PairSearch::examine_batch() {
         if (m_observer.looks_at_offers() && !allows_offer(source)) {
             return Finding{Finding::Kind::offer, m_first_source + static_cast<StateNumber>(source)};
         }
-        if (!m_event) {
+        if (!m_event || m_observer.forbids_loops()) {
             follow_row(source);
         }
     }
@@ -148,6 +148,9 @@ void PairSearch::follow_row(std::size_t source) {
     NodeNumber const node = m_source_nodes[source];
     for (std::size_t step = row_begin(source); step < m_row_ends[source]; ++step) {
         unsigned const event = m_steps.event(step);
+        if (m_event && event != tau) {
+            continue; // only loops can be found sooner
+        }
         NodeNumber const next = event == tau ? node : next_node(node, event);
         if (next == forbidden) {
             StateNumber const pair = m_first_source + static_cast<StateNumber>(source);
@@ -155,7 +158,7 @@ void PairSearch::follow_row(std::size_t source) {
                               pair,
                               event,
                               {m_steps.words(step), m_steps.words(step) + m_steps.width()}};
-            return;
+            continue;
         }
         if (event == tick || next == nothing_matters) {
             ++m_transitions;

@@ -32,12 +32,12 @@ struct PairSteps {
 };
 
 /// Runs the concrete side beside an observer, breadth-first: pairs are numbered in the order in which
-/// they are reached first. So what is found takes the fewest steps of all that may not be, and is the
-/// same every time.
+/// they are reached first. So what is found takes the fewest steps of all events and offers that may
+/// not be, and is the same every time.
 ///
-/// Loops need every silent step around them explored; they are looked for whenever the number of pairs
-/// has doubled, between two levels, and at the end, so they cost as much as one pass over the silent
-/// steps that may be on one.
+/// A loop is only seen once every silent step around it is explored, and is looked for whenever the
+/// number of pairs has doubled, between two levels, and at the end: this takes as much as one pass over
+/// the silent steps that may be on one. It goes before what takes more steps to get to.
 class PairSearch {
   public:
     PairSearch(Side& side, Observer& observer, SearchMonitor& monitor);
