@@ -2,22 +2,47 @@
 
 #include "state_space/memory.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Calder::Refinement {
 
+std::optional<NodeNumber> NextNodes::find_in_slots(NodeNumber node, unsigned event) const noexcept {
+    Slot const& slot = m_slots[slot_of(key_of(node, event))];
+    return slot.key == no_key ? std::nullopt : std::optional(slot.next);
+}
+
 void NextNodes::insert(NodeNumber node, unsigned event, NodeNumber next) {
+    if (put_into_row(node, event, next)) {
+        return;
+    }
     if ((m_taken + 1) * 2 > m_slots.size()) {
         std::vector<Slot> const old =
             std::exchange(m_slots, std::vector<Slot>(m_slots.size() * 2, Slot{no_key, 0}));
         for (Slot const& slot : old) {
             if (slot.key != no_key) {
-                put(slot);
+                m_slots[slot_of(slot.key)] = slot;
             }
         }
     }
-    put({key_of(node, event), next});
+    m_slots[slot_of(key_of(node, event))] = {key_of(node, event), next};
     ++m_taken;
+}
+
+/// False when there is no room in the rows.
+bool NextNodes::put_into_row(NodeNumber node, unsigned event, NodeNumber next) {
+    std::size_t const length = node < m_rows.size() ? m_rows[node].size() : 0;
+    if (event >= length) {
+        std::size_t const longer = std::size_t{event} + 1 - length;
+        if (node >= most_in_rows || m_in_rows + longer > most_in_rows) {
+            return false;
+        }
+        m_rows.resize(std::max<std::size_t>(m_rows.size(), std::size_t{node} + 1));
+        m_rows[node].resize(std::size_t{event} + 1, unknown);
+        m_in_rows += longer;
+    }
+    m_rows[node][event] = next;
+    return true;
 }
 
 std::uint64_t NextNodes::growth_bytes(std::uint64_t additions) const noexcept {
@@ -25,12 +50,12 @@ std::uint64_t NextNodes::growth_bytes(std::uint64_t additions) const noexcept {
                                                       : 0;
 }
 
-void NextNodes::put(Slot const& slot) noexcept {
-    std::size_t place = first_slot(slot.key);
-    while (m_slots[place].key != no_key) {
+std::size_t NextNodes::slot_of(std::uint64_t key) const noexcept {
+    std::size_t place = StateSpace::mix(key) & (m_slots.size() - 1);
+    while (m_slots[place].key != no_key && m_slots[place].key != key) {
         place = (place + 1) & (m_slots.size() - 1);
     }
-    m_slots[place] = slot;
+    return place;
 }
 
 } // namespace Calder::Refinement

@@ -8,21 +8,18 @@
 
 namespace Calder::Refinement {
 
-/// Where each event leads from each node, as far as it is known: an open-addressing table with
-/// linear probing, 16 bytes a slot, at most half of them taken. It stands between an observer, which
+/// Where each event leads from each node, as far as it is known. It stands between an observer, which
 /// may have to think, and a search, which asks for every step.
+///
+/// Nodes of low numbers have rows by event, up to 4 MiB of them. What they have no room for stands in an
+/// open-addressing table with linear probing: 16 bytes a slot, at most half of them taken.
 class NextNodes {
   public:
     [[nodiscard]] std::optional<NodeNumber> find(NodeNumber node, unsigned event) const noexcept {
-        std::uint64_t const key = key_of(node, event);
-        for (std::size_t slot = first_slot(key);; slot = (slot + 1) & (m_slots.size() - 1)) {
-            if (m_slots[slot].key == key) {
-                return m_slots[slot].next;
-            }
-            if (m_slots[slot].key == no_key) {
-                return std::nullopt;
-            }
+        if (node < m_rows.size() && event < m_rows[node].size() && m_rows[node][event] != unknown) {
+            return m_rows[node][event];
         }
+        return m_taken == 0 ? std::nullopt : find_in_slots(node, event);
     }
 
     /// What is not there yet.
@@ -30,23 +27,30 @@ class NextNodes {
 
     [[nodiscard]] std::uint64_t growth_bytes(std::uint64_t additions) const noexcept;
 
+    /// Events up to the highest one, summed over the nodes that have rows.
+    static constexpr std::size_t most_in_rows = std::size_t{1} << 20;
+
   private:
     struct Slot {
         std::uint64_t key;
         NodeNumber next;
     };
 
+    static constexpr NodeNumber unknown = nothing_matters - 1;
     static constexpr std::uint64_t no_key = ~std::uint64_t{0};
     static constexpr std::size_t first_slots = 256;
 
     static std::uint64_t key_of(NodeNumber node, unsigned event) noexcept {
         return std::uint64_t{node} << 32 | event;
     }
-    [[nodiscard]] std::size_t first_slot(std::uint64_t key) const noexcept {
-        return StateSpace::mix(key) & (m_slots.size() - 1);
-    }
-    void put(Slot const& slot) noexcept;
+    [[nodiscard]] std::optional<NodeNumber> find_in_slots(NodeNumber node,
+                                                          unsigned event) const noexcept;
+    [[nodiscard]] bool put_into_row(NodeNumber node, unsigned event, NodeNumber next);
+    /// Where the key stands, or the free slot where it belongs.
+    [[nodiscard]] std::size_t slot_of(std::uint64_t key) const noexcept;
 
+    std::vector<std::vector<NodeNumber>> m_rows; // by node, then by event
+    std::size_t m_in_rows = 0;
     std::vector<Slot> m_slots = std::vector<Slot>(first_slots, Slot{no_key, 0});
     std::size_t m_taken = 0;
 };

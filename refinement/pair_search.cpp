@@ -16,7 +16,6 @@ namespace {
 
 /// How many steps ahead memory is asked for: first the bucket, then the pair that it names.
 constexpr std::size_t bucket_distance = 32;
-constexpr std::size_t pair_distance = 16;
 
 /// Of one batch: what stays in a core's own cache.
 constexpr std::size_t steps_wanted = 4096;
@@ -191,17 +190,23 @@ void PairSearch::insert_batch() {
     m_pairs.make_room(m_followed.size());
     m_row_source = m_followed.front().source;
     m_row.clear();
-    for (std::size_t place = 0; place < std::min(bucket_distance, m_followed.size()); ++place) {
+    std::size_t const count = m_followed.size();
+    for (std::size_t place = 0; place < std::min(bucket_distance, count); ++place) {
         m_pairs.prefetch_bucket(m_hashes[place]);
     }
-    for (std::size_t place = 0; place < m_followed.size(); ++place) {
-        if (place + bucket_distance < m_followed.size()) {
+    for (std::size_t place = 0; place < std::min(pair_distance, count); ++place) {
+        m_ahead[place] = m_pairs.prefetch_pair(m_hashes[place]);
+    }
+    for (std::size_t place = 0; place < count; ++place) {
+        StateNumber& ahead = m_ahead[place % pair_distance];
+        StateNumber const likely = ahead;
+        if (place + bucket_distance < count) {
             m_pairs.prefetch_bucket(m_hashes[place + bucket_distance]);
         }
-        if (place + pair_distance < m_followed.size()) {
-            m_pairs.prefetch_pair(m_hashes[place + pair_distance]);
+        if (place + pair_distance < count) {
+            ahead = m_pairs.prefetch_pair(m_hashes[place + pair_distance]);
         }
-        insert(place);
+        insert(place, likely);
     }
 }
 
@@ -216,11 +221,15 @@ void PairSearch::write_followed() {
     }
 }
 
-void PairSearch::insert(std::size_t place) {
+/// `likely` is the pair that it leads to, most likely.
+void PairSearch::insert(std::size_t place, StateNumber likely) {
     Followed const& followed = m_followed[place];
     StateNumber const parent = m_first_source + followed.source;
-    StateNumber const target = m_pairs.find_or_add(&m_words[place * m_pairs.width()],
-                                                   m_hashes[place], parent, m_monitor.max_states());
+    Word const* const words = &m_words[place * m_pairs.width()];
+    StateNumber const target =
+        likely != no_state && m_pairs.is_pair(likely, words)
+            ? likely
+            : m_pairs.find_or_add(words, m_hashes[place], parent, m_monitor.max_states());
     if (target == no_state) {
         m_monitor.stop(StateSpace::Outcome::state_limit);
         throw StateSpace::SearchEnded();

@@ -6,6 +6,7 @@
 #include "refinement/visited_pairs.h"
 #include "state_space/transition_set.h"
 
+#include <array>
 #include <optional>
 
 namespace Calder::Refinement {
@@ -76,7 +77,7 @@ class PairSearch {
     [[nodiscard]] NodeNumber next_node(NodeNumber node, unsigned event);
     void insert_batch();
     void write_followed();
-    void insert(std::size_t place);
+    void insert(std::size_t place, StateNumber likely);
     std::optional<Finding> find_loop();
     std::optional<Finding> find_loop_before(Finding found);
     void look_around(std::uint64_t work);
@@ -98,6 +99,11 @@ class PairSearch {
     /// Pairs that a silent step leads to from themselves or a later one: the first of each loop is one.
     std::vector<StateNumber> m_loop_heads;
     StateNumber m_searched_for_loops = 1024; // how many pairs there were then
+
+    static constexpr std::size_t pair_distance = 16;
+    /// Of the steps to come, the pairs that they most likely lead to: step i is at i modulo the
+    /// distance.
+    std::array<StateNumber, pair_distance> m_ahead{};
 
     // The batch: sources in a row, and their steps.
     StateNumber m_first_source = 0;

@@ -40,16 +40,6 @@ void VisitedPairs::read_state(StateNumber pair, Word* state) const noexcept {
     }
 }
 
-void VisitedPairs::write(Word const* state, NodeNumber node, Word* pair) const noexcept {
-    if (m_has_node_word) {
-        *pair++ = node;
-    }
-    StateSpace::copy_words(state, pair, m_state_width);
-    if (!m_has_node_word && m_node_shift != word_bits) {
-        pair[m_state_width - 1] |= Word{node} << m_node_shift;
-    }
-}
-
 void VisitedPairs::make_fit(std::uint32_t state_width, NodeNumber most_node) {
     if (most_node > m_most_node) {
         move_nodes_to_front();

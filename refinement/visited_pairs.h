@@ -28,7 +28,13 @@ class VisitedPairs {
     /// `state_width` words.
     void read_state(StateNumber pair, Word* state) const noexcept;
     /// Writes a pair's words.
-    void write(Word const* state, NodeNumber node, Word* pair) const noexcept;
+    void write(Word const* state, NodeNumber node, Word* pair) const noexcept {
+        if (m_has_node_word) {
+            *pair++ = node;
+        }
+        StateSpace::copy_words(state, pair, m_state_width);
+        pair[m_state_width - 1] |= m_has_node_word ? 0 : shifted(node);
+    }
 
     /// Whether states are as wide and nodes up to this one fit. Otherwise `make_fit` comes before
     /// they are written; it writes all pairs anew and holds them twice meanwhile.
@@ -41,7 +47,13 @@ class VisitedPairs {
         return StateSpace::VisitedStates::hash(pair, width());
     }
     void prefetch_bucket(std::uint64_t hash) const noexcept { m_pairs->prefetch_bucket(hash); }
-    void prefetch_pair(std::uint64_t hash) const noexcept { m_pairs->prefetch_state(hash); }
+    /// Also tells which pair it will be, most likely; no_state where none is likely.
+    StateNumber prefetch_pair(std::uint64_t hash) const noexcept {
+        return m_pairs->prefetch_state(hash);
+    }
+    [[nodiscard]] bool is_pair(StateNumber pair, Word const* other) const noexcept {
+        return m_pairs->is_state(pair, other);
+    }
 
     void make_room(std::uint64_t count) { m_pairs->make_room(count); }
     /// As VisitedStates does, for a pair that is reached from `parent`.
@@ -67,9 +79,13 @@ class VisitedPairs {
 
   private:
     void move_nodes_to_front();
+    [[nodiscard]] Word shifted(NodeNumber node) const noexcept {
+        return (Word{node} << m_half_shift) << m_half_shift << (m_node_shift & 1U);
+    }
 
     std::uint32_t m_state_width;
-    unsigned m_node_shift; // in the last word; 64 where it has no bit for nodes
+    unsigned m_node_shift;                    // in the last word; 64 where it has no bit for nodes
+    unsigned m_half_shift = m_node_shift / 2; // a word cannot be shifted by all of its bits at once
     bool m_has_node_word = false;
     NodeNumber m_most_node;
     std::unique_ptr<StateSpace::VisitedStates> m_pairs;
