@@ -74,5 +74,33 @@ void chaos_failures_divergences(benchmark::State& state) {
 }
 BENCHMARK(chaos_failures_divergences)->Arg(8)->Arg(9)->Unit(benchmark::kMillisecond);
 
+/// TABLE [FD= TABLE: the abstract side is as large.
+void itself_failures_divergences(benchmark::State& state) {
+    Philosophers const model(static_cast<unsigned>(state.range(0)));
+    measure_question(state, Verdict::holds, [&] {
+        return Refinement::refinement(model.start, model.start, Model::failures_divergences,
+                                      model.source);
+    });
+}
+BENCHMARK(itself_failures_divergences)->Arg(6)->Arg(7)->Unit(benchmark::kMillisecond);
+
+/// The deadlock, when everyone has one fork: two steps for each philosopher.
+void deadlock(benchmark::State& state) {
+    Philosophers const model(static_cast<unsigned>(state.range(0)));
+    measure_question(state, Verdict::fails,
+                     [&] { return Refinement::deadlock_free(model.start, model.source); });
+}
+BENCHMARK(deadlock)->Arg(9)->Arg(10)->Unit(benchmark::kMillisecond);
+
+/// An exploration of as many states as that search reaches.
+void exploration_up_to_the_deadlock(benchmark::State& state) {
+    Philosophers const model(static_cast<unsigned>(state.range(0)));
+    StateSpace::RunOptions options;
+    options.keep_transitions = false;
+    options.max_states = Refinement::deadlock_free(model.start, model.source).state_count;
+    measure_machine(state, model.start, model.source, options);
+}
+BENCHMARK(exploration_up_to_the_deadlock)->Arg(9)->Arg(10)->Unit(benchmark::kMillisecond);
+
 } // namespace
 } // namespace Calder::Benchmarks

@@ -7,9 +7,9 @@
 
 namespace Calder::Refinement {
 
-std::optional<NodeNumber> NextNodes::find_in_slots(NodeNumber node, unsigned event) const noexcept {
+NodeNumber NextNodes::find_in_slots(NodeNumber node, unsigned event) const noexcept {
     Slot const& slot = m_slots[slot_of(key_of(node, event))];
-    return slot.key == no_key ? std::nullopt : std::optional(slot.next);
+    return slot.key == no_key ? not_known : slot.next;
 }
 
 void NextNodes::insert(NodeNumber node, unsigned event, NodeNumber next) {
@@ -38,7 +38,7 @@ bool NextNodes::put_into_row(NodeNumber node, unsigned event, NodeNumber next) {
             return false;
         }
         m_rows.resize(std::max<std::size_t>(m_rows.size(), std::size_t{node} + 1));
-        m_rows[node].resize(std::size_t{event} + 1, unknown);
+        m_rows[node].resize(std::size_t{event} + 1, not_known);
         m_in_rows += longer;
     }
     m_rows[node][event] = next;

@@ -3,7 +3,7 @@
 #include "refinement/node_number.h"
 #include "state_space/mix.h"
 
-#include <optional>
+#include <span>
 #include <vector>
 
 namespace Calder::Refinement {
@@ -15,11 +15,19 @@ namespace Calder::Refinement {
 /// open-addressing table with linear probing: 16 bytes a slot, at most half of them taken.
 class NextNodes {
   public:
-    [[nodiscard]] std::optional<NodeNumber> find(NodeNumber node, unsigned event) const noexcept {
-        if (node < m_rows.size() && event < m_rows[node].size() && m_rows[node][event] != unknown) {
-            return m_rows[node][event];
-        }
-        return m_taken == 0 ? std::nullopt : find_in_slots(node, event);
+    /// `not_known` before it is inserted.
+    [[nodiscard]] NodeNumber find(NodeNumber node, unsigned event) const noexcept {
+        NodeNumber const next = in_row(row(node), event);
+        return next != not_known || m_taken == 0 ? next : find_in_slots(node, event);
+    }
+
+    /// Some of what is known of the node, by event. Good until something is inserted.
+    [[nodiscard]] std::span<NodeNumber const> row(NodeNumber node) const noexcept {
+        return node < m_rows.size() ? std::span(m_rows[node]) : std::span<NodeNumber const>();
+    }
+    [[nodiscard]] static NodeNumber in_row(std::span<NodeNumber const> row,
+                                           unsigned event) noexcept {
+        return event < row.size() ? row[event] : not_known;
     }
 
     /// What is not there yet.
@@ -36,15 +44,13 @@ class NextNodes {
         NodeNumber next;
     };
 
-    static constexpr NodeNumber unknown = nothing_matters - 1;
     static constexpr std::uint64_t no_key = ~std::uint64_t{0};
     static constexpr std::size_t first_slots = 256;
 
     static std::uint64_t key_of(NodeNumber node, unsigned event) noexcept {
         return std::uint64_t{node} << 32 | event;
     }
-    [[nodiscard]] std::optional<NodeNumber> find_in_slots(NodeNumber node,
-                                                          unsigned event) const noexcept;
+    [[nodiscard]] NodeNumber find_in_slots(NodeNumber node, unsigned event) const noexcept;
     [[nodiscard]] bool put_into_row(NodeNumber node, unsigned event, NodeNumber next);
     /// Where the key stands, or the free slot where it belongs.
     [[nodiscard]] std::size_t slot_of(std::uint64_t key) const noexcept;

@@ -13,8 +13,11 @@ constexpr NodeNumber forbidden = 0xFFFFFFFF;
 /// Not a node: the event may come, and nothing behind it matters.
 constexpr NodeNumber nothing_matters = 0xFFFFFFFE;
 
+/// Not a node: nobody has asked yet.
+constexpr NodeNumber not_known = 0xFFFFFFFD;
+
 [[nodiscard]] constexpr bool is_node(NodeNumber number) noexcept {
-    return number < nothing_matters;
+    return number < not_known;
 }
 
 } // namespace Calder::Refinement

@@ -145,12 +145,17 @@ bool PairSearch::allows_offer(std::size_t source) {
 
 void PairSearch::follow_row(std::size_t source) {
     NodeNumber const node = m_source_nodes[source];
+    std::span<NodeNumber const> known = m_next_nodes.row(node);
     for (std::size_t step = row_begin(source); step < m_row_ends[source]; ++step) {
         unsigned const event = m_steps.event(step);
         if (m_event && event != tau) {
             continue; // only loops can be found sooner
         }
-        NodeNumber const next = event == tau ? node : next_node(node, event);
+        NodeNumber next = event == tau ? node : NextNodes::in_row(known, event);
+        if (next == not_known) {
+            next = next_node(node, event);
+            known = m_next_nodes.row(node);
+        }
         if (next == forbidden) {
             StateNumber const pair = m_first_source + static_cast<StateNumber>(source);
             m_event = Finding{Finding::Kind::event,
@@ -170,12 +175,37 @@ void PairSearch::follow_row(std::size_t source) {
 }
 
 NodeNumber PairSearch::next_node(NodeNumber node, unsigned event) {
-    if (auto const known = m_next_nodes.find(node, event)) {
-        return *known;
+    NodeNumber const known = m_next_nodes.find(node, event);
+    if (known != not_known) {
+        return known;
     }
     NodeNumber const next = m_observer.after(node, event);
     m_next_nodes.insert(node, event, next);
     return next;
+}
+
+/// `likely` is the pair that it leads to, most likely.
+inline void PairSearch::insert(std::size_t place, StateNumber likely) {
+    Followed const& followed = m_followed[place];
+    StateNumber const parent = m_first_source + followed.source;
+    Word const* const words = &m_words[place * m_pairs.width()];
+    StateNumber const target =
+        likely != no_state && m_pairs.is_pair(likely, words)
+            ? likely
+            : m_pairs.find_or_add(words, m_hashes[place], parent, m_monitor.max_states());
+    if (target == no_state) {
+        m_monitor.stop(StateSpace::Outcome::state_limit);
+        throw StateSpace::SearchEnded();
+    }
+    unsigned const event = m_steps.event(followed.step);
+    if (m_row_source != followed.source) {
+        m_row_source = followed.source;
+        m_row.clear();
+    }
+    m_transitions += !m_steps.can_repeat(followed.step) || m_row.insert({event, target}) ? 1 : 0;
+    if (event == tau && target <= parent && m_observer.forbids_loops()) {
+        m_loop_heads.push_back(target);
+    }
 }
 
 void PairSearch::insert_batch() {
@@ -218,30 +248,6 @@ void PairSearch::write_followed() {
         Word* const pair = &m_words[place * width];
         m_pairs.write(m_steps.words(m_followed[place].step), m_followed[place].node, pair);
         m_hashes[place] = m_pairs.hash(pair);
-    }
-}
-
-/// `likely` is the pair that it leads to, most likely.
-void PairSearch::insert(std::size_t place, StateNumber likely) {
-    Followed const& followed = m_followed[place];
-    StateNumber const parent = m_first_source + followed.source;
-    Word const* const words = &m_words[place * m_pairs.width()];
-    StateNumber const target =
-        likely != no_state && m_pairs.is_pair(likely, words)
-            ? likely
-            : m_pairs.find_or_add(words, m_hashes[place], parent, m_monitor.max_states());
-    if (target == no_state) {
-        m_monitor.stop(StateSpace::Outcome::state_limit);
-        throw StateSpace::SearchEnded();
-    }
-    unsigned const event = m_steps.event(followed.step);
-    if (m_row_source != followed.source) {
-        m_row_source = followed.source;
-        m_row.clear();
-    }
-    m_transitions += !m_steps.can_repeat(followed.step) || m_row.insert({event, target}) ? 1 : 0;
-    if (event == tau && target <= parent && m_observer.forbids_loops()) {
-        m_loop_heads.push_back(target);
     }
 }
 
@@ -294,8 +300,7 @@ void PairSearch::find_steps(StateNumber pair, PairSteps& found) {
 
 StateNumber PairSearch::target_of(PairSteps const& from, std::size_t step) {
     unsigned const event = from.steps.event(step);
-    NodeNumber const node =
-        event == tau ? from.node : m_next_nodes.find(from.node, event).value_or(nothing_matters);
+    NodeNumber const node = event == tau ? from.node : m_next_nodes.find(from.node, event);
     if (event == tick || !is_node(node) || !m_pairs.fits(from.steps.width(), node)) {
         return no_state;
     }

@@ -20,9 +20,9 @@ class VisitedPairs {
     /// For states of `state_width` words, the last of which leaves its `spare_bits` upper bits free.
     VisitedPairs(std::uint32_t state_width, unsigned spare_bits);
 
-    [[nodiscard]] StateNumber size() const noexcept { return m_pairs->size(); }
+    [[nodiscard]] StateNumber size() const noexcept { return m_pairs.size(); }
     /// The words of a pair.
-    [[nodiscard]] std::uint32_t width() const noexcept { return m_pairs->width(); }
+    [[nodiscard]] std::uint32_t width() const noexcept { return m_pairs.width(); }
 
     [[nodiscard]] NodeNumber node(StateNumber pair) const noexcept;
     /// `state_width` words.
@@ -46,20 +46,20 @@ class VisitedPairs {
     [[nodiscard]] std::uint64_t hash(Word const* pair) const noexcept {
         return StateSpace::VisitedStates::hash(pair, width());
     }
-    void prefetch_bucket(std::uint64_t hash) const noexcept { m_pairs->prefetch_bucket(hash); }
+    void prefetch_bucket(std::uint64_t hash) const noexcept { m_pairs.prefetch_bucket(hash); }
     /// Also tells which pair it will be, most likely; no_state where none is likely.
     StateNumber prefetch_pair(std::uint64_t hash) const noexcept {
-        return m_pairs->prefetch_state(hash);
+        return m_pairs.prefetch_state(hash);
     }
     [[nodiscard]] bool is_pair(StateNumber pair, Word const* other) const noexcept {
-        return m_pairs->is_state(pair, other);
+        return m_pairs.is_state(pair, other);
     }
 
-    void make_room(std::uint64_t count) { m_pairs->make_room(count); }
+    void make_room(std::uint64_t count) { m_pairs.make_room(count); }
     /// As VisitedStates does, for a pair that is reached from `parent`.
     StateNumber find_or_add(Word const* pair, std::uint64_t hash, StateNumber parent,
                             StateNumber max_pairs) {
-        StateNumber const number = m_pairs->find_or_add(pair, hash, max_pairs);
+        StateNumber const number = m_pairs.find_or_add(pair, hash, max_pairs);
         if (number == m_parents.size()) {
             m_parents.push_back(parent);
         }
@@ -67,7 +67,7 @@ class VisitedPairs {
     }
     /// no_state when there is no such pair.
     [[nodiscard]] StateNumber find(Word const* pair) {
-        return m_pairs->find_or_add(pair, hash(pair), 0);
+        return m_pairs.find_or_add(pair, hash(pair), 0);
     }
 
     /// Of the first pair, itself.
@@ -88,7 +88,7 @@ class VisitedPairs {
     unsigned m_half_shift = m_node_shift / 2; // a word cannot be shifted by all of its bits at once
     bool m_has_node_word = false;
     NodeNumber m_most_node;
-    std::unique_ptr<StateSpace::VisitedStates> m_pairs;
+    StateSpace::VisitedStates m_pairs;
     std::vector<StateNumber> m_parents;
 };
 

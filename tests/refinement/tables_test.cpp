@@ -69,7 +69,7 @@ TEST(NextNodes, AreFoundAgain) {
     NextNodes nodes;
     for (NodeNumber node = 0; node < 300; ++node) {
         for (unsigned event = 2; event < 8; ++event) {
-            EXPECT_FALSE(nodes.find(node, event));
+            EXPECT_EQ(nodes.find(node, event), not_known);
             nodes.insert(node, event, node * event);
         }
     }
