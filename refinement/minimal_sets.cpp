@@ -4,7 +4,7 @@
 
 namespace Calder::Refinement {
 
-MinimalSets::Family MinimalSets::add(std::vector<Events> sets) {
+MinimalSets::Family MinimalSets::add(std::vector<Events> sets, StateSpace::SearchMonitor& monitor) {
     // Smaller ones first: what is contained in a set then stands before it.
     std::sort(sets.begin(), sets.end(), [](Events const& left, Events const& right) {
         return left.size() != right.size() ? left.size() < right.size() : left < right;
@@ -12,6 +12,7 @@ MinimalSets::Family MinimalSets::add(std::vector<Events> sets) {
     sets.erase(std::unique(sets.begin(), sets.end()), sets.end());
     std::vector<Events> minimal;
     for (Events& set : sets) {
+        monitor.go_on(minimal.size() + 1);
         if (std::none_of(minimal.begin(), minimal.end(), [&set](Events const& smaller) {
                 return std::includes(set.begin(), set.end(), smaller.begin(), smaller.end());
             })) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "state_space/search_monitor.h"
+
 #include <cstdint>
 #include <map>
 #include <span>
@@ -16,8 +18,9 @@ class MinimalSets {
   public:
     using Family = std::uint32_t;
 
-    /// The minimal ones of these sets.
-    Family add(std::vector<Events> sets);
+    /// The minimal ones of these sets. Compares each with the minimal ones that are smaller; throws
+    /// SearchEnded when the monitor ends it.
+    Family add(std::vector<Events> sets, StateSpace::SearchMonitor& monitor);
 
     /// Of a family, ascending.
     [[nodiscard]] std::vector<Events> const& sets(Family family) const {

@@ -52,7 +52,7 @@ MinimalSets::Family NormalForm::acceptances(NodeNumber node) {
             }
         }
         m_monitor.go_on(members(node).size());
-        m_acceptances[node] = m_sets.add(std::move(sets));
+        m_acceptances[node] = m_sets.add(std::move(sets), m_monitor);
     }
     return m_acceptances[node];
 }

@@ -37,7 +37,8 @@ struct Asked {
     }
 };
 
-/// Asks within the limits. What ends the question early leaves it undecided.
+/// Asks within the limits. What ends the question early leaves it undecided; what ends it while the
+/// evidence is put together leaves it without.
 template <typename Ask> Answer ask_within_limits(NamedProcessSource const& source,
                                                  QuestionOptions const& options, Ask const& ask) {
     SearchMonitor monitor(options, options.by_machine ? SearchMonitor::longest_for_machines
@@ -58,8 +59,7 @@ template <typename Ask> Answer ask_within_limits(NamedProcessSource const& sourc
     } catch (StateSpace::SearchEnded const&) { // the monitor knows why
     }
     answer.outcome = monitor.outcome();
-    if (answer.outcome != Outcome::complete) {
-        answer.verdict = Verdict::undecided;
+    if (answer.outcome != Outcome::complete) { // what was decided before stays so
         answer.evidence = {};
     }
     return answer;

@@ -18,7 +18,7 @@ struct QuestionOptions : StateSpace::ExplorationOptions {
 
 struct Answer {
     Verdict verdict = Verdict::undecided;
-    /// Why it is undecided; `complete` otherwise.
+    /// Why it is undecided or, where it is decided, why there is no evidence; `complete` otherwise.
     StateSpace::Outcome outcome = StateSpace::Outcome::complete;
     /// Why it fails; of a trace, why it holds or how far it goes.
     Evidence evidence{};

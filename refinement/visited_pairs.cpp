@@ -68,7 +68,6 @@ std::uint64_t VisitedPairs::memory_bytes() const noexcept {
     return m_pairs.memory_bytes() + StateSpace::allocated_bytes(m_parents);
 }
 
-/// Besides the ordinary growth, when the nodes may move soon, all pairs once more.
 std::uint64_t VisitedPairs::growth_bytes(std::uint64_t additions) const noexcept {
     return m_pairs.growth_bytes(additions) + StateSpace::growth_bytes(m_parents, additions);
 }

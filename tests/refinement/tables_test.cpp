@@ -81,12 +81,17 @@ TEST(NextNodes, AreFoundAgain) {
 }
 
 TEST(MinimalSets, HaveNoMemberThatContainsAnother) {
+    StateSpace::ExplorationOptions const unlimited;
+    StateSpace::SearchMonitor monitor(unlimited, StateSpace::SearchMonitor::longest_for_machines);
     MinimalSets families;
-    auto const family = families.add({{3, 4}, {5}, {4, 5}, {3, 4}, {3, 6, 7}});
+    auto const add = [&](std::vector<Events> sets) {
+        return families.add(std::move(sets), monitor);
+    };
+    auto const family = add({{3, 4}, {5}, {4, 5}, {3, 4}, {3, 6, 7}});
     EXPECT_EQ(families.sets(family), (std::vector<Events>{{3, 4}, {3, 6, 7}, {5}}));
-    EXPECT_EQ(families.add({{5}, {3, 6, 7}, {4, 3 + 2}, {3, 4}}), family);
-    EXPECT_NE(families.add({{5}}), family);
-    EXPECT_EQ(families.sets(families.add({{3}, {}})), (std::vector<Events>{{}}));
+    EXPECT_EQ(add({{5}, {3, 6, 7}, {4, 3 + 2}, {3, 4}}), family);
+    EXPECT_NE(add({{5}}), family);
+    EXPECT_EQ(families.sets(add({{3}, {}})), (std::vector<Events>{{}}));
     struct {
         Events set;
         bool has;
@@ -95,7 +100,7 @@ TEST(MinimalSets, HaveNoMemberThatContainsAnother) {
     for (auto const& row : rows) {
         EXPECT_EQ(families.has_subset_of(family, row.set), row.has);
     }
-    EXPECT_FALSE(families.has_subset_of(families.add({}), Events{3}));
+    EXPECT_FALSE(families.has_subset_of(add({}), Events{3}));
 }
 
 TEST(Offers, TickGoesBeforeEverything) {
