@@ -85,7 +85,7 @@ NodeNumber NormalForm::node_of(Members reached) {
     auto const [place, is_new] =
         m_numbers.try_emplace(std::move(reached), static_cast<NodeNumber>(m_nodes.size()));
     if (is_new) {
-        m_nodes.push_back(&*place);
+        m_nodes.push_back({&*place});
     }
     m_monitor.go_on(place->first.size(), size + StateSpace::growth_bytes(m_nodes, 1));
     return place->second;

@@ -21,7 +21,7 @@ class NormalForm {
 
     /// Ascending.
     [[nodiscard]] std::vector<StateNumber> const& members(NodeNumber node) const {
-        return m_nodes[node]->first;
+        return m_nodes[node].entry->first;
     }
     [[nodiscard]] bool diverges(NodeNumber node);
     /// The minimal ones of what its members accept; see `acceptance_of`.
@@ -37,6 +37,10 @@ class NormalForm {
     };
     using Numbers = std::unordered_map<Members, NodeNumber, HashMembers>;
 
+    struct Node {
+        Numbers::value_type const* entry;
+    };
+
     NodeNumber node_of(Members reached);
     void close(Members& members);
 
@@ -45,7 +49,7 @@ class NormalForm {
     Divergence m_divergence{m_states, m_monitor};
     MinimalSets m_sets;
     Numbers m_numbers;
-    std::vector<Numbers::value_type const*> m_nodes; // by number
+    std::vector<Node> m_nodes; // by number
     static constexpr std::uint32_t unknown = 0xFFFFFFFF;
     std::vector<MinimalSets::Family> m_acceptances; // by node, `unknown` before the first use
     std::vector<std::uint32_t> m_stamps;            // by state: the closure it was last added in

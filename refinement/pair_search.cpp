@@ -84,7 +84,8 @@ void PairSearch::fill_batch() {
     m_source_nodes.clear();
     m_steps.clear(m_side.width());
     m_steps.limit(std::max<std::uint64_t>(
-        steps_wanted, m_monitor.memory_left() / (8 * (m_side.width() + 1) * sizeof(Word))));
+        steps_wanted,
+        m_monitor.memory_left() / (std::uint64_t{8} * (m_side.width() + 1) * sizeof(Word))));
     std::vector<Word>& state = m_source.state;
     for (StateNumber pair = m_explored; pair < m_level_end && m_steps.size() < steps_wanted;
          ++pair) {

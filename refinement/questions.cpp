@@ -15,7 +15,6 @@ namespace Calder::Refinement {
 using ProcessCompiler::NamedProcessSource;
 using ProcessCompiler::no_event;
 using ProcessCompiler::ProcessPointer;
-using StateSpace::no_state;
 using StateSpace::Outcome;
 
 namespace {

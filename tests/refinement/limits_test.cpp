@@ -90,5 +90,61 @@ TEST(Limits, ALoopNearTheStartIsFoundWithinALimit) {
     EXPECT_EQ(answer.evidence.loop.size(), 2U);
 }
 
+/// What a machine meets on the way, and cannot flatten, ends the machine and not the question.
+TEST(Limits, AMachineThatCannotGoOnIsLeftForTerms) {
+    NamedProcessSource endless;
+    ProcessPointer const p = endless.reference("P");
+    endless.define("P", construct("Endless", {ring("a", 2, a), p}));
+    ProcessPointer const process =
+        construct("C", {ring("a", 2, a), p},
+                  always({format_of({0}, {{b, 1, {{0, a}}}}), format_of({1}, {{b, 1, {{1, a}}}})}));
+    Answer const answer = deadlock_free(process, endless);
+    EXPECT_EQ(answer.verdict, Verdict::fails); // by its transitions, of which it has none
+    EXPECT_FALSE(answer.machine.machine);
+    EXPECT_EQ(answer.concrete_without_machine.reason, "it nests too deeply for the stack");
+}
+
+/// The second format runs three leaves of 10 bits each besides the first, and the third as many more:
+/// the states become wider while there are narrow ones around, with nodes in them and beside them.
+TEST(Limits, StatesMayGrowWiderOnTheWay) {
+    std::vector<ProcessPointer> arguments{leaf("first", {{{a, 1}}, {{b, 0}, {tau, 1}}})};
+    std::vector<unsigned> active{0};
+    std::vector<PlainRule> rules{{a, 0, {{0, a}}}, {b, 1, {{0, b}}}, {tau, 0, {{0, tau}}}};
+    std::vector<UnCompiledFormat> formats{format_of(active, rules)};
+    for (unsigned format = 1; format < 3; ++format) {
+        Participants together;
+        for (unsigned argument = 3 * format - 2; argument <= 3 * format; ++argument) {
+            arguments.push_back(ring("ring" + std::to_string(argument), 600, a));
+            active.push_back(argument);
+            together.emplace_back(argument, a);
+        }
+        rules.push_back({a, format, together});
+        for (PlainRule& rule : rules) {
+            rule.target_format = format;
+        }
+        rules[1].target_format = std::min(format + 1, 2U);
+        formats.push_back(format_of(active, rules));
+    }
+    ProcessPointer const machine = construct("growing", arguments, always(formats));
+    QuestionOptions options;
+    options.max_states = 3'000;
+    for (Rows const& abstract :
+         {Rows{{{a, 0}, {b, 0}}}, Rows{{{a, 1}, {b, 0}}, {{a, 1}, {b, 0}}}}) {
+        Answer const answer =
+            refinement(term_of(abstract, "A"), machine, Model::traces, source, options);
+        EXPECT_EQ(answer.outcome, Outcome::state_limit);
+    }
+    // Up to where b has led through all formats: what is found is found in wide states, too.
+    Rows const twice{{{a, 0}, {b, 1}}, {{a, 1}, {b, 2}}, {{a, 2}}};
+    Answer const answer = refinement(term_of(twice, "A"), machine, Model::traces, source);
+    ASSERT_EQ(answer.verdict, Verdict::fails);
+    std::vector<unsigned> events;
+    for (EvidenceStep const& step : answer.evidence.steps) {
+        events.push_back(step.event);
+    }
+    EXPECT_EQ(events, (Trace{a, b, a, b, a, b}));
+    EXPECT_EQ(answer.evidence.end.slots.size(), 7U);
+}
+
 } // namespace
 } // namespace Calder::Refinement::Testing
