@@ -18,7 +18,7 @@ bool Divergence::is_in(std::span<StateNumber const> closed) {
     }
     decide(unknown);
     return std::any_of(closed.begin(), closed.end(),
-                       [this](StateNumber state) { return m_marks[state] == Mark::diverges; });
+                       [this](StateNumber state) { return m_marks[state] == Mark::on_loop; });
 }
 
 /// What these lead to is among them or known already.
@@ -34,31 +34,19 @@ void Divergence::decide(std::vector<StateNumber> const& unknown) {
             }
         }
     }
-    // Cycles come after those that they lead to.
-    for_each_cycle(
-        static_cast<std::uint32_t>(unknown.size()),
-        [&](std::uint32_t vertex) -> std::vector<std::uint32_t> const& {
-            return successors[vertex];
-        },
-        [&](std::span<std::uint32_t const> cycle) {
-            Mark const mark = diverges(cycle, unknown) ? Mark::diverges : Mark::does_not;
-            for (std::uint32_t const vertex : cycle) {
-                m_marks[unknown[vertex]] = mark;
-            }
-        });
-}
-
-/// A vertex alone leads round only if it leads to itself; otherwise what it leads to decides.
-bool Divergence::diverges(std::span<std::uint32_t const> cycle,
-                          std::vector<StateNumber> const& unknown) {
-    if (cycle.size() > 1) {
-        return true;
-    }
-    StateNumber const state = unknown[cycle.front()];
-    auto const silent = NumberedStates::with_event(m_states.row(state), ProcessCompiler::tau);
-    return std::any_of(silent.begin(), silent.end(), [&](Transition const& step) {
-        return step.target == state || m_marks[step.target] == Mark::diverges;
-    });
+    auto const successors_of = [&](std::uint32_t vertex) -> std::vector<std::uint32_t> const& {
+        return successors[vertex];
+    };
+    for_each_cycle(static_cast<std::uint32_t>(unknown.size()), successors_of,
+                   [&](std::span<std::uint32_t const> cycle) {
+                       auto const& next = successors_of(cycle.front());
+                       bool const leads_round =
+                           cycle.size() > 1 ||
+                           std::find(next.begin(), next.end(), cycle.front()) != next.end();
+                       for (std::uint32_t const vertex : cycle) {
+                           m_marks[unknown[vertex]] = leads_round ? Mark::on_loop : Mark::on_none;
+                       }
+                   });
 }
 
 } // namespace Calder::Refinement

@@ -4,8 +4,8 @@
 
 namespace Calder::Refinement {
 
-/// Which states can go on silently for ever. Each silent transition is looked at once, in all that
-/// is asked together: strongly connected sets of the states that were not asked about before.
+/// Where one can go on silently for ever: among finitely many states, where these lead to a loop. Each
+/// silent transition is looked at once, in all that is asked together (Tarjan, 1972).
 class Divergence {
   public:
     Divergence(NumberedStates& states, SearchMonitor& monitor)
@@ -16,10 +16,9 @@ class Divergence {
     [[nodiscard]] bool is_in(std::span<StateNumber const> closed);
 
   private:
-    enum class Mark : std::uint8_t { unknown, diverges, does_not };
+    enum class Mark : std::uint8_t { unknown, on_loop, on_none };
 
     void decide(std::vector<StateNumber> const& unknown);
-    bool diverges(std::span<std::uint32_t const> cycle, std::vector<StateNumber> const& unknown);
 
     NumberedStates& m_states;
     SearchMonitor& m_monitor;

@@ -144,6 +144,15 @@ TEST(Limits, StatesMayGrowWiderOnTheWay) {
     }
     EXPECT_EQ(events, (Trace{a, b, a, b, a, b}));
     EXPECT_EQ(answer.evidence.end.slots.size(), 7U);
+    // As the abstract side it has this trace, but not without its last a.
+    Rows rows(events.size() + 1);
+    for (unsigned i = 0; i < events.size(); ++i) {
+        rows[i].emplace_back(events[i], i + 1);
+    }
+    ProcessPointer const trace = term_of(rows, "C");
+    EXPECT_EQ(refinement(machine, trace, Model::traces, source).verdict, Verdict::holds);
+    rows[4].emplace_back(b, 5);
+    EXPECT_EQ(refinement(machine, term_of(rows, "D"), Model::traces, source).evidence.event, b);
 }
 
 } // namespace

@@ -65,17 +65,20 @@ TEST(VisitedPairs, GrowWiderWithTheirStates) {
     }
 }
 
+/// In rows, and where there is no room for rows.
 TEST(NextNodes, AreFoundAgain) {
     NextNodes nodes;
+    std::vector<unsigned> const events{2, 3, 7, 8, NextNodes::most_in_rows, 3'000'000};
     for (NodeNumber node = 0; node < 300; ++node) {
-        for (unsigned event = 2; event < 8; ++event) {
+        for (unsigned const event : events) {
             EXPECT_EQ(nodes.find(node, event), not_known);
             nodes.insert(node, event, node * event);
         }
     }
     for (NodeNumber node = 0; node < 300; ++node) {
-        for (unsigned event = 2; event < 8; ++event) {
+        for (unsigned const event : events) {
             EXPECT_EQ(nodes.find(node, event), node * event);
+            EXPECT_EQ(nodes.find(node, event + 20), not_known);
         }
     }
 }
