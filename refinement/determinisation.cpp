@@ -97,7 +97,7 @@ NodeNumber Determinisation::add_node(StateNumber state, bool diverges) {
 StateNumber Determinisation::silent_step(StateNumber state) {
     auto const row = m_states.row(state);
     auto const silent = NumberedStates::with_event(row, tau);
-    return silent.empty() || NumberedStates::can(row, tick) ? no_state : silent.front().target;
+    return silent.empty() ? no_state : silent.front().target;
 }
 
 } // namespace Calder::Refinement

@@ -7,7 +7,7 @@
 namespace Calder::Refinement {
 
 /// A process with every choice that it makes by itself made beforehand: of the silent steps of a state
-/// only the first is taken, until it can tick or has none; of the steps with one event only the first;
+/// only the first is taken, until there is none; of the steps with one event only the first;
 /// and where it can tick, it does nothing else. What is left is deterministic wherever it does not
 /// diverge, and refines the process; so the process is deterministic exactly if it does not diverge and
 /// refines what is left (Roscoe, Understanding Concurrent Systems, 2010, the chapter on determinism;
