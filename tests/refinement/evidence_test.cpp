@@ -86,6 +86,16 @@ TEST(Evidence, TellsTheNameThatWasHidden) {
     EXPECT_EQ(answer.evidence.loop[0].target, answer.evidence.end.number);
 }
 
+/// Of two rules for one event, the one that has exactly those participants.
+TEST(Evidence, TellsWhatAllParticipantsDid) {
+    ProcessPointer const process = construct(
+        "alone or together", {leaf("left", {{{a, 1}}, {}}), leaf("right", {{{b, 1}, {c, 0}}, {}})},
+        always({format_of({0, 1},
+                          {{tau, 0, {{0, a}}}, {tau, 0, {{0, a}, {1, b}}}, {c, 0, {{1, c}}}})}));
+    EXPECT_EQ(plain(deadlock_free(process, source).evidence.steps),
+              (std::vector<PlainStep>{{tau, {{0, a}, {1, b}}, {a, b}}}));
+}
+
 TEST(Evidence, TermsHaveNoParticipants) {
     QuestionOptions options;
     options.by_machine = false;
@@ -114,6 +124,10 @@ TEST(Evidence, WhatEndsTheQuestionSoonestIsShown) {
          Reason::refusal,
          1},
         {"a loop at the start before an event", {{{tau, 0}, {b, 0}}}, Reason::divergence, 0},
+        {"a loop on the level of an event, behind it",
+         {{{a, 1}, {c, 2}}, {{b, 0}, {a, 1}}, {{tau, 2}}},
+         Reason::divergence,
+         1},
         {"a refusal before a loop behind it",
          {{{a, 1}, {c, 0}}, {{b, 1}, {a, 2}}, {{tau, 2}}},
          Reason::event,
@@ -124,6 +138,28 @@ TEST(Evidence, WhatEndsTheQuestionSoonestIsShown) {
                                          Model::failures_divergences, source);
         EXPECT_EQ(answer.evidence.reason, row.reason) << row.what;
         EXPECT_EQ(answer.evidence.steps.size(), row.steps) << row.what;
+    }
+}
+
+TEST(Evidence, IsTheFirstOfItsLevel) {
+    Rows const abstract{{{a, 0}, {c, 0}}};
+    Answer const event = refinement(
+        term_of(abstract, "A"), term_of({{{a, 0}, {c, 1}, {b, 0}, {c + 1, 0}}, {{c + 2, 0}}}, "C"),
+        Model::failures_divergences, source);
+    EXPECT_EQ(event.evidence.event, b);
+    // The loops lead to later ones, which a search for loops meets first.
+    struct {
+        Rows rows;
+        std::size_t steps;
+        std::size_t loop;
+    } const loops[] = {
+        {{{{tau, 1}}, {{tau, 0}, {tau, 2}}, {{tau, 2}}}, 0, 2},
+        {{{{tau, 1}}, {{tau, 2}}, {{tau, 3}}, {{tau, 1}, {tau, 3}}}, 1, 3},
+    };
+    for (auto const& row : loops) {
+        Answer const answer = divergence_free(term_of(row.rows, "P"), source);
+        EXPECT_EQ(answer.evidence.steps.size(), row.steps);
+        EXPECT_EQ(answer.evidence.loop.size(), row.loop);
     }
 }
 
