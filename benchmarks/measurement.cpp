@@ -77,9 +77,9 @@ void measure_machine(benchmark::State& state, ProcessPointer const& start,
                      NamedProcessSource const& source, StateSpace::RunOptions const& options) {
     std::uint64_t transitions = 0;
     for (auto _ : state) {
-        auto const [run, machine, tables, refused] =
-            StateSpace::explore_by_machine(start, source, options);
-        if (!machine) {
+        auto const exploration = StateSpace::explore_by_machine(start, source, options);
+        StateSpace::Run const& run = exploration.run;
+        if (!exploration.machine) {
             state.SkipWithError("there is no machine");
             return;
         }

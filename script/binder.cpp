@@ -10,9 +10,6 @@ namespace Calder::Script {
 
 namespace {
 
-/// A node may stand a few levels deeper than the term that it is part of.
-constexpr unsigned deepest_node = nesting_limit + 20;
-
 class Binder {
   public:
     Binder(TokenList const& tokens, SyntaxTree const& tree, NameTable& names,
@@ -88,6 +85,11 @@ class Binder {
             }
             if (m_tree[clause].child_count > 1) {
                 visit(m_tree[clause].last_child);
+            } else if (auto const parts = m_tree.fragments.find(clause);
+                       parts != m_tree.fragments.end()) {
+                for (unsigned const part : parts->second) {
+                    visit(part);
+                }
             }
             unbind(mark);
         }
@@ -102,18 +104,17 @@ class Binder {
         }
     }
 
-    /// Patterns have no uses but for names of values, which need no binding.
-    void bind_pattern(unsigned node, std::size_t first_variable) {
+    /// Patterns have no uses but for names of values, which need no binding. Variables from the
+    /// first one on belong to the same pattern.
+    void bind_pattern(unsigned node, std::size_t first) {
         if (m_tree[node].kind == NodeKind::name) {
             std::string_view const name = text_of(node);
             if (name == "_" || m_names.is_constant(name)) {
                 return;
             }
-            for (std::size_t i = first_variable; i < m_names.variables.size(); ++i) {
-                if (m_tokens.text_of(m_names.variables[i].token) == name) {
-                    report(m_tree[node].token, in_quotes(name) + " stands twice in one pattern");
-                    return;
-                }
+            if (bound_from(Binding::Kind::variable, first, name) != none) {
+                report(m_tree[node].token, in_quotes(name) + " stands twice in one pattern");
+                return;
             }
             auto const variable = static_cast<unsigned>(m_names.variables.size());
             m_names.variables.push_back({m_tree[node].token, m_definition});
@@ -124,9 +125,18 @@ class Binder {
         bool const has_head = m_tree[node].kind == NodeKind::dotted;
         for (unsigned const child : m_tree.children_of(node)) {
             if (!has_head || child != m_tree[node].first_child) {
-                bind_pattern(child, first_variable);
+                bind_pattern(child, first);
             }
         }
+    }
+
+    /// What the name stands for where that is of the kind and no older than the first; or none.
+    unsigned bound_from(Binding::Kind kind, std::size_t first, std::string_view name) const {
+        auto const found = m_scope.find(name);
+        bool const is_bound = found != m_scope.end() && !found->second.empty() &&
+                              found->second.back().kind == kind &&
+                              found->second.back().number >= first;
+        return is_bound ? found->second.back().number : none;
     }
 
     void visit(unsigned node) {
@@ -169,8 +179,8 @@ class Binder {
         std::size_t const mark = m_bound.size();
         std::size_t const first = m_names.variables.size();
         for (unsigned const item : m_tree.children_of(m_tree[node].first_child)) {
-            bool const is_input = m_tree[item].kind == NodeKind::input ||
-                                  m_tree[item].kind == NodeKind::chosen_input;
+            bool const is_input =
+                m_tree[item].kind == NodeKind::input || m_tree[item].kind == NodeKind::chosen_input;
             if (!is_input) {
                 visit(item);
                 continue;
@@ -211,13 +221,10 @@ class Binder {
         unsigned const token = m_tree[node].token;
         std::string_view const own = m_tokens.text_of(token);
         unsigned const parameters = m_tree[m_tree[node].first_child].child_count;
-        bool const is_first = m_names.definitions.size() == first_of_let;
-        for (unsigned before = first_of_let; before < m_names.definitions.size(); ++before) {
+        if (unsigned const before = bound_from(Binding::Kind::definition, first_of_let, own);
+            before != none) {
             NamedDefinition& other = m_names.definitions[before];
-            if (m_tokens.text_of(other.token) != own) {
-                continue;
-            }
-            if (!is_first && before + 1 == m_names.definitions.size() && parameters > 0 &&
+            if (before + 1 == m_names.definitions.size() && parameters > 0 &&
                 parameters == other.parameter_count) {
                 other.clauses.push_back(node);
                 return;
@@ -251,7 +258,7 @@ class Binder {
     /// A local definition, asked for from outside: the longest path that is one.
     void use_local_path(unsigned node) {
         unsigned const head = m_tree[node].first_child;
-        if (m_tree[head].kind != NodeKind::name || !m_scope.contains(text_of(head))) {
+        if (m_tree[head].kind != NodeKind::name || !is_definition_of_script(text_of(head))) {
             return;
         }
         std::string path(text_of(head));
@@ -263,6 +270,17 @@ class Binder {
             path += "." + std::string(text_of(child));
         }
         m_paths.emplace_back(node, std::move(path));
+    }
+
+    /// And nothing within it has the same name.
+    bool is_definition_of_script(std::string_view name) const {
+        auto const found = m_scope.find(name);
+        if (found == m_scope.end() || found->second.empty()) {
+            return false;
+        }
+        Binding const innermost = found->second.back();
+        return innermost.kind == Binding::Kind::definition &&
+               m_names.definitions[innermost.number].parent == none;
     }
 
     void use(unsigned node) {
@@ -328,7 +346,7 @@ class Binder {
     SyntaxTree const& m_tree;
     NameTable& m_names;
     Diagnostics& m_diagnostics;
-    unsigned m_definition = none; // the one that is visited
+    unsigned m_definition = none;                                       // the one that is visited
     std::unordered_map<std::string_view, std::vector<Binding>> m_scope; // the innermost one last
     std::vector<std::string_view> m_bound;                              // in the order of binding
     std::vector<std::pair<unsigned, unsigned>> m_uses;                  // of local definitions

@@ -42,10 +42,9 @@ Builtin const* find_builtin(std::string_view name) {
 }
 
 std::vector<std::string_view> builtin_names() {
-    std::vector<std::string_view> names;
-    for (Builtin const& each : builtins) {
-        names.push_back(each.name);
-    }
+    std::vector<std::string_view> names(builtins.size());
+    std::transform(builtins.begin(), builtins.end(), names.begin(),
+                   [](Builtin const& each) { return each.name; });
     return names;
 }
 

@@ -52,20 +52,19 @@ class Connection {
     void take_cycle(std::span<unsigned const> members) {
         m_graph.order.insert(m_graph.order.end(), members.rbegin(), members.rend());
         unsigned const last = members.back();
-        bool const is_cycle = members.size() > 1 || std::find(m_called[last].begin(),
-                                                              m_called[last].end(),
-                                                              last) != m_called[last].end();
+        bool const is_cycle =
+            members.size() > 1 ||
+            std::find(m_called[last].begin(), m_called[last].end(), last) != m_called[last].end();
         // What is called outside the cycle is known; inside it, sequential until something is not.
         bool is_sequential = true;
         for (unsigned const member : members) {
             m_graph.is_sequential[member] = true;
         }
         for (unsigned const member : members) {
-            is_sequential = is_sequential && !m_prefers_machine[member] &&
-                            std::all_of(m_called[member].begin(), m_called[member].end(),
-                                        [&](unsigned called) {
-                                            return m_graph.is_sequential[called];
-                                        });
+            is_sequential =
+                is_sequential && !m_prefers_machine[member] &&
+                std::all_of(m_called[member].begin(), m_called[member].end(),
+                            [&](unsigned called) { return m_graph.is_sequential[called]; });
         }
         for (unsigned const member : members) {
             m_graph.is_reference[member] = is_cycle && m_names.definitions[member].is_process;

@@ -3,6 +3,7 @@
 #include "script/event_literals.h"
 #include "script/limits.h"
 #include "values/text.h"
+#include "values/value_error.h"
 
 #include <algorithm>
 #include <memory>
@@ -33,38 +34,66 @@ class Declarer {
 
     void run() {
         m_lines.resize(m_session.number_bound());
-        for (Translation::Datatype const& datatype : m_translation.datatypes) {
-            declare_datatype(datatype);
-        }
+        declare_datatypes();
         for (Translation::Declaration const& declaration : m_translation.declarations) {
             declare_channels(declaration);
         }
     }
 
   private:
-    void declare_datatype(Translation::Datatype const& datatype) {
+    /// One may be made of others that stand behind it: what cannot be declared yet is tried again as
+    /// long as that helps, each time from the other end, so that rows of them take two rounds.
+    void declare_datatypes() {
+        std::vector<Translation::Datatype const*> waiting;
+        for (Translation::Datatype const& datatype : m_translation.datatypes) {
+            waiting.push_back(&datatype);
+        }
+        auto const reported = static_cast<std::ptrdiff_t>(m_diagnostics.size());
+        std::size_t before = 0;
+        do {
+            before = waiting.size();
+            m_diagnostics.erase(m_diagnostics.begin() + reported, m_diagnostics.end());
+            std::erase_if(waiting,
+                          [&](auto const* datatype) { return declare_datatype(*datatype); });
+            std::reverse(waiting.begin(), waiting.end());
+        } while (waiting.size() < before);
+    }
+
+    /// False, and reported, when it cannot be declared.
+    bool declare_datatype(Translation::Datatype const& datatype) {
         for (std::size_t index = 0; index < datatype.names.size(); ++index) {
             std::vector<std::vector<Value>> fields;
             for (unsigned const expression : datatype.fields[index]) {
                 if (!evaluate(expression, datatype.slot_count, fields.emplace_back())) {
-                    return;
+                    return false;
                 }
             }
+            if (!declare_fields(datatype, index, fields)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    /// False, and reported, when some values cannot be told apart from the beginnings of others.
+    bool declare_fields(Translation::Datatype const& datatype, std::size_t index,
+                        std::vector<std::vector<Value>> const& fields) {
+        try {
             m_channels.store().declare_fields(datatype.names[index], fields);
+            return true;
+        } catch (Values::ValueError const& error) {
+            report(datatype.node, error.message());
+            return false;
         }
     }
 
     void declare_channels(Translation::Declaration const& declaration) {
         Outline outline;
-        bool const is_whole = !declaration.is_broken && read_fields(declaration, outline);
-        std::shared_ptr<FieldList const> fields;
+        std::shared_ptr<FieldList const> const fields = fields_of(declaration, outline);
         for (unsigned const channel : declaration.channels) {
-            if (!may_declare(channel, is_whole, outline)) {
+            if (!may_declare(channel, fields != nullptr, outline)) {
                 m_names.lost.names.insert(text_of(channel));
                 continue;
-            }
-            if (!fields) {
-                fields = std::make_shared<FieldList>(m_channels.store(), outline.fields);
             }
             unsigned const first_number = m_session.number_bound();
             if (!declare_events(channel, outline)) {
@@ -75,27 +104,41 @@ class Declarer {
         }
     }
 
+    /// Nothing, and reported, when they are wrong.
+    std::shared_ptr<FieldList const> fields_of(Translation::Declaration const& declaration,
+                                               Outline& outline) {
+        try {
+            if (!declaration.is_broken && read_fields(declaration, outline)) {
+                return std::make_shared<FieldList const>(m_channels.store(), outline.fields);
+            }
+        } catch (Values::ValueError const& error) {
+            report(declaration.channels.front(), error.message());
+        }
+        return nullptr;
+    }
+
+    /// False, and all reported, when what one of them lists is wrong.
     bool read_fields(Translation::Declaration const& declaration, Outline& outline) {
+        bool are_right = true;
         for (Translation::Field const& field : declaration.fields) {
             std::vector<Value>& values = outline.fields.emplace_back();
             if (!check_ranges(field.node) ||
                 !evaluate(field.expression, field.slot_count, values)) {
-                return false;
-            }
-            if (values.empty()) {
+                are_right = false;
+            } else if (values.empty()) {
                 report(field.node, "a field without values has no events");
-                return false;
-            }
-            if (!add_texts(field.node, values, outline)) {
-                return false;
+                are_right = false;
+            } else {
+                are_right &= add_texts(field, values, outline);
             }
         }
-        return true;
+        return are_right;
     }
 
     /// A range that is written out backwards was meant otherwise.
     bool check_ranges(unsigned set) {
         SyntaxTree const& tree = m_telling.tree;
+        bool are_right = true;
         for (unsigned const child : tree.children_of(set)) {
             if (tree[child].kind != NodeKind::range) {
                 continue;
@@ -110,13 +153,14 @@ class Declarer {
             if (first.size() > last.size() || (first.size() == last.size() && first > last)) {
                 report(child, "the range " + std::string(first) + ".." + std::string(last) +
                                   " is empty: it runs backwards");
-                return false;
+                are_right = false;
             }
         }
-        return true;
+        return are_right;
     }
 
-    bool add_texts(unsigned node, std::vector<Value> const& values, Outline& outline) {
+    bool add_texts(Translation::Field const& field, std::vector<Value> const& values,
+                   Outline& outline) {
         std::vector<std::string>& texts = outline.texts.emplace_back();
         std::uint64_t characters = 0;
         std::vector<std::uint64_t> words;
@@ -127,7 +171,7 @@ class Declarer {
         }
         std::sort(words.begin(), words.end());
         if (std::adjacent_find(words.begin(), words.end()) != words.end()) {
-            report_double(node, values);
+            report_doubles(field, values);
             return false;
         }
         if (outline.events * values.size() > event_limit) {
@@ -139,17 +183,45 @@ class Declarer {
         return true;
     }
 
-    void report_double(unsigned node, std::vector<Value> const& values) {
+    /// Each element of a list with a value that stood there before; of anything else, as of a
+    /// sequence that a name stands for, the whole.
+    void report_doubles(Translation::Field const& field, std::vector<Value> const& values) {
+        SyntaxTree const& tree = m_telling.tree;
+        Values::Program const& program = m_translation.program;
+        Values::Expression const& all = program.expressions[field.expression];
+        bool const is_list = all.kind == Values::ExpressionKind::operation &&
+                             all.operand_count == tree[field.node].child_count;
         std::unordered_set<std::uint64_t> seen;
         std::size_t index = 0;
-        while (seen.insert(values[index].word()).second) {
-            ++index;
+        unsigned listed = is_list ? tree[field.node].first_child : field.node;
+        for (unsigned part = 0; index < values.size(); ++part) {
+            std::size_t const end =
+                is_list ? index + width_of(program.operands[all.first_operand + part])
+                        : values.size();
+            std::size_t first = end;
+            for (; index < end; ++index) {
+                bool const is_new = seen.insert(values[index].word()).second;
+                first = is_new ? first : std::min(first, index);
+            }
+            if (first < end) {
+                report(listed, "the value " +
+                                   in_quotes(Values::text_of(m_channels, values[first])) +
+                                   " stands twice in this field");
+            }
+            listed = tree[listed].next;
         }
-        unsigned const listed = m_telling.tree[node].child_count == values.size()
-                                    ? m_telling.tree.child(node, static_cast<unsigned>(index))
-                                    : m_telling.tree[node].last_child;
-        report(listed, "the value " + in_quotes(Values::text_of(m_channels, values[index])) +
-                           " stands twice in this field");
+    }
+
+    /// How many values an element of a list has, which has been evaluated before: a range all of its
+    /// own.
+    std::size_t width_of(unsigned expression) {
+        Values::Program const& program = m_translation.program;
+        Values::Expression const& element = program.expressions[expression];
+        if (element.kind != Values::ExpressionKind::comprehension) {
+            return 1;
+        }
+        unsigned const range = program.comprehensions[element.number].qualifiers[0].expression;
+        return m_channels.store().elements(m_evaluator.evaluate(range)).size();
     }
 
     /// The elements of a set or a sequence; false, and reported, when there are none to be had.
@@ -158,9 +230,8 @@ class Declarer {
             Value const all = m_evaluator.evaluate(expression, slots);
             if (!all.is(Value::Kind::set) && !all.is(Value::Kind::sequence)) {
                 report(m_translation.program.expressions[expression].place,
-                       "a field ranges over a set, and " +
-                           Values::short_text_of(m_channels, all) + " is " +
-                           std::string(Values::name_of(all.kind())));
+                       "a field ranges over a set, and " + Values::short_text_of(m_channels, all) +
+                           " is " + std::string(Values::name_of(all.kind())));
                 return false;
             }
             std::span<Value const> const elements = m_channels.store().elements(all);
@@ -169,7 +240,12 @@ class Declarer {
         } catch (Values::EvaluationError const& error) {
             m_diagnostics.push_back(diagnostic_of(m_telling, error));
         } catch (Values::Unreadable const&) {
-            // which is reported
+            if (m_diagnostics
+                    .empty()) { // channels, too, are unreadable as long as none is declared
+                report(m_translation.program.expressions[expression].place,
+                       "what a field ranges over cannot depend on channels and events, which are "
+                       "declared only then");
+            }
         }
         return false;
     }
@@ -258,9 +334,8 @@ class Declarer {
 } // namespace
 
 void declare(TokenList const& tokens, SyntaxTree const& tree, NameTable& names,
-             Translation& translation, Values::ChannelTable& channels,
-             Values::Evaluator& evaluator, ProcessCompiler::Session& session,
-             Diagnostics& diagnostics) {
+             Translation& translation, Values::ChannelTable& channels, Values::Evaluator& evaluator,
+             ProcessCompiler::Session& session, Diagnostics& diagnostics) {
     Telling const telling{tokens, tree, translation.program, channels};
     Declarer(telling, names, translation, channels, evaluator, session, diagnostics).run();
     check_event_literals(telling, names, translation, session, diagnostics);

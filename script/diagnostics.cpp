@@ -18,7 +18,9 @@ constexpr std::size_t excerpt_lead = 75;
 /// A place that only moves on, so that many diagnostics in order cost one pass over the text.
 class Cursor {
   public:
-    explicit Cursor(std::string_view text) : m_rest(text.substr(byte_order_mark_length(text))) {}
+    explicit Cursor(Source const& source)
+        : m_rest(std::string_view(source.text).substr(byte_order_mark_length(source.text))),
+          m_line(source.first_line) {}
 
     bool is_behind(std::size_t line, std::size_t column) const {
         return m_line > line || (m_line == line && m_column > column);
@@ -52,7 +54,7 @@ class Cursor {
 
   private:
     std::string_view m_rest;
-    std::size_t m_line = 1;
+    std::size_t m_line;
     std::size_t m_column = 1;
 };
 
@@ -101,17 +103,19 @@ std::string render(Diagnostic const& diagnostic, Sources const& sources) {
 }
 
 std::string render_all(Diagnostics const& diagnostics, Sources const& sources) {
+    if (diagnostics.empty()) {
+        return ""; // and there may be no sources
+    }
     std::string lines;
     unsigned source = 0;
-    Cursor cursor(sources[source].text);
+    Cursor cursor(sources[source]);
     std::size_t const told = std::min(diagnostics.size(), most_told);
     for (std::size_t index = 0; index < told; ++index) {
         Diagnostic const& diagnostic = diagnostics[index];
         Location const& location = diagnostic.location;
-        if (location.source != source ||
-            cursor.is_behind(location.line, excerpt_start(location))) {
+        if (location.source != source || cursor.is_behind(location.line, excerpt_start(location))) {
             source = location.source;
-            cursor = Cursor(sources[source].text);
+            cursor = Cursor(sources[source]);
         }
         lines += heading(diagnostic, sources[source].name) + excerpt(location, cursor);
         for (std::string const& note : diagnostic.notes) {
@@ -131,13 +135,13 @@ std::string in_quotes(std::string_view text) {
 }
 
 void sort_and_remove_repetitions(Diagnostics& diagnostics) {
-    std::stable_sort(
-        diagnostics.begin(), diagnostics.end(), [](Diagnostic const& a, Diagnostic const& b) {
-            return std::tie(a.location.source, a.location.line, a.location.column,
-                            a.location.length, a.message) <
-                   std::tie(b.location.source, b.location.line, b.location.column,
-                            b.location.length, b.message);
-        });
+    std::stable_sort(diagnostics.begin(), diagnostics.end(),
+                     [](Diagnostic const& a, Diagnostic const& b) {
+                         return std::tie(a.location.source, a.location.line, a.location.column,
+                                         a.location.length, a.message) <
+                                std::tie(b.location.source, b.location.line, b.location.column,
+                                         b.location.length, b.message);
+                     });
     diagnostics.erase(std::unique(diagnostics.begin(), diagnostics.end()), diagnostics.end());
 }
 

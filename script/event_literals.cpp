@@ -27,9 +27,9 @@ class Check {
             Expression& expression = m_translation.program.expressions[number];
             std::string_view const name = text_of(expression.place);
             Value const value =
-                m_names.channels.contains(name) ? m_telling.channels.find(name)
-                                                : m_telling.channels.store().event_set(
-                                                      m_telling.channels.events());
+                m_names.channels.contains(name)
+                    ? m_telling.channels.find(name)
+                    : m_telling.channels.store().event_set(m_telling.channels.events());
             if (value) {
                 expression.kind = ExpressionKind::constant;
                 expression.value = value;
@@ -38,15 +38,46 @@ class Check {
         for (EventLiteral const& literal : m_translation.literals) {
             check(literal);
         }
+        for (Expression const& expression : m_translation.program.expressions) {
+            if (has_too_many_fields(expression) && !is_known_to_be_wrong(expression.place)) {
+                report(expression.place, "the event " + in_quotes(name_of(expression.place)) +
+                                             " has too many fields");
+            }
+        }
     }
 
   private:
+    /// Whatever the values of its variables are: each is one component of an event, or more.
+    bool has_too_many_fields(Expression const& expression) const {
+        if (expression.kind != ExpressionKind::operation ||
+            expression.operation != Values::Operation::dot || is_input(expression.place)) {
+            return false;
+        }
+        std::size_t components = 0;
+        auto const operands = std::span(m_translation.program.operands)
+                                  .subspan(expression.first_operand, expression.operand_count);
+        for (unsigned const operand : operands.subspan(1)) {
+            components += Values::component_count(m_translation.program.expressions[operand].value);
+        }
+        Value const beginning = m_translation.program.expressions[operands[0]].value;
+        return components > m_telling.channels.room_behind(beginning);
+    }
+
+    /// Then the whole event is told of.
+    bool is_input(unsigned node) const {
+        NodeKind const kind = m_telling.tree[node].kind;
+        return kind == NodeKind::input || kind == NodeKind::chosen_input;
+    }
+
     void check(EventLiteral const& literal) {
         Expression& expression = m_translation.program.expressions[literal.expression];
         Value const value = literal.has_unknown ? Value() : value_of(expression);
         if (!value) {
             report_undeclared(literal);
-            expression.kind = ExpressionKind::broken;
+            // Terms are still made, to see what else is wrong, and any event will do for that.
+            bool const is_performed = literal.use == Use::event;
+            expression.kind = is_performed ? ExpressionKind::constant : ExpressionKind::broken;
+            expression.value = Value::event(Values::first_declared_number);
             return;
         }
         expression.kind = ExpressionKind::constant;
@@ -160,9 +191,8 @@ class Check {
 
 } // namespace
 
-void check_event_literals(Telling const& telling, NameTable const& names,
-                          Translation& translation, ProcessCompiler::Session const& session,
-                          Diagnostics& diagnostics) {
+void check_event_literals(Telling const& telling, NameTable const& names, Translation& translation,
+                          ProcessCompiler::Session const& session, Diagnostics& diagnostics) {
     Check(telling, names, translation, session, diagnostics).run();
 }
 

@@ -314,7 +314,7 @@ size:
 
 signed:
     size
-  | "-" signed  { $$ = build.operation(NodeKind::operation, $1, {$2}); }
+  | "-" signed  { $$ = build.negative($1, $2); }
   ;
 
 product:

@@ -52,17 +52,20 @@ constexpr std::array characters{
     Row{"\uFEFF", "it cannot be seen (U+FEFF)"},
 };
 
-/// For tokens where the text cannot go on. The first row that the text goes on with counts.
+constexpr char const* a_choice = "a choice is written 'P [] Q' or 'P |~| Q'";
+constexpr char const* a_definition = "a definition is written 'P = …'";
+
+/// For tokens where the text cannot go on, or the one before. The first row that the text goes on with counts.
 constexpr std::array operators{
     Row{"//", "a comment begins with '--'"},
     Row{"/*", "a comment begins with '--', or stands between '{-' and '-}'"},
     Row{"*/", "a comment begins with '--', or stands between '{-' and '-}'"},
     Row{"&&", "'and' joins conditions"},
     Row{"|[", "the parallel composition over a set of events is written 'P [| S |] Q'"},
-    Row{":=", "a definition is written 'P = …'"},
+    Row{":=", a_definition},
     Row{"=>", "a prefix is written 'a -> P'"},
     Row{"<=>", "links are written 'P [a <-> b] Q'"},
-    Row{"+ ", "a choice is written 'P [] Q' or 'P |~| Q'"},
+    Row{"+ ", a_choice},
 };
 
 constexpr std::array words{
@@ -73,9 +76,10 @@ constexpr std::array words{
     Row{"events", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
     Row{"channels", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
     Row{"Channel", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
+    Row{"mod", "the remainder is written 'x % y'"},
+    Row{"div", "the quotient is written 'x / y'"},
     Row{"elseif", "write 'else if'"},
     Row{"elif", "write 'else if'"},
-    Row{"in", "'let … within …' ends its definitions with 'within'"},
     Row{"length", "the length of a sequence is written '#s'"},
 };
 
@@ -88,9 +92,10 @@ class Reading {
 
     std::optional<Hint> hint() const {
         using Try = std::optional<Hint> (Reading::*)() const;
-        for (Try const attempt : {&Reading::of_word, &Reading::of_definition, &Reading::of_let,
-                                  &Reading::of_text, &Reading::of_field, &Reading::of_bracket,
-                                  &Reading::of_operator}) {
+        for (Try const attempt :
+             {&Reading::of_word, &Reading::of_definition, &Reading::of_comparison, &Reading::of_let,
+              &Reading::of_text, &Reading::of_comment, &Reading::of_field, &Reading::of_bracket,
+              &Reading::of_choice, &Reading::of_renaming, &Reading::of_operator}) {
             if (std::optional<Hint> found = (this->*attempt)()) {
                 return found;
             }
@@ -116,10 +121,9 @@ class Reading {
                kind == Token::FILE_END || kind == Token::END;
     }
 
-    bool starts_item_at(int distance) const {
-        unsigned const token = at(distance);
-        return token >= m_tokens.size() || starts_item(kind_at(token)) ||
-               kind_at(token) == Token::RIGHT_PARENTHESIS || kind_at(token) == Token::NAME;
+    bool starts_primary(TokenKind kind) const {
+        return kind == Token::STOP || kind == Token::SKIP || kind == Token::RUN ||
+               kind == Token::CHAOS || kind == Token::NAME || kind == Token::LEFT_PARENTHESIS;
     }
 
     /// The brace that opens the set that ends with this one.
@@ -156,27 +160,44 @@ class Reading {
         return std::nullopt;
     }
 
-    /// `P == Q`, `P : Q`, `channel a = {0}`
+    /// `P == Q`, `P := Q`, `channel a = {0}`
     std::optional<Hint> of_definition() const {
         for (int const distance : {0, -1}) {
-            bool const is_assigned =
-                kind(distance) == Token::NAME && kind(distance + 1) == Token::COLON &&
-                kind(distance + 2) == Token::EQUALS;
+            bool const is_assigned = kind(distance) == Token::NAME &&
+                                     kind(distance + 1) == Token::COLON &&
+                                     kind(distance + 2) == Token::EQUALS;
             if (is_assigned) {
-                return here(distance + 1, "a definition is written 'P = …'");
+                return here(distance + 1, a_definition);
             }
         }
-        if (kind(0) == Token::EQUAL_TO && kind(-1) == Token::NAME && starts_item_at(-2)) {
-            return here(0, "a definition is written 'P = …'");
+        if (kind(0) == Token::NAME && kind(1) == Token::EQUAL_TO) {
+            return here(1, a_definition);
         }
         if (kind(0) == Token::EQUALS && kind(-1) == Token::EQUALS) {
-            return here(0, "a definition is written 'P = …'");
+            return here(0, a_definition);
         }
         if (kind(0) == Token::EQUALS && kind(-1) == Token::NAME && kind(-2) == Token::CHANNEL) {
             return here(0, "the values of a channel stand behind ':', as in 'channel a : {0..4}'");
         }
         if (kind(0) == Token::EQUALS && m_context.follows_term) {
             return here(0, "two values are compared by '=='");
+        }
+        return std::nullopt;
+    }
+
+    /// `if x = 1`, `0 < x < 3`, `x <> 1`, `x /= 1`
+    std::optional<Hint> of_comparison() const {
+        constexpr std::array comparisons{Token::EQUAL_TO, Token::DIFFERS, Token::LESS,
+                                         Token::AT_MOST,  Token::GREATER, Token::AT_LEAST};
+        auto const is_in = [](auto const& kinds, TokenKind wanted) {
+            return std::find(kinds.begin(), kinds.end(), wanted) != kinds.end();
+        };
+        if ((kind(0) == Token::GREATER && kind(-1) == Token::LESS) ||
+            (kind(0) == Token::EQUALS && kind(-1) == Token::DIVIDE)) {
+            return here(-1, "that two values differ is written '!='");
+        }
+        if (m_context.follows_term && is_in(comparisons, kind(0))) {
+            return here(0, "comparisons do not chain: join two of them by 'and'");
         }
         return std::nullopt;
     }
@@ -189,15 +210,29 @@ class Reading {
         return std::nullopt;
     }
 
-    /// `//`, `&&`
+    /// `//`, `&&`, `a => P`
     std::optional<Hint> of_text() const {
-        unsigned const token = m_context.token;
-        std::string_view const rest = std::string_view(
-            (*m_tokens.sources)[m_tokens[token].source].text).substr(m_tokens[token].offset);
-        for (Row const& row : operators) {
-            if (rest.starts_with(row.text)) {
-                return here(0, row.meaning);
+        for (int const distance : {0, -1}) {
+            if (at(distance) >= m_tokens.size()) {
+                continue; // in front of the first one
             }
+            Script::Token const& token = m_tokens[at(distance)];
+            std::string_view const rest =
+                std::string_view((*m_tokens.sources)[token.source].text).substr(token.offset);
+            for (Row const& row : operators) {
+                if (rest.starts_with(row.text) &&
+                    (distance == 0 || row.text.size() > token.length)) {
+                    return here(distance, row.meaning);
+                }
+            }
+        }
+        return std::nullopt;
+    }
+
+    /// `# …`, `- …`: where an item begins, or a value is complete
+    std::optional<Hint> of_comment() const {
+        if (kind(0) == Token::HASH || kind(0) == Token::MINUS) {
+            return here(0, "a comment begins with '--'");
         }
         return std::nullopt;
     }
@@ -223,10 +258,47 @@ class Reading {
         return std::nullopt;
     }
 
-    /// `P || Q`, `STOP -> P`, `c.x+1 -> P`
+    /// `a -> P | b -> Q`, `a -> P + b -> Q`
+    std::optional<Hint> of_choice() const {
+        if (kind(0) == Token::BAR && m_context.follows_term) {
+            return here(0, a_choice);
+        }
+        if (kind(0) != Token::ARROW) {
+            return std::nullopt;
+        }
+        int distance = -1;
+        while (kind(distance) == Token::NAME || kind(distance) == Token::NUMBER ||
+               kind(distance) == Token::DOT) {
+            --distance;
+        }
+        bool const is_sum = kind(distance) == Token::PLUS && kind(distance + 1) == Token::NAME;
+        bool const is_field = kind(distance - 2) == Token::DOT;
+        return is_sum && !is_field ? std::optional(here(distance, a_choice)) : std::nullopt;
+    }
+
+    /// `P[[b/a]]`, `P \ S [[a <- b]]`
+    std::optional<Hint> of_renaming() const {
+        if (kind(0) == Token::RENAMING_OPEN && m_context.follows_term) {
+            return here(0,
+                        "parentheses are needed: '[[' binds tighter than the operator before it");
+        }
+        if (kind(0) != Token::DIVIDE) {
+            return std::nullopt;
+        }
+        int distance = -1;
+        while (kind(distance) == Token::NAME || kind(distance) == Token::NUMBER ||
+               kind(distance) == Token::DOT || kind(distance) == Token::COMMA) {
+            --distance;
+        }
+        return kind(distance) == Token::RENAMING_OPEN
+                   ? std::optional(here(0, "a renaming is written 'P[[a <- b]]'"))
+                   : std::nullopt;
+    }
+
+    /// `P || Q`, `|| x : S @ P`, `STOP -> P`, `c.x+1 -> P`
     std::optional<Hint> of_operator() const {
-        constexpr std::array arithmetic{Token::PLUS,   Token::MINUS,  Token::TIMES, Token::DIVIDE,
-                                        Token::MODULO, Token::CARET};
+        constexpr std::array arithmetic{Token::PLUS,   Token::MINUS,  Token::TIMES,
+                                        Token::DIVIDE, Token::MODULO, Token::CARET};
         if (m_context.follows_term && kind(0) == Token::ARROW &&
             std::find(arithmetic.begin(), arithmetic.end(), kind(-2)) != arithmetic.end()) {
             return here(0, "before '->' an expression stands in parentheses or behind '!', as in "
@@ -235,6 +307,10 @@ class Reading {
         if (m_context.follows_term && kind(0) == Token::PARALLEL) {
             return here(0, "'||' needs to know the events: write 'P [| S |] Q', 'P [S || T] Q' or, "
                            "without common events, 'P ||| Q'");
+        }
+        if (kind(-1) == Token::AT && starts_primary(kind(0))) {
+            return here(0, "each process has its events in front of it: write "
+                           "'|| x : S @ [A(x)] P(x)'");
         }
         if (m_context.follows_term && kind(0) == Token::ARROW) {
             return here(0, "what stands before '->' is an event or a set of events, not a process");

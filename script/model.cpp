@@ -26,7 +26,7 @@ ProcessPointer Script::Model::make(unsigned number) {
     try {
         return m_guarded.make(number);
     } catch (ProcessCompiler::UnguardedRecursion const& error) {
-        throw ScriptError({location_of(*error.names().front()), error.what()});
+        throw ScriptError({location_of(*error.names().front()), error.what()}, *tokens.sources);
     }
 }
 
@@ -35,9 +35,8 @@ ProcessPointer Script::Model::Alone::make(unsigned number) {
     Values::CallTable const& calls = m_model.host.calls();
     m_model.host.set_parent(number);
     try {
-        Value const value =
-            m_model.evaluator.call(calls.definition(instance.call),
-                                   calls.arguments(instance.call), instance.place);
+        Value const value = m_model.evaluator.call(calls.definition(instance.call),
+                                                   calls.arguments(instance.call), instance.place);
         ProcessPointer term = m_model.host.term(value);
         m_model.host.forget();
         return term;
@@ -45,7 +44,7 @@ ProcessPointer Script::Model::Alone::make(unsigned number) {
         m_model.host.forget();
         Diagnostic diagnostic = m_model.diagnostic_of(error);
         m_model.add_callers(number, diagnostic);
-        throw ScriptError(std::move(diagnostic));
+        throw ScriptError(std::move(diagnostic), *m_model.tokens.sources);
     } catch (...) {
         m_model.host.forget();
         throw;
@@ -59,8 +58,9 @@ void Script::Model::add_callers(unsigned reference, Diagnostic& diagnostic) cons
         TermHost::Instance const& instance = host.instance(reference);
         std::span<Value const> const arguments = host.calls().arguments(instance.call);
         if (!arguments.empty()) {
-            diagnostic.notes.push_back(note_of_call(
-                telling(), host.calls().definition(instance.call), arguments, instance.place));
+            diagnostic.notes.push_back(
+                note_of_call(telling(), host.calls().definition(instance.call), arguments,
+                             instance.place, diagnostic.location.source));
         }
     }
     fold(diagnostic.notes);
@@ -79,8 +79,8 @@ std::string Script::Model::name(unsigned number) const {
 ProcessPointer Script::Model::body_of(unsigned definition) {
     host.set_parent(none);
     try {
-        ProcessPointer term =
-            host.term(evaluator.call(definition, {}, translation.program.definitions[definition].place));
+        ProcessPointer term = host.term(
+            evaluator.call(definition, {}, translation.program.definitions[definition].place));
         host.forget();
         return term;
     } catch (...) {

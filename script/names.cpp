@@ -28,6 +28,7 @@ class Declarer {
             for (unsigned const child : m_tree.children_of(declaration)) {
                 if (m_tree[child].kind == NodeKind::channel) {
                     m_names.channels.insert(text_of(child));
+                    m_names.declared.push_back(text_of(child));
                 }
             }
         }
@@ -56,13 +57,15 @@ class Declarer {
         if (found != m_names.by_name.end()) {
             NamedDefinition& first = m_names.definitions[found->second];
             if (is_added(first.token) && !is_added(token)) {
+                first.is_replacement = true;
                 if (parameters > 0) {
-                    report(first.token, in_quotes(name) +
-                                            " has parameters: only a constant can be replaced");
+                    report(first.token,
+                           in_quotes(name) + " has parameters: only a constant can be replaced");
                 }
                 return;
             }
             if (continues(found->second, parameters)) {
+                first.parameter_count = parameters;
                 first.clauses.push_back(node);
                 first.is_lost |= is_lost(node);
                 return;
@@ -76,10 +79,16 @@ class Declarer {
             return;
         }
         auto const number = static_cast<unsigned>(m_names.definitions.size());
-        m_names.definitions.push_back(
-            {.name = name, .token = token, .clauses = {node}, .parameter_count = parameters,
-             .is_lost = is_lost(node)});
+        m_names.definitions.push_back({.name = name,
+                                       .token = token,
+                                       .clauses = {node},
+                                       .parameter_count = parameters,
+                                       .is_lost = is_lost(node),
+                                       .is_constant = is_added(token) && name != asked_name});
         m_last = number;
+        if (!is_lost(node) && m_tree[m_tree[node].last_child].kind != NodeKind::construct) {
+            m_names.hidden.insert(m_tokens.text_of(token));
+        }
         if (found == m_names.by_name.end()) {
             m_names.by_name.emplace(std::move(name), number);
         } else {
@@ -88,10 +97,13 @@ class Declarer {
         }
     }
 
-    /// Whether a definition is the next clause of the one before it.
+    /// Whether a definition is the next clause of the one before it. How many parameters has what
+    /// could not be read is not known.
     bool continues(unsigned first, unsigned parameters) const {
+        NamedDefinition const& definition = m_names.definitions[first];
+        bool const may_have_any = definition.is_lost && definition.parameter_count == 0;
         return first == m_last && parameters > 0 &&
-               parameters == m_names.definitions[first].parameter_count;
+               (parameters == definition.parameter_count || may_have_any);
     }
 
     bool is_lost(unsigned node) const { return m_tree[node].child_count < 2; }
@@ -100,6 +112,7 @@ class Declarer {
         std::string_view const name = m_tokens.text_of(m_tree[datatype].token);
         check_new(m_tree[datatype].token, name);
         m_names.datatypes.try_emplace(name, datatype);
+        m_names.declared.push_back(name);
         for (unsigned const alternative : m_tree.children_of(datatype)) {
             bool const has_fields = m_tree[alternative].kind == NodeKind::dotted;
             unsigned const head = has_fields ? m_tree[alternative].first_child : alternative;
@@ -111,19 +124,22 @@ class Declarer {
             unsigned const token = m_tree[head].token;
             check_new(token, m_tokens.text_of(token));
             m_names.values.try_emplace(m_tokens.text_of(token), alternative);
+            m_names.declared.push_back(m_tokens.text_of(token));
         }
     }
 
     void check_new(unsigned token, std::string_view name) {
-        if (m_names.datatypes.contains(name) || m_names.values.contains(name)) {
+        if (NameTable::is_truth_value(name)) {
+            report(token, in_quotes(name) + " is a truth value");
+        } else if (m_names.datatypes.contains(name) || m_names.values.contains(name)) {
             report(token, in_quotes(name) + " is already a datatype or one of its values");
         } else if (m_names.channels.contains(name)) {
             report(token, in_quotes(name) + " is already a channel");
         } else if (auto const found = m_names.by_name.find(std::string(name));
                    found != m_names.by_name.end()) {
-            report(token, in_quotes(name) + " is already defined in line " +
-                              std::to_string(
-                                  m_tokens[m_names.definitions[found->second].token].line));
+            report(token,
+                   in_quotes(name) + " is already defined in line " +
+                       std::to_string(m_tokens[m_names.definitions[found->second].token].line));
         }
     }
 
@@ -142,8 +158,10 @@ class Declarer {
                 continue;
             }
             for (unsigned const member : m_tree.children_of(set)) {
-                if (m_tree[member].kind == NodeKind::name) {
-                    m_names.values.try_emplace(text_of(member), none);
+                bool const is_name = m_tree[member].kind == NodeKind::name &&
+                                     !NameTable::is_truth_value(text_of(member));
+                if (is_name && m_names.values.try_emplace(text_of(member), none).second) {
+                    m_names.declared.push_back(text_of(member));
                 }
             }
         }
@@ -175,10 +193,10 @@ NameTable resolve_names(TokenList const& tokens, SyntaxTree const& tree, unsigne
         if (definition.first_line > 0) {
             unsigned const first = names.by_name.at(definition.name);
             std::string const what = names.definitions[first].is_process ? "the process " : "";
-            diagnostics.push_back({tokens.location(definition.token),
-                                   what + in_quotes(definition.name) +
-                                       " is already defined in line " +
-                                       std::to_string(definition.first_line)});
+            diagnostics.push_back(
+                {tokens.location(definition.token), what + in_quotes(definition.name) +
+                                                        " is already defined in line " +
+                                                        std::to_string(definition.first_line)});
         }
     }
     return names;

@@ -46,6 +46,10 @@ struct NamedDefinition {
     /// What it says could not be read.
     bool is_lost = false;
     bool is_process = false;
+    /// Given beside the script, and a value whatever its name is.
+    bool is_constant = false;
+    /// It stands in the place of what the script says.
+    bool is_replacement = false;
     /// The line of a definition of the same name that counts instead; 0 if there is none.
     unsigned first_line = 0;
 };
@@ -62,14 +66,21 @@ struct NameTable {
     /// introduces.
     std::unordered_map<std::string_view, unsigned> values;
     std::unordered_map<std::string_view, unsigned> datatypes; // their nodes
+    /// Names of definitions that may be values, by what they say: a process hides no value.
+    std::unordered_set<std::string_view> hidden;
+    /// The names of channels, values and datatypes in the order of the script, for suggestions.
+    std::vector<std::string_view> declared;
     LostNames lost;
 
+    static bool is_truth_value(std::string_view name) { return name == "true" || name == "false"; }
     /// Whether a name in a pattern is the value and no variable.
     bool is_constant(std::string_view name) const {
-        return name == "true" || name == "false" ||
-               (values.contains(name) && !by_name.contains(std::string(name)));
+        return is_truth_value(name) || (values.contains(name) && !hidden.contains(name));
     }
 };
+
+/// What a process that is asked for is defined as.
+constexpr char const* asked_name = "_process";
 
 /// Finds what every name stands for, which definitions are processes, and what local ones need from
 /// around them. Reports names that are defined twice and terms that nest too deeply. Names that

@@ -82,6 +82,10 @@ class KindInference {
     }
 
     void look_at_name(unsigned definition, unsigned node) {
+        if (m_names.definitions[definition].is_constant) {
+            found_value(definition);
+            return;
+        }
         Binding const binding = m_names.bindings[node];
         if (binding.kind == Binding::Kind::definition) {
             m_users[binding.number].push_back(definition);

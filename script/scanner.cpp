@@ -62,18 +62,22 @@ bool ends_operand(TokenKind kind) {
 /// The tokens of one source.
 class Scanner {
   public:
-    Scanner(unsigned source, std::string_view text, Diagnostics& diagnostics)
-        : m_source(source), m_text(text),
-          m_offset(static_cast<unsigned>(byte_order_mark_length(text))),
-          m_lexer(text.substr(m_offset)), m_diagnostics(diagnostics) {}
+    Scanner(unsigned source, Source const& read, Diagnostics& diagnostics)
+        : m_source(source), m_text(read.text), m_line(read.first_line), m_end_line(read.first_line),
+          m_offset(static_cast<unsigned>(byte_order_mark_length(m_text))),
+          m_lexer(m_text.substr(m_offset)), m_diagnostics(diagnostics) {}
 
     /// Ends in END. `ends_in_comment` becomes true if a comment is never closed.
     std::vector<Token> run(bool& ends_in_comment) {
         bool in_comment = false;
         Token comment_start{};
         while (int const kind = m_lexer.next()) {
-            Token const lexeme{static_cast<TokenKind>(kind), m_source, m_offset, m_lexer.length(),
-                               m_line, m_column};
+            Token const lexeme{static_cast<TokenKind>(kind),
+                               m_source,
+                               m_offset,
+                               m_lexer.length(),
+                               m_line,
+                               m_column};
             if (!in_comment) {
                 comment_start = lexeme;
             }
@@ -86,8 +90,7 @@ class Scanner {
             add(comment_start, Parser::token::BAD);
             ends_in_comment = true;
         }
-        m_tokens.push_back(
-            {Parser::token::END, m_source, m_offset, 0, m_end_line, m_end_column});
+        m_tokens.push_back({Parser::token::END, m_source, m_offset, 0, m_end_line, m_end_column});
         return std::move(m_tokens);
     }
 
@@ -187,10 +190,10 @@ class Scanner {
 
     unsigned m_source;
     std::string_view m_text;
-    unsigned m_offset; // of what is scanned next, with its place
-    unsigned m_line = 1;
+    unsigned m_line;     // of what is scanned next
+    unsigned m_end_line; // behind the last token
+    unsigned m_offset;
     unsigned m_column = 1;
-    unsigned m_end_line = 1; // behind the last token
     unsigned m_end_column = 1;
     unsigned m_bad_end = 0; // the end of the last run of bad characters
     Lexer m_lexer;
@@ -229,7 +232,7 @@ class Splicer {
 
     void open(unsigned source) {
         m_open.push_back(
-            {Scanner(source, m_sources[source].text, m_diagnostics).run(m_list.ends_in_comment)});
+            {Scanner(source, m_sources[source], m_diagnostics).run(m_list.ends_in_comment)});
     }
 
     void run_open() {
@@ -252,10 +255,9 @@ class Splicer {
 
     void include(Token const& path) {
         std::string_view const text = m_list.text_of(path);
-        Inclusion found = m_include
-                              ? m_include(text.substr(1, text.size() - 2),
-                                          m_sources[path.source].name)
-                              : Inclusion{{}, "files cannot be included here"};
+        Inclusion found =
+            m_include ? m_include(text.substr(1, text.size() - 2), m_sources[path.source].name)
+                      : Inclusion{{}, "files cannot be included here"};
         if (!found.error.empty()) {
             report(path, in_quotes(text.substr(1, text.size() - 2)) +
                              " cannot be included: " + found.error);

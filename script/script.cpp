@@ -2,21 +2,16 @@
 
 #include "process_compiler/kinds.h"
 #include "process_compiler/unguarded_recursion.h"
+#include "script/constants.h"
 #include "script/declarations.h"
 #include "script/model.h"
 #include "script/scanner.h"
+#include "script/suggestion.h"
 #include "script/syntax_builder.h"
 
 #include <utility>
 
 namespace Calder::Script {
-
-namespace {
-
-/// What the process that is asked for is defined as, in a source of its own.
-constexpr char const* asked_name = "_process";
-
-} // namespace
 
 /// One reading of a script, from the text to the terms.
 class Reader {
@@ -25,29 +20,31 @@ class Reader {
         Sources& sources = m_script->m_sources;
         sources.push_back(std::move(script));
         for (auto const& [name, text] : options.definitions) {
-            sources.push_back({"--define", name + " = " + text});
+            std::string definition = name;
+            definition += " = ";
+            definition += text;
+            sources.push_back({"--define", std::move(definition)});
         }
         if (!options.process.empty()) {
-            sources.push_back({"--process", std::string(asked_name) + " = " + options.process});
+            sources.push_back({"--process", std::string(asked_name) + " =\n" + options.process, 0});
         }
         m_end_added = static_cast<unsigned>(sources.size());
     }
 
     ReadResult read() {
-        m_script->m_model = std::make_unique<Script::Model>(m_script->m_sources,
-                                                            m_script->m_processes);
+        m_script->m_model =
+            std::make_unique<Script::Model>(m_script->m_sources, m_script->m_processes);
         Script::Model& model = *m_script->m_model;
         model.tokens = scan(m_script->m_sources, m_options.include, m_diagnostics);
         model.tree = parse(model.tokens, m_diagnostics);
         model.names = resolve_names(model.tokens, model.tree, 1, m_end_added, m_diagnostics);
+        check_added(model);
         model.translation =
             translate(model.tokens, model.tree, model.names, model.store, m_diagnostics);
         model.graph = connect_calls(model.names, model.translation);
         declare(model.tokens, model.tree, model.names, model.translation, model.channels,
                 model.evaluator, m_script->m_session, m_diagnostics);
-        if (m_diagnostics.empty()) {
-            define(model);
-        }
+        define(model);
         sort_and_remove_repetitions(m_diagnostics);
         if (!m_diagnostics.empty()) {
             return {nullptr, std::move(m_diagnostics), std::move(m_script->m_sources)};
@@ -62,17 +59,54 @@ class Reader {
     }
 
   private:
+    /// A definition that nobody asks for was meant for another name; and a process is asked for.
+    void check_added(Script::Model const& model) {
+        auto const asked = model.names.by_name.find(asked_name);
+        if (!m_options.process.empty() && asked != model.names.by_name.end() &&
+            !model.names.definitions[asked->second].is_process) {
+            unsigned const definition = model.names.definitions[asked->second].clauses[0];
+            m_diagnostics.push_back({Calder::Script::location_of(model.tokens, model.tree,
+                                                                 model.tree[definition].last_child),
+                                     "this is a value, and a process is wanted here"});
+        }
+        std::vector<bool> is_used(model.names.definitions.size());
+        for (Binding const& binding : model.names.bindings) {
+            if (binding.kind == Binding::Kind::definition) {
+                is_used[binding.number] = true;
+            }
+        }
+        for (auto const& [name, text] : m_options.definitions) {
+            auto const found = model.names.by_name.find(name);
+            if (found == model.names.by_name.end() || is_used[found->second] ||
+                model.names.definitions[found->second].is_replacement) {
+                continue;
+            }
+            unsigned budget = suggestion_budget;
+            Suggestion suggestion(name, budget);
+            for (NamedDefinition const& definition : model.names.definitions) {
+                if (definition.name != name) {
+                    suggestion.consider(definition.name);
+                }
+            }
+            m_diagnostics.push_back(
+                {model.tokens.location(model.names.definitions[found->second].token),
+                 "the script neither defines nor uses " + in_quotes(name) + suggestion.text()});
+        }
+    }
+
     bool has_no_parameters(Script::Model const& model, unsigned number) const {
         return model.translation.program.definitions[number].parameter_count == 0 &&
                model.names.definitions[number].parent == none;
     }
 
-    ProcessCompiler::NamedProcessPointer const& reference(Script::Model& model, unsigned number) {
+    ProcessCompiler::NamedProcessPointer reference(Script::Model& model, unsigned number) {
         return model.host.reference(number, {}, model.names.definitions[number].clauses[0]);
     }
 
-    /// Everything without parameters, parts before wholes.
+    /// Everything without parameters, parts before wholes. Where there are errors already, only to
+    /// find recursion without a guard among what can be made in spite of them.
     void define(Script::Model& model) {
+        m_has_errors = !m_diagnostics.empty();
         m_bodies.resize(model.names.definitions.size());
         // References are numbered as they first come up: in the order of the script.
         for (unsigned number = 0; number < m_bodies.size(); ++number) {
@@ -80,9 +114,14 @@ class Reader {
                 reference(model, number);
             }
         }
+        if (!m_has_errors) {
+            compute(model);
+        }
         for (unsigned const number : model.graph.order) {
-            if (has_no_parameters(model, number)) {
-                define_one(model, number);
+            bool const is_first = model.names.definitions[number].first_line == 0;
+            if (has_no_parameters(model, number) && is_first &&
+                model.names.definitions[number].is_process) {
+                guarded(number, [&] { define_process(model, number); });
             }
         }
         for (ProcessCompiler::NameCycle const& cycle :
@@ -91,20 +130,51 @@ class Reader {
         }
     }
 
-    void define_one(Script::Model& model, unsigned number) {
+    /// The values without parameters, each once.
+    void compute(Script::Model& model) {
+        Values::Program const& program = model.translation.program;
+        std::vector<Values::Value> values(program.definitions.size());
+        auto const compute_one = [&](unsigned number) {
+            guarded(number, [&] {
+                values[number] =
+                    model.evaluator.call(number, {}, program.definitions[number].place);
+            });
+        };
+        for (auto number = static_cast<unsigned>(m_bodies.size()); number < values.size();
+             ++number) {
+            compute_one(number); // datatypes
+        }
+        for (unsigned const number : model.graph.order) {
+            if (has_no_parameters(model, number) && !model.names.definitions[number].is_process) {
+                compute_one(number);
+            }
+        }
+        fold_constants(model.translation, values, model.evaluator);
+    }
+
+    void define_process(Script::Model& model, unsigned number) {
+        m_bodies[number] = model.body_of(number);
+        if (model.graph.is_reference[number]) {
+            m_script->m_processes.define(*reference(model, number), m_bodies[number]);
+        }
+    }
+
+    /// Reports what goes wrong with values, where nothing else does. What uses the definition is then
+    /// unreadable: it would go wrong in the same way, and take as long to find that.
+    template <typename Work> void guarded(unsigned definition, Work const& work) {
         try {
-            if (!model.names.definitions[number].is_process) {
-                model.evaluator.call(number, {}, model.names.definitions[number].clauses[0]);
-                return;
-            }
-            m_bodies[number] = model.body_of(number);
-            if (model.graph.is_reference[number]) {
-                m_script->m_processes.define(*reference(model, number), m_bodies[number]);
-            }
+            work();
+            return;
         } catch (Values::EvaluationError const& error) {
-            m_diagnostics.push_back(model.diagnostic_of(error));
+            if (!m_has_errors) {
+                m_diagnostics.push_back(m_script->m_model->diagnostic_of(error));
+            }
         } catch (Values::Unreadable const&) {
             // which is reported
+        }
+        Values::Program& program = m_script->m_model->translation.program;
+        for (Values::Clause const& clause : program.definitions[definition].clauses) {
+            program.expressions[clause.body].kind = Values::ExpressionKind::broken;
         }
     }
 
@@ -156,6 +226,7 @@ class Reader {
     std::unique_ptr<Script> m_script{new Script};
     unsigned m_end_added = 1;
     Diagnostics m_diagnostics;
+    bool m_has_errors = false;                             // before anything was made
     std::vector<ProcessCompiler::ProcessPointer> m_bodies; // by definition
 };
 
@@ -166,6 +237,30 @@ Script::~Script() = default;
 Script::Definition const* Script::find(std::string_view name) const {
     auto const place = m_places.find(name);
     return place == m_places.end() ? nullptr : &m_definitions[place->second];
+}
+
+std::string_view Script::process_with_parameters() const {
+    for (NamedDefinition const& named : m_model->names.definitions) {
+        if (named.is_process && named.parent == none && named.parameter_count > 0) {
+            return named.name;
+        }
+    }
+    return {};
+}
+
+std::string Script::reason_against(std::string_view name) const {
+    auto const found = m_model->names.by_name.find(std::string(name));
+    if (found == m_model->names.by_name.end()) {
+        return "";
+    }
+    NamedDefinition const& definition = m_model->names.definitions[found->second];
+    std::string const quoted = in_quotes(name);
+    if (!definition.is_process) {
+        return quoted + " is a value, and a process is wanted";
+    }
+    return quoted + " has " + std::to_string(definition.parameter_count) + " parameter" +
+           (definition.parameter_count == 1 ? "" : "s") + ": write what for, as in " +
+           in_quotes(std::string(name) + "(…)");
 }
 
 Location Script::location_of(ProcessCompiler::NamedProcess const& reference) const {

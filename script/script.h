@@ -20,13 +20,16 @@ namespace Calder::Script {
 /// before. Comes out of NamedProcessSource::process, and so out of exploring.
 class ScriptError : public std::exception {
   public:
-    explicit ScriptError(Diagnostic diagnostic) : m_diagnostic(std::move(diagnostic)) {}
+    ScriptError(Diagnostic diagnostic, Sources const& sources)
+        : m_diagnostic(std::move(diagnostic)), m_text(render(m_diagnostic, sources)) {}
 
     Diagnostic const& diagnostic() const { return m_diagnostic; }
-    char const* what() const noexcept override { return m_diagnostic.message.c_str(); }
+    /// As it is told: with its place and the line. Whoever catches it may not have the script.
+    char const* what() const noexcept override { return m_text.c_str(); }
 
   private:
     Diagnostic m_diagnostic;
+    std::string m_text;
 };
 
 /// What a script says: the names of its events, and terms by name. Owns all of it; terms and
@@ -56,8 +59,13 @@ class Script {
 
     /// In the order of the script.
     std::vector<Definition> const& definitions() const { return m_definitions; }
+    /// The name of the first process with parameters; empty when there is none.
+    std::string_view process_with_parameters() const;
     /// Null when the script does not define the name.
     Definition const* find(std::string_view name) const;
+    /// Why a name that `find` does not find is no process to be asked for, a part of a sentence; empty
+    /// when the script does not define it at all.
+    std::string reason_against(std::string_view name) const;
     /// The process of ReadOptions; null when none was given.
     Definition const* asked() const { return m_asked.get(); }
     /// Where the name of a process or an instance is defined.

@@ -12,6 +12,8 @@ struct Source {
     /// As messages name it.
     std::string name;
     std::string text;
+    /// 0 for a text whose first line nobody wrote.
+    unsigned first_line = 1;
 };
 
 /// All texts of one script by their number; the first one is the script asked for.

@@ -1,5 +1,7 @@
 #include "script/syntax_builder.h"
 
+#include "script/limits.h"
+
 #include <algorithm>
 #include <string_view>
 
@@ -25,13 +27,54 @@ unsigned SyntaxBuilder::definition(unsigned name, unsigned parameters, unsigned 
 
 void SyntaxBuilder::end_definition(unsigned definition) {
     m_tree.definitions.push_back(definition);
+    m_first_of_item = m_tree.size();
 }
 
 void SyntaxBuilder::lose_definition(unsigned name) {
+    std::vector<unsigned> parts = binds_names(name) ? std::vector<unsigned>() : roots_behind(name);
     unsigned const list = empty_list();
     unsigned const node = leaf(NodeKind::definition, name);
     m_tree.append(node, list);
+    m_tree.fragments.emplace(node, std::move(parts));
     end_definition(node);
+}
+
+/// Whether a definition has parameters, or something in it introduces names.
+bool SyntaxBuilder::binds_names(unsigned name) const {
+    using T = Parser::token;
+    if (m_tokens[name + 1].kind == T::LEFT_PARENTHESIS) {
+        return true;
+    }
+    for (unsigned token = name + 1; token < m_next_token && token < m_tokens.size(); ++token) {
+        TokenKind const kind = m_tokens[token].kind;
+        if (kind == T::LET || kind == T::INPUT || kind == T::CHOSEN_INPUT || kind == T::AT ||
+            kind == T::COLON || kind == T::BAR) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// What was read of a definition and is part of nothing else; of a list that is not finished, what
+/// is in it.
+std::vector<unsigned> SyntaxBuilder::roots_behind(unsigned name) const {
+    unsigned const first = m_first_of_item;
+    std::vector<bool> is_part(m_tree.size() - first);
+    for (unsigned node = first; node < m_tree.size(); ++node) {
+        if (m_tree[node].kind != NodeKind::list) {
+            for (unsigned const child : m_tree.children_of(node)) {
+                is_part[child - first] = true;
+            }
+        }
+    }
+    std::vector<unsigned> roots;
+    for (unsigned node = first; node < m_tree.size(); ++node) {
+        if (!is_part[node - first] && m_tree[node].first_token > name &&
+            m_tree[node].depth <= nesting_limit) {
+            roots.push_back(node);
+        }
+    }
+    return roots;
 }
 
 void SyntaxBuilder::add_declaration(unsigned channels, unsigned fields) {
@@ -58,6 +101,16 @@ unsigned SyntaxBuilder::negative_number(unsigned minus, unsigned number) {
     return node;
 }
 
+unsigned SyntaxBuilder::negative(unsigned minus, unsigned operand) {
+    Node& node = m_tree[operand];
+    bool const is_digits = node.kind == NodeKind::number && node.first_token == node.token;
+    if (is_digits && node.parentheses == 0) {
+        node.first_token = minus;
+        return operand;
+    }
+    return operation(NodeKind::operation, minus, {operand});
+}
+
 unsigned SyntaxBuilder::empty_list() {
     return m_tree.add({.kind = NodeKind::list});
 }
@@ -81,10 +134,8 @@ unsigned SyntaxBuilder::finished(unsigned list, NodeKind kind, unsigned first_to
 }
 
 unsigned SyntaxBuilder::spanning(NodeKind kind, unsigned first_token, unsigned last_token) {
-    return m_tree.add({.kind = kind,
-                       .token = first_token,
-                       .first_token = first_token,
-                       .last_token = last_token});
+    return m_tree.add(
+        {.kind = kind, .token = first_token, .first_token = first_token, .last_token = last_token});
 }
 
 unsigned SyntaxBuilder::tuple(unsigned open, unsigned first, unsigned others, unsigned close) {
@@ -96,8 +147,8 @@ unsigned SyntaxBuilder::tuple(unsigned open, unsigned first, unsigned others, un
 
 unsigned SyntaxBuilder::dotted(unsigned left, unsigned dot, unsigned field) {
     Node& node = m_tree[left];
-    if (node.kind == NodeKind::dotted && !node.is_parenthesised) {
-        node.last_token = m_tree[field].last_token;
+    if (node.kind == NodeKind::dotted && node.parentheses == 0) {
+        node.last_token = m_tree[field].last_token + m_tree[field].parentheses;
         m_tree.append(left, field);
         return left;
     }
@@ -112,8 +163,8 @@ unsigned SyntaxBuilder::operation(NodeKind kind, unsigned token,
     unsigned last = token;
     for (unsigned const part : parts) {
         if (m_tree[part].kind != NodeKind::list) {
-            first = std::min(first, m_tree[part].first_token);
-            last = std::max(last, m_tree[part].last_token);
+            first = std::min(first, m_tree[part].first_token - m_tree[part].parentheses);
+            last = std::max(last, m_tree[part].last_token + m_tree[part].parentheses);
         }
     }
     unsigned const node = spanning(kind, first, last);
@@ -160,7 +211,7 @@ unsigned SyntaxBuilder::chain(Construct construct, unsigned token,
     unsigned const left = *parts.begin();
     Node const& node = m_tree[left];
     ConstructEntry const& own = entry_of(construct);
-    bool const is_open = node.kind == NodeKind::construct && !node.is_parenthesised;
+    bool const is_open = node.kind == NodeKind::construct && node.parentheses == 0;
     if (!is_open || entry_of(node.construct).level < own.level) {
         return term(construct, token, parts);
     }
@@ -195,8 +246,7 @@ unsigned SyntaxBuilder::replicated(Construct construct, unsigned token,
     unsigned const results = empty_list();
     unsigned const node = leaf(NodeKind::construct, token);
     m_tree[node].construct = construct;
-    append_parts(construct == Construct::alphabetised_parallel ? results : node,
-                 alphabet_or_extra);
+    append_parts(construct == Construct::alphabetised_parallel ? results : node, alphabet_or_extra);
     m_tree.append(results, term);
     m_tree.append(node, qualified(token, results, qualifiers));
     m_tree[node].last_token = m_tree[term].last_token;
@@ -211,7 +261,7 @@ unsigned SyntaxBuilder::paired_parallel(unsigned token, unsigned pairs) {
 }
 
 unsigned SyntaxBuilder::parenthesised(unsigned term) {
-    m_tree[term].is_parenthesised = true;
+    ++m_tree[term].parentheses;
     return term;
 }
 

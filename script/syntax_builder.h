@@ -26,6 +26,8 @@ class SyntaxBuilder {
 
     unsigned leaf(NodeKind kind, unsigned token);
     unsigned negative_number(unsigned minus, unsigned number);
+    /// One number of a minus and digits: the smallest one has no positive.
+    unsigned negative(unsigned minus, unsigned operand);
     unsigned empty_list();
     unsigned list_of(unsigned first);
     unsigned extended(unsigned list, unsigned element);
@@ -68,12 +70,15 @@ class SyntaxBuilder {
     bool starts_item(unsigned token) const;
     void append_parts(unsigned node, std::initializer_list<unsigned> parts);
     void lose_names_around(unsigned token);
+    bool binds_names(unsigned name) const;
+    std::vector<unsigned> roots_behind(unsigned name) const;
     void report(unsigned token, std::string message);
 
     TokenList const& m_tokens;
     Diagnostics& m_diagnostics;
     SyntaxTree m_tree;
     unsigned m_next_token = 0;
+    unsigned m_first_of_item = 0; // the first node behind the definition before this one
 };
 
 /// Reads all definitions and declarations; those with errors are reported and left without what

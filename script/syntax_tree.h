@@ -5,6 +5,7 @@
 #include <climits>
 
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -52,7 +53,8 @@ enum class NodeKind : unsigned char {
 struct Node {
     NodeKind kind;
     Construct construct = Construct::stop;
-    bool is_parenthesised = false;
+    /// Pairs right around it, which belong to what it is a part of.
+    unsigned parentheses = 0;
     /// Where it is reported: an operator's own token, of a chain the first one.
     unsigned token = 0;
     unsigned first_token = 0;
@@ -96,6 +98,9 @@ class SyntaxTree {
     std::vector<unsigned> declarations;
     std::vector<unsigned> datatypes;
     LostNames lost_names;
+    /// By definition that is unreadable: the largest parts that were read of what it says, where
+    /// nothing in it binds names. What is wrong in them can be told all the same.
+    std::unordered_map<unsigned, std::vector<unsigned>> fragments;
 
   private:
     std::vector<Node> m_nodes;

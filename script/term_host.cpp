@@ -1,5 +1,6 @@
 #include "script/term_host.h"
 
+#include "process_compiler/recursion_watch.h"
 #include "script/limits.h"
 #include "values/text.h"
 
@@ -22,8 +23,7 @@ NestedTerm::NestedTerm()
 TermHost::TermHost(NameTable const& names, Values::Program const& program, CallGraph const& graph,
                    Values::ChannelTable const& channels,
                    ProcessCompiler::NamedProcessSource& source)
-    : m_names(names), m_program(program), m_graph(graph), m_channels(channels),
-      m_source(source) {}
+    : m_names(names), m_program(program), m_graph(graph), m_channels(channels), m_source(source) {}
 
 TermHost::~TermHost() = default;
 
@@ -81,9 +81,8 @@ void TermHost::take(Expression const& expression, std::span<Value const> operand
     m_processes.clear();
     m_sets.clear();
     m_events.clear();
-    bool const has_pairs =
-        expression.number == static_cast<unsigned>(Construct::renaming) ||
-        expression.number == static_cast<unsigned>(Construct::linked_parallel);
+    bool const has_pairs = expression.number == static_cast<unsigned>(Construct::renaming) ||
+                           expression.number == static_cast<unsigned>(Construct::linked_parallel);
     for (std::size_t index = 0; index < operands.size(); ++index) {
         Value const operand = operands[index];
         if (operand.is(Value::Kind::foreign)) {
@@ -141,9 +140,8 @@ std::vector<Value> TermHost::components_of(unsigned event) const {
 }
 
 Value TermHost::built_prefix(std::span<Value const> operands) {
-    Built const& behind = built(operands[1]);
-    ProcessPointer const process = behind.term;
-    unsigned const depth = behind.depth + 1;
+    unsigned const depth = built(operands[1]).depth + 1;
+    ProcessPointer const process = take_term(operands[1]);
     if (operands[0].is(Value::Kind::set)) {
         OwningArray<ProcessPointer> processes{process};
         return add(entry_of(Construct::prefix)
@@ -182,7 +180,8 @@ Value TermHost::built_chain(Construct construct) {
     }
     Value whole = rest.front();
     for (std::size_t index = 1; index < rest.size(); ++index) {
-        m_processes = from_right ? std::vector{rest[index], whole} : std::vector{whole, rest[index]};
+        m_processes =
+            from_right ? std::vector{rest[index], whole} : std::vector{whole, rest[index]};
         whole = built_of_parts(construct);
     }
     return whole;
@@ -197,7 +196,7 @@ Value TermHost::built_of_parts(Construct construct) {
                              construct == Construct::synchronising_interrupt;
     Parts parts{OwningArray<ProcessPointer>(m_processes.size()), {}, m_events};
     std::transform(m_processes.begin(), m_processes.end(), parts.processes.begin(),
-                   [&](Value process) { return built(process).term; });
+                   [&](Value process) { return take_term(process); });
     std::size_t const count = has_one_set ? std::min<std::size_t>(m_sets.size(), 1) : m_sets.size();
     for (std::size_t index = 0; index < count; ++index) {
         parts.sets.push_back(events_in(m_sets[index]));
@@ -207,8 +206,7 @@ Value TermHost::built_of_parts(Construct construct) {
 
 /// The sets along a chain must be equal: in one term with many operands, and where synchronising
 /// interrupts stand in a row.
-void TermHost::check_one_set(Expression const& expression,
-                             std::span<Value const> operands) const {
+void TermHost::check_one_set(Expression const& expression, std::span<Value const> operands) const {
     Value before;
     for (std::size_t index = 0; index < operands.size(); ++index) {
         if (!operands[index].is(Value::Kind::set)) {
@@ -264,28 +262,31 @@ std::string TermHost::incomplete(Value channel) const {
            in_quotes(m_channels.event_name(*events.begin()));
 }
 
-Value TermHost::refer(unsigned definition, std::span<Value const> arguments,
-                      Values::Place place) {
+Value TermHost::refer(unsigned definition, std::span<Value const> arguments, Values::Place place) {
     return add(reference(definition, arguments, place), 1);
 }
 
-NamedProcessPointer const& TermHost::reference(unsigned definition,
-                                               std::span<Value const> arguments,
-                                               Values::Place place) {
-    auto const [call, is_new] = m_calls.insert(definition, arguments);
-    if (!is_new && call < m_references.size()) {
-        return m_source.references()[m_references[call]];
+/// Whoever watches what is done with terms ends evaluating, too.
+void TermHost::look() {
+    ProcessCompiler::watch_recursion();
+}
+
+NamedProcessPointer TermHost::reference(unsigned definition, std::span<Value const> arguments,
+                                        Values::Place place) {
+    unsigned const call = m_calls.insert(definition, arguments).number;
+    if (call < m_references.size() && m_references[call] != nullptr) {
+        return m_references[call];
     }
-    bool const has_name = arguments.empty();
-    NamedProcessPointer const& made = has_name ? m_source.reference(m_names.definitions[definition].name)
-                                               : m_source.add_reference();
+    m_references.resize(m_calls.size());
+    NamedProcessPointer made = arguments.empty()
+                                   ? m_source.reference(m_names.definitions[definition].name)
+                                   : m_source.add_reference();
     if (m_graph.is_sequential[definition]) {
         m_source.declare_sequential(*made);
     }
     m_instances.resize(std::size_t{made->number()} + 1);
     m_instances.back() = {call, m_parent, place};
-    m_references.resize(std::size_t{call} + 1);
-    m_references.back() = made->number();
+    m_references[call] = made.get();
     return made;
 }
 
@@ -304,6 +305,12 @@ Value TermHost::add(ProcessPointer term, unsigned depth) {
     }
     m_terms.push_back({std::move(term), depth});
     return Value::foreign(static_cast<unsigned>((m_terms.size() - 1) * 2));
+}
+
+/// Every term is part of one other, or kept.
+ProcessPointer TermHost::take_term(Value value) {
+    unsigned const number = value.as_foreign();
+    return (number & 1U) != 0 ? m_kept[number / 2].term : std::move(m_terms[number / 2].term);
 }
 
 unsigned TermHost::depth_of_processes() const {

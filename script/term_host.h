@@ -31,6 +31,8 @@ class TermHost final : public Values::Host {
     Values::Value refer(unsigned definition, std::span<Values::Value const> arguments,
                         Values::Place place) override;
 
+    void look() override;
+
     /// The term of a foreign value. Those that are not kept are forgotten by `forget`, to be called
     /// when nothing is being evaluated.
     ProcessCompiler::ProcessPointer const& term(Values::Value value) const;
@@ -49,7 +51,7 @@ class TermHost final : public Values::Host {
     /// Whose body is built: the number of a reference, or none.
     void set_parent(unsigned reference) { m_parent = reference; }
     /// Of an instance, made now if it is new.
-    ProcessCompiler::NamedProcessPointer const&
+    ProcessCompiler::NamedProcessPointer
     reference(unsigned definition, std::span<Values::Value const> arguments, Values::Place place);
 
   private:
@@ -72,6 +74,7 @@ class TermHost final : public Values::Host {
     std::string incomplete(Values::Value channel) const;
     Values::Value add(ProcessCompiler::ProcessPointer term, unsigned depth);
     Built const& built(Values::Value value) const;
+    ProcessCompiler::ProcessPointer take_term(Values::Value value);
     unsigned depth_of_processes() const;
 
     NameTable const& m_names;
@@ -83,8 +86,8 @@ class TermHost final : public Values::Host {
     std::vector<Built> m_terms; // of what is being evaluated
     std::vector<Built> m_kept;
     Values::CallTable m_calls;
-    std::vector<unsigned> m_references; // by call: the number of its reference
-    std::vector<Instance> m_instances;  // by reference
+    std::vector<ProcessCompiler::NamedProcess*> m_references; // by call; null until there is one
+    std::vector<Instance> m_instances;                        // by reference
     unsigned m_parent = none;
 
     // The operands of the construct that is built, by what they are.

@@ -1,6 +1,8 @@
 #include "script/token_classes.h"
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 namespace Calder::Script {
 
@@ -25,8 +27,8 @@ class Classification {
                 --depth;
             } else if (kind == T::EQUALS) {
                 classify_definition(token, depth > 0);
-            } else if (kind == T::PARALLEL && is_paired(token)) {
-                m_tokens[token].kind = T::PAIRED_PARALLEL;
+            } else if (kind == T::PARALLEL) {
+                classify_parallel(token);
             }
         }
     }
@@ -77,43 +79,78 @@ class Classification {
             name = m_partners[name] - 1;
         }
         TokenKind const before = name > 0 ? kind(name - 1) : T::END;
-        if (before == T::DOT || before == T::CHANNEL || before == T::DATATYPE) {
+        constexpr std::array none_defined_behind{T::DOT, T::CHANNEL, T::DATATYPE,
+                                                 T::IF,  T::AND,     T::OR,
+                                                 T::NOT, T::GUARD,   T::LEFT_PARENTHESIS};
+        if (std::find(none_defined_behind.begin(), none_defined_behind.end(), before) !=
+            none_defined_behind.end()) {
             return;
         }
         if (is_reserved(kind(name))) {
             m_diagnostics.push_back(
-                {m_list.location(name), in_quotes(m_list.text_of(name)) +
-                                            " is a reserved word and cannot be defined"});
+                {m_list.location(name),
+                 in_quotes(m_list.text_of(name)) + " is a reserved word and cannot be defined"});
         } else if (kind(name) != T::NAME) {
             return;
         }
         m_tokens[name].kind = is_local ? T::LOCAL_NAME : T::DEFINED_NAME;
     }
 
-    /// `|| (a, p) : {(S, P)(S, Q)} @ [a] p`
-    bool is_paired(unsigned token) const {
-        constexpr std::array opening{T::LEFT_PARENTHESIS, T::NAME,  T::COMMA,     T::NAME,
+    /// `|| (a, p) : {(S, P)(S, Q)} @ [a] p`. With other letters it is a generator over tuples, unless
+    /// there are processes among what it goes through.
+    void classify_parallel(unsigned token) {
+        constexpr std::array opening{T::LEFT_PARENTHESIS,  T::NAME,  T::COMMA,     T::NAME,
                                      T::RIGHT_PARENTHESIS, T::COLON, T::LEFT_BRACE};
         constexpr std::array closing{T::AT, T::LEFT_BRACKET, T::NAME, T::RIGHT_BRACKET, T::NAME};
-        unsigned next = token;
+        unsigned open = token;
         for (auto const expected : opening) {
-            if (kind(++next) != expected) {
-                return false;
+            if (kind(++open) != expected) {
+                return;
             }
         }
-        unsigned const first = token + 2;
-        unsigned close = m_partners[next];
+        unsigned close = m_partners[open];
         for (auto const expected : closing) {
             if (kind(++close) != expected) {
-                return false;
+                return;
             }
         }
-        auto const is = [this](unsigned name, char const* text) {
-            return m_list.text_of(name) == text;
+        TokenKind const inside = kind(open + 1);
+        if (inside != T::LEFT_PARENTHESIS && inside != T::RIGHT_BRACE) {
+            return;
+        }
+        std::array<std::pair<unsigned, char const*>, 4> const letters{
+            {{token + 2, "a"}, {token + 4, "p"}, {close - 2, "a"}, {close, "p"}}};
+        auto const is_right = [this](auto const& letter) {
+            return m_list.text_of(letter.first) == letter.second;
         };
-        TokenKind const inside = kind(next + 1);
-        return (inside == T::LEFT_PARENTHESIS || inside == T::RIGHT_BRACE) && is(first, "a") &&
-               is(first + 2, "p") && is(close - 2, "a") && is(close, "p");
+        if (!std::all_of(letters.begin(), letters.end(), is_right)) {
+            if (!has_process(open)) {
+                return;
+            }
+            for (auto const& letter : letters) {
+                if (!is_right(letter)) {
+                    m_diagnostics.push_back({m_list.location(letter.first),
+                                             in_quotes(m_list.text_of(letter.first)) + " must be " +
+                                                 in_quotes(letter.second) +
+                                                 ": the letters of a replicated " +
+                                                 "alphabetised parallel over pairs are fixed"});
+                }
+            }
+        }
+        m_tokens[token].kind = T::PAIRED_PARALLEL;
+    }
+
+    /// Whether what only processes have stands between a brace and its partner.
+    bool has_process(unsigned open) const {
+        for (unsigned token = open; token < m_partners[open]; ++token) {
+            TokenKind const kind = m_tokens[token].kind;
+            if (kind == T::STOP || kind == T::SKIP || kind == T::RUN || kind == T::CHAOS ||
+                kind == T::ARROW ||
+                (kind == T::LEFT_PARENTHESIS && this->kind(token - 1) == T::RIGHT_PARENTHESIS)) {
+                return true;
+            }
+        }
+        return false;
     }
 
     TokenList& m_list;

@@ -45,9 +45,7 @@ struct TokenList {
     Token const& operator[](unsigned token) const { return tokens[token]; }
     unsigned size() const { return static_cast<unsigned>(tokens.size()); }
 
-    std::string_view text_of(unsigned token) const {
-        return text_of(tokens[token]);
-    }
+    std::string_view text_of(unsigned token) const { return text_of(tokens[token]); }
     std::string_view text_of(Token const& token) const {
         return std::string_view((*sources)[token.source].text).substr(token.offset, token.length);
     }

@@ -1,3 +1,4 @@
+#include "script/limits.h"
 #include "script/translator.h"
 
 #include <string>
@@ -9,6 +10,9 @@ using Values::PatternKind;
 using Values::Value;
 
 unsigned Translator::pattern(unsigned node) {
+    if (m_tree[node].depth > deepest_node) {
+        return add_pattern({.kind = PatternKind::anything}, {}); // which is reported
+    }
     Operands parts;
     switch (m_tree[node].kind) {
     case NodeKind::name: return pattern_of_name(node);
@@ -33,9 +37,9 @@ unsigned Translator::pattern(unsigned node) {
         for (unsigned child = m_tree[head].next; child != none; child = m_tree[child].next) {
             parts.push_back(pattern(child));
         }
-        return add_pattern({.kind = PatternKind::dotted,
-                            .value = m_store.name(std::string(text_of(head)))},
-                           parts);
+        return add_pattern(
+            {.kind = PatternKind::dotted, .value = m_store.name(std::string(text_of(head)))},
+            parts);
     }
     case NodeKind::set:
         return count(node) == 0
@@ -74,25 +78,13 @@ unsigned Translator::pattern_of_name(unsigned node) {
     if (m_names.bindings[node].kind == Binding::Kind::variable) {
         return variable_pattern(slot_of(m_names.bindings[node].number));
     }
-    bool const is_truth = name == "true" || name == "false";
-    Value const constant =
-        is_truth ? Value::truth(name == "true") : m_store.name(std::string(name));
+    Value const constant = NameTable::is_truth_value(name) ? Value::truth(name == "true")
+                                                           : m_store.name(std::string(name));
     return add_pattern({.kind = PatternKind::constant, .value = constant}, {});
 }
 
 /// `<x, y> ^ s` and `s ^ <x, y>`; of two listed sequences, one of both.
 unsigned Translator::pattern_around_sequence(unsigned node) {
-    if (m_tokens[m_tree[node].token].kind == Parser::token::MINUS && count(node) == 1 &&
-        m_tree[first(node)].kind == NodeKind::number) {
-        unsigned const digits = first(node);
-        Values::Expression const number = m_made.program.expressions[value_of_number(digits)];
-        if (number.kind != Values::ExpressionKind::constant) {
-            return refuse_pattern(node);
-        }
-        return add_pattern({.kind = PatternKind::constant,
-                            .value = m_store.integer(-number.value.as_integer())},
-                           {});
-    }
     if (m_tokens[m_tree[node].token].kind != Parser::token::CARET) {
         return refuse_pattern(node);
     }

@@ -18,12 +18,16 @@ unsigned Translator::process(unsigned node) {
                    {value(m_tree.child(node, 0)), process(m_tree.child(node, 1)),
                     process(m_tree.child(node, 2))});
     case NodeKind::let: return process(m_tree[node].last_child);
+    case NodeKind::operation:
+        if (refuse_sum_of_processes(node)) {
+            return broken(node);
+        }
+        [[fallthrough]];
     case NodeKind::number:
     case NodeKind::tuple:
     case NodeKind::sequence:
     case NodeKind::set:
     case NodeKind::closure:
-    case NodeKind::operation:
     case NodeKind::conjunction:
     case NodeKind::disjunction:
         report(node, "this is a value, and a process is wanted here");
@@ -51,9 +55,9 @@ unsigned Translator::process_of_name(unsigned node) {
     bool const is_path = m_tree[node].kind == NodeKind::dotted;
     if (binding.kind == Binding::Kind::definition &&
         m_names.definitions[binding.number].is_process) {
-        unsigned const arguments = is_path                                ? arguments_of_path(node)
+        unsigned const arguments = is_path                               ? arguments_of_path(node)
                                    : m_tree[node].kind == NodeKind::call ? node
-                                                                          : none;
+                                                                         : none;
         return call(node, binding.number, arguments);
     }
     if (is_path) {
@@ -66,13 +70,14 @@ unsigned Translator::process_of_name(unsigned node) {
     if (is_value) {
         report(node, in_quotes(name) + " is a value, and a process is wanted here");
     } else if (!is_lost(node)) {
-        report(node, "the process " + in_quotes(name) + " is not defined" +
-                         hint_for_process(name));
+        bool const is_call = m_tree[node].kind == NodeKind::call;
+        report_token(node, (is_call ? "the name " : "the process ") + in_quotes(name) +
+                               " is not defined" + hint_for_process(name, is_call));
     }
     return broken(node);
 }
 
-std::string Translator::hint_for_process(std::string_view name) {
+std::string Translator::hint_for_process(std::string_view name, bool is_call) {
     if (m_names.channels.contains(name)) {
         return ": " + in_quotes(name) + " is an event";
     }
@@ -86,8 +91,13 @@ std::string Translator::hint_for_process(std::string_view name) {
         if (!suggestion.wants_more()) {
             break;
         }
-        if (definition.is_process) {
+        if (definition.is_process || is_call) {
             suggestion.consider(definition.name);
+        }
+    }
+    if (is_call) {
+        for (std::string_view const builtin : builtin_names()) {
+            suggestion.consider(builtin);
         }
     }
     return suggestion.text();
@@ -109,7 +119,7 @@ unsigned Translator::process_of_construct(unsigned node) {
         append_operand(node, child, place++, operands);
         // Where synchronising interrupts stand in a row, their sets must be the same.
         if (construct == Construct::synchronising_interrupt && place == 1 &&
-            m_tree[child].kind == NodeKind::construct && !m_tree[child].is_parenthesised &&
+            m_tree[child].kind == NodeKind::construct && m_tree[child].parentheses == 0 &&
             m_tree[child].construct == construct) {
             operands.push_back(event_set(m_tree.child(child, 1)));
         }
@@ -117,8 +127,7 @@ unsigned Translator::process_of_construct(unsigned node) {
     return add_construct(construct, node, operands);
 }
 
-void Translator::append_operand(unsigned node, unsigned child, unsigned place,
-                                Operands& operands) {
+void Translator::append_operand(unsigned node, unsigned child, unsigned place, Operands& operands) {
     Construct const construct = m_tree[node].construct;
     bool const is_alphabetised =
         construct == Construct::alphabetised_parallel || construct == Construct::paired_parallel;
@@ -142,7 +151,7 @@ bool Translator::is_set_operand(unsigned node, unsigned place) const {
     case Construct::paired_parallel: return place % 2 == 0;
     case Construct::alphabetised_parallel: return place == 1 || place == 2;
     case Construct::hiding:
-    case Construct::projection: return place == 1;
+    case Construct::projection:
     case Construct::synchronising_interrupt:
     case Construct::exception: return place == 1;
     case Construct::synchronising_external_choice:
@@ -175,8 +184,11 @@ void Translator::append_pair(Construct construct, unsigned pair, Operands& opera
 }
 
 bool Translator::is_tick(unsigned node) const {
-    return m_tree[node].kind == NodeKind::name && text_of(node) == "tick" &&
-           m_names.bindings[node].kind == Binding::Kind::neither;
+    Binding const binding = m_names.bindings[node];
+    bool const is_free =
+        binding.kind == Binding::Kind::neither || (binding.kind == Binding::Kind::definition &&
+                                                   m_names.definitions[binding.number].is_process);
+    return is_free && m_tree[node].kind == NodeKind::name && text_of(node) == "tick";
 }
 
 unsigned Translator::prefix(unsigned node) {
@@ -186,6 +198,8 @@ unsigned Translator::prefix(unsigned node) {
     NodeKind const kind = m_tree[head].kind;
     if (is_bare && kind == NodeKind::construct) {
         report(node, "what stands before '->' is an event or a set of events, not a process");
+        process(head); // for what else is wrong
+        process(m_tree[node].last_child);
         return broken(node);
     }
     if (is_bare && (kind == NodeKind::set || kind == NodeKind::closure)) {
@@ -218,8 +232,7 @@ unsigned Translator::prefix(unsigned node) {
 bool Translator::uses_input(unsigned pattern) const {
     if (m_tree[pattern].kind == NodeKind::name) {
         Binding const binding = m_names.bindings[pattern];
-        return binding.kind == Binding::Kind::variable &&
-               m_names.variables[binding.number].is_used;
+        return binding.kind == Binding::Kind::variable && m_names.variables[binding.number].is_used;
     }
     for (unsigned const child : m_tree.children_of(pattern)) {
         if (uses_input(child)) {
@@ -274,10 +287,9 @@ void Translator::append_input(unsigned item, Operands& known, Values::Comprehens
     }
     unsigned const number = add_constant(m_store.integer(behind), item);
     unsigned const through =
-        count(item) > 1
-            ? value(m_tree[item].last_child)
-            : add_operation(Operation::field_values, item,
-                            {add_operation(Operation::dot, item, known), number});
+        count(item) > 1 ? value(m_tree[item].last_child)
+                        : add_operation(Operation::field_values, item,
+                                        {add_operation(Operation::dot, item, known), number});
     bool const is_variable = m_names.bindings[shape].kind == Binding::Kind::variable;
     unsigned const bound = is_variable ? slot_of(m_names.bindings[shape].number) : new_slots(1);
     unsigned const slots = new_slots(2);
@@ -285,8 +297,7 @@ void Translator::append_input(unsigned item, Operands& known, Values::Comprehens
     known.push_back(add_variable(bound, item));
     bool const is_anything = m_tree[shape].kind == NodeKind::name && text_of(shape) == "_";
     if (!is_variable && !is_anything) {
-        unsigned const one =
-            add_operation(Operation::sequence, item, {add_variable(bound, item)});
+        unsigned const one = add_operation(Operation::sequence, item, {add_variable(bound, item)});
         unsigned const inner = new_slots(2);
         made.qualifiers.push_back({pattern(shape), one, inner});
     }

@@ -1,4 +1,5 @@
 #include "script/hints.h"
+#include "script/limits.h"
 #include "script/translator.h"
 
 #include <charconv>
@@ -37,6 +38,9 @@ Operation operation_of(TokenKind kind, bool has_two) {
 
 unsigned Translator::value(unsigned node) {
     using Values::ExpressionKind;
+    if (m_tree[node].depth > deepest_node) {
+        return broken(node); // which is reported
+    }
     switch (m_tree[node].kind) {
     case NodeKind::name: return value_of_name(node);
     case NodeKind::number: return value_of_number(node);
@@ -101,11 +105,12 @@ unsigned Translator::value_of_name(unsigned node) {
         return add_variable(slot_of(binding.number), node);
     }
     if (binding.kind == Binding::Kind::definition) {
-        bool const is_process = m_names.definitions[binding.number].is_process;
-        if (!is_process) {
+        NamedDefinition const& named = m_names.definitions[binding.number];
+        if (!named.is_process || named.is_lost) {
             return call(node, binding.number, none);
         }
-        if (!m_names.channels.contains(text_of(node)) && !m_names.values.contains(text_of(node))) {
+        std::string_view const name = text_of(node);
+        if (!m_names.channels.contains(name) && !m_names.values.contains(name) && name != "tick") {
             report(node, in_quotes(text_of(node)) + " is a process, and a value is wanted here");
             return broken(node);
         }
@@ -120,10 +125,8 @@ unsigned Translator::value_of_unbound_name(unsigned node) {
     }
     if (auto const datatype = m_datatype_definitions.find(name);
         datatype != m_datatype_definitions.end()) {
-        return add({.kind = Values::ExpressionKind::call,
-                    .place = node,
-                    .number = datatype->second},
-                   {});
+        return add(
+            {.kind = Values::ExpressionKind::call, .place = node, .number = datatype->second}, {});
     }
     if (m_names.values.contains(name)) {
         return add_constant(m_store.name(std::string(name)), node);
@@ -139,9 +142,9 @@ unsigned Translator::value_of_unbound_name(unsigned node) {
     switch (builtin->kind) {
     case Builtin::Kind::truth: return add_constant(Value::truth(builtin->truth), node);
     case Builtin::Kind::truth_values:
-        return add_operation(Operation::set, node,
-                             {add_constant(Value::truth(false), node),
-                              add_constant(Value::truth(true), node)});
+        return add_operation(
+            Operation::set, node,
+            {add_constant(Value::truth(false), node), add_constant(Value::truth(true), node)});
     case Builtin::Kind::events: return add_declared(node);
     case Builtin::Kind::function: break;
     }
@@ -187,11 +190,28 @@ unsigned Translator::value_of_call(unsigned node) {
 
 unsigned Translator::value_of_operation(unsigned node) {
     Operands operands;
+    TokenKind const kind = m_tokens[m_tree[node].token].kind;
+    if (refuse_sum_of_processes(node)) {
+        return broken(node);
+    }
     for (unsigned const child : m_tree.children_of(node)) {
         operands.push_back(value(child));
     }
-    TokenKind const kind = m_tokens[m_tree[node].token].kind;
     return add_operation(operation_of(kind, operands.size() == 2), node, operands);
+}
+
+/// `P + Q`, with which other algebras choose.
+bool Translator::refuse_sum_of_processes(unsigned node) {
+    if (m_tokens[m_tree[node].token].kind != Parser::token::PLUS) {
+        return false;
+    }
+    for (unsigned const child : m_tree.children_of(node)) {
+        if (m_tree[child].kind == NodeKind::construct) {
+            report_token(node, "numbers are added, and a choice is written 'P [] Q' or 'P |~| Q'");
+            return true;
+        }
+    }
+    return false;
 }
 
 /// Of a tuple, a sequence or a set.
@@ -208,9 +228,9 @@ void Translator::append_element(unsigned node, Operands& operands) {
         operands.push_back(comprehension(node, Results::values));
     } else if (m_tree[node].kind == NodeKind::range) {
         unsigned const slots = new_slots(3);
-        unsigned const range = add_operation(
-            Operation::sequence_range, node,
-            {value(m_tree.child(node, 0)), value(m_tree.child(node, 1))});
+        unsigned const range =
+            add_operation(Operation::sequence_range, node,
+                          {value(m_tree.child(node, 0)), value(m_tree.child(node, 1))});
         operands.push_back(add_comprehension(
             {{{variable_pattern(slots), range, slots + 1}}, {add_variable(slots, node)}}, node));
     } else {
@@ -252,169 +272,6 @@ unsigned Translator::comprehension(unsigned node, Results wanted) {
         }
     }
     return add_comprehension(std::move(made), node);
-}
-
-unsigned Translator::event_set(unsigned node) {
-    NodeKind const kind = m_tree[node].kind;
-    unsigned const inner = first(node);
-    if (kind == NodeKind::name && m_names.bindings[node].kind == Binding::Kind::neither &&
-        m_names.channels.contains(text_of(node))) {
-        report(node, "a set of events stands between braces, as in '{| " +
-                         std::string(text_of(node)) + " |}'");
-        return broken(node);
-    }
-    if (kind != NodeKind::set || (inner != none && m_tree[inner].kind == NodeKind::comprehension)) {
-        return value(node);
-    }
-    bool const is_doubled =
-        count(node) == 1 && !m_tree[inner].is_parenthesised &&
-        (m_tree[inner].kind == NodeKind::set || m_tree[inner].kind == NodeKind::closure);
-    if (is_doubled) {
-        return event_set(inner);
-    }
-    Operands operands;
-    for (unsigned const child : m_tree.children_of(node)) {
-        bool const may_be_name =
-            m_tree[child].kind == NodeKind::name || m_tree[child].kind == NodeKind::dotted;
-        if (may_be_name) {
-            operands.push_back(event(child, Use::element));
-        } else {
-            append_element(child, operands);
-        }
-    }
-    return add_operation(Operation::set, node, operands);
-}
-
-/// Not a variable, nor defined as a value: a channel, or something that nobody knows and that
-/// stands where an event should.
-bool Translator::may_be_event(unsigned node, Use use) const {
-    Binding const binding = m_names.bindings[node];
-    if (m_tree[node].kind != NodeKind::name || binding.kind == Binding::Kind::variable ||
-        (binding.kind == Binding::Kind::definition &&
-         !m_names.definitions[binding.number].is_process)) {
-        return false;
-    }
-    std::string_view const name = text_of(node);
-    return m_names.channels.contains(name) ||
-           (use != Use::value && name != "tick" && !m_names.values.contains(name) &&
-            !m_names.datatypes.contains(name) && find_builtin(name) == nullptr);
-}
-
-unsigned Translator::event(unsigned node, Use use) {
-    bool const has_fields = m_tree[node].kind == NodeKind::dotted;
-    unsigned const head = has_fields ? first(node) : node;
-    if (has_fields && m_names.bindings[node].kind == Binding::Kind::definition &&
-        !may_be_event(head, use)) {
-        return value_of_path(node);
-    }
-    bool const is_performed = use == Use::event || use == Use::renamed || use == Use::beginning;
-    if (is_performed && is_tick(node)) {
-        report(node, "'tick' may stand only in a set of events and in 'tick <-> tick'");
-        return broken(node);
-    }
-    if (!has_fields && !may_be_event(node, use)) {
-        return value(node);
-    }
-    bool const is_literal = may_be_event(head, use);
-    bool const has_channel = !is_literal || m_names.channels.contains(text_of(head));
-    Fields fields{is_literal && has_channel};
-    Operands parts;
-    if (!is_literal) {
-        parts.push_back(value(head));
-    } else {
-        parts.push_back(has_channel ? add_declared(head) : broken(head));
-    }
-    for (unsigned child = has_fields ? m_tree[head].next : none; child != none;
-         child = m_tree[child].next) {
-        parts.push_back(field(child, fields));
-    }
-    unsigned const made = add_operation(Operation::dot, node, parts);
-    if (!has_channel || fields.are_literal) {
-        m_made.literals.push_back({made, node, use, !has_channel || fields.unknown != none});
-    } else if (fields.unknown != none && !is_lost(fields.unknown)) {
-        report_unknown(fields.unknown);
-    }
-    return made;
-}
-
-/// A definition that is local to another one, asked for by its path.
-unsigned Translator::value_of_path(unsigned node) {
-    unsigned const definition = m_names.bindings[node].number;
-    if (m_names.definitions[definition].is_process) {
-        report(node, in_quotes(m_names.definitions[definition].name) +
-                         " is a process, and a value is wanted here");
-        return broken(node);
-    }
-    return call(node, definition, arguments_of_path(node));
-}
-
-/// What is known when the channels are declared: a channel, or `Events`.
-unsigned Translator::add_declared(unsigned node) {
-    unsigned const made = broken(node);
-    m_made.declared_later.push_back(made);
-    return made;
-}
-
-/// What stands behind a dot: a value rather than a channel of the same name.
-unsigned Translator::field(unsigned node, Fields& fields) {
-    if (m_tree[node].kind != NodeKind::name) {
-        fields.are_literal &= m_tree[node].kind == NodeKind::number;
-        return value(node);
-    }
-    std::string_view const name = text_of(node);
-    Binding const binding = m_names.bindings[node];
-    bool const is_value_definition = binding.kind == Binding::Kind::definition &&
-                                     !m_names.definitions[binding.number].is_process;
-    if (binding.kind == Binding::Kind::variable || is_value_definition) {
-        fields.are_literal = false;
-        return value(node);
-    }
-    if (m_names.values.contains(name)) {
-        return add_constant(m_store.name(std::string(name)), node);
-    }
-    if (m_names.datatypes.contains(name) || m_names.channels.contains(name) ||
-        find_builtin(name) != nullptr) {
-        return value_of_unbound_name(node);
-    }
-    fields.unknown = node;
-    return broken(node);
-}
-
-void Translator::report_unknown(unsigned node) {
-    if (!is_lost(node)) {
-        report(node, "the name " + in_quotes(text_of(node)) + " is not defined" +
-                         suggestion_for_value(text_of(node)));
-    }
-}
-
-std::string Translator::suggestion_for_value(std::string_view name) {
-    if (std::string const hint = word_hint(name); !hint.empty()) {
-        return ": " + hint;
-    }
-    Suggestion suggestion(name, m_suggestion_budget);
-    for (Variable const& variable : m_names.variables) {
-        if (variable.owner == m_definition) {
-            suggestion.consider(m_tokens.text_of(variable.token));
-        }
-    }
-    for (auto const& [known, number] : m_names.by_name) {
-        if (!m_names.definitions[number].is_process) {
-            suggestion.consider(known);
-        }
-    }
-    for (std::string_view const known : m_names.channels) {
-        suggestion.consider(known);
-    }
-    for (auto const& [known, node] : m_names.values) {
-        suggestion.consider(known);
-    }
-    for (auto const& [known, node] : m_names.datatypes) {
-        suggestion.consider(known);
-    }
-    for (std::string_view const known : builtin_names()) {
-        suggestion.consider(known);
-    }
-    return suggestion.text();
 }
 
 } // namespace Calder::Script

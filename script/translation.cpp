@@ -59,8 +59,7 @@ void Translator::translate_definition(unsigned number) {
     Definition made;
     made.name = named.name;
     made.place = named.clauses.front();
-    made.parameter_count =
-        static_cast<unsigned>(named.captures.size()) + named.parameter_count;
+    made.parameter_count = static_cast<unsigned>(named.captures.size()) + named.parameter_count;
     Operands captured;
     for (unsigned const variable : named.captures) {
         captured.push_back(variable_pattern(slot_of(variable)));
@@ -71,6 +70,11 @@ void Translator::translate_definition(unsigned number) {
             clause.patterns.push_back(pattern(parameter));
         }
         if (named.is_lost) {
+            if (auto const parts = m_tree.fragments.find(node); parts != m_tree.fragments.end()) {
+                for (unsigned const part : parts->second) {
+                    check_fragment(part);
+                }
+            }
             clause.body = broken(node);
         } else {
             unsigned const body = m_tree[node].last_child;
@@ -81,6 +85,53 @@ void Translator::translate_definition(unsigned number) {
     made.slot_count = m_slot_count;
     m_made.program.definitions[number] = std::move(made);
     m_definition = none;
+}
+
+/// Translated only for what is wrong with it. What a name or a set was meant for is told by the
+/// token on its other side; where that leaves it open, nothing is said.
+void Translator::check_fragment(unsigned node) {
+    using T = Parser::token;
+    NodeKind const kind = m_tree[node].kind;
+    bool const is_name = kind == NodeKind::name || kind == NodeKind::dotted;
+    bool const is_set = kind == NodeKind::set || kind == NodeKind::closure;
+    if (kind == NodeKind::construct) {
+        process(node);
+        return;
+    }
+    if (!is_name && !is_set) {
+        return;
+    }
+    TokenKind const before = m_tokens[m_tree[node].first_token - 1].kind;
+    switch (m_tokens[m_tree[node].last_token + 1].kind) {
+    case T::ARROW:
+        if (is_set) {
+            event_set(node);
+        } else {
+            event(node, Use::event);
+        }
+        return;
+    case T::SEMICOLON:
+    case T::SLIDING_CHOICE:
+    case T::INTERRUPT:
+    case T::SYNCHRONISING_INTERRUPT_OPEN:
+    case T::EXTERNAL_CHOICE:
+    case T::SYNCHRONISING_CHOICE_OPEN:
+    case T::INTERNAL_CHOICE:
+    case T::PARALLEL_OPEN:
+    case T::LEFT_BRACKET:
+    case T::INTERLEAVING:
+    case T::HIDING:
+    case T::PROJECTION:
+        if (is_name) {
+            process(node);
+        }
+        return;
+    default:
+        if (is_set && (before == T::HIDING || before == T::PROJECTION ||
+                       before == T::LEFT_BRACKET || before == T::PARALLEL_OPEN)) {
+            event_set(node);
+        }
+    }
 }
 
 /// A process that is on no cycle is evaluated once and shared.
@@ -146,7 +197,7 @@ void Translator::translate_declaration(unsigned node) {
             unsigned const expression = field_values(field);
             made.fields.push_back({field, expression, m_slot_count});
         };
-        if (m_tree[child].kind == NodeKind::dotted && !m_tree[child].is_parenthesised) {
+        if (m_tree[child].kind == NodeKind::dotted && m_tree[child].parentheses == 0) {
             for (unsigned const field : m_tree.children_of(child)) {
                 add_field(field);
             }
@@ -190,14 +241,16 @@ unsigned Translator::call(unsigned node, unsigned definition, unsigned arguments
     } else {
         arguments = captured_arguments(definition, node);
     }
-    if (given != wanted) {
-        report_arguments(node, named.name, wanted, given);
-        return broken(node);
-    }
     if (arguments_node != none) {
         for (unsigned const argument : m_tree.children_of(arguments_node)) {
             arguments.push_back(value(argument));
         }
+    }
+    if (given != wanted) {
+        if (!named.is_lost) {
+            report_arguments(node, named.name, wanted, given);
+        }
+        return broken(node);
     }
     return add({.kind = Values::ExpressionKind::call, .place = node, .number = definition},
                arguments);
@@ -284,6 +337,10 @@ bool Translator::is_lost(unsigned node) const {
 
 void Translator::report(unsigned node, std::string message) {
     m_diagnostics.push_back({location_of(m_tokens, m_tree, node), std::move(message)});
+}
+
+void Translator::report_token(unsigned node, std::string message) {
+    m_diagnostics.push_back({m_tokens.location(m_tree[node].token), std::move(message)});
 }
 
 Location location_of(TokenList const& tokens, SyntaxTree const& tree, unsigned node) {

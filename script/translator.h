@@ -33,6 +33,7 @@ class Translator {
 
     // translation.cpp: definitions and declarations
     void translate_definition(unsigned number);
+    void check_fragment(unsigned node);
     unsigned kept(unsigned process, unsigned node);
     void translate_datatype(unsigned node);
     unsigned alternative(unsigned node, Translation::Datatype& datatype);
@@ -48,10 +49,13 @@ class Translator {
     unsigned value_of_call(unsigned node);
     unsigned value_of_path(unsigned node);
     unsigned value_of_operation(unsigned node);
+    bool refuse_sum_of_processes(unsigned node);
     unsigned elements(Values::Operation operation, unsigned node);
     void append_element(unsigned node, Operands& operands);
     unsigned closure(unsigned node);
     unsigned comprehension(unsigned node, Results wanted);
+
+    // translate_events.cpp: where an event or a set of events may stand
     /// A set of events.
     unsigned event_set(unsigned node);
     bool may_be_event(unsigned node, Use use) const;
@@ -83,7 +87,7 @@ class Translator {
     unsigned inputs(unsigned node, unsigned item, Operands const& pieces, bool as_set);
     void append_input(unsigned item, Operands& known, Values::Comprehension& made);
     unsigned output(unsigned node, Fields& fields);
-    std::string hint_for_process(std::string_view name);
+    std::string hint_for_process(std::string_view name, bool is_call);
 
     // A call of a definition, from wherever it is seen.
     unsigned call(unsigned node, unsigned definition, unsigned arguments_node);
@@ -105,6 +109,8 @@ class Translator {
     std::string_view text_of(unsigned node) const { return m_tokens.text_of(m_tree[node].token); }
     bool is_lost(unsigned node) const;
     void report(unsigned node, std::string message);
+    /// At the node's own token alone: its name, or its operator.
+    void report_token(unsigned node, std::string message);
 
     TokenList const& m_tokens;
     SyntaxTree const& m_tree;
@@ -113,7 +119,7 @@ class Translator {
     Diagnostics& m_diagnostics;
     Translation m_made;
 
-    unsigned m_definition = none; // the one that is being translated
+    unsigned m_definition = none;                   // the one that is being translated
     std::unordered_map<unsigned, unsigned> m_slots; // of its variables
     unsigned m_slot_count = 0;
     std::unordered_map<std::string_view, unsigned> m_datatype_definitions;

@@ -17,10 +17,11 @@ std::string text_of_call(Telling const& telling, unsigned definition,
 }
 
 std::string note_of_call(Telling const& telling, unsigned definition,
-                         std::span<Values::Value const> arguments, Values::Place place) {
+                         std::span<Values::Value const> arguments, Values::Place place,
+                         unsigned source) {
     Location const location = location_of(telling.tokens, telling.tree, place);
     std::string const file =
-        location.source == 0 ? "" : (*telling.tokens.sources)[location.source].name + ":";
+        location.source == source ? "" : (*telling.tokens.sources)[location.source].name + ":";
     return "in " + text_of_call(telling, definition, arguments) + ", called at " + file +
            std::to_string(location.line) + ":" + std::to_string(location.column);
 }
@@ -42,8 +43,8 @@ Diagnostic diagnostic_of(Telling const& telling, Values::EvaluationError const& 
         if (call.definition == Values::no_number) {
             diagnostic.notes.push_back("… and so on …");
         } else if (telling.program.definitions[call.definition].parameter_count > 0) {
-            diagnostic.notes.push_back(
-                note_of_call(telling, call.definition, call.arguments, call.place));
+            diagnostic.notes.push_back(note_of_call(telling, call.definition, call.arguments,
+                                                    call.place, diagnostic.location.source));
         }
     }
     return diagnostic;

@@ -23,9 +23,11 @@ Diagnostic diagnostic_of(Telling const& telling, Values::EvaluationError const& 
 std::string text_of_call(Telling const& telling, unsigned definition,
                          std::span<Values::Value const> arguments);
 
-/// `in BUFFER(<0, 1>), called at 7:14`; with the name of the file where that is not the script's.
+/// `in BUFFER(<0, 1>), called at 7:14`; with the name of the source where that is not `source`, in
+/// which the error stands.
 std::string note_of_call(Telling const& telling, unsigned definition,
-                         std::span<Values::Value const> arguments, Values::Place place);
+                         std::span<Values::Value const> arguments, Values::Place place,
+                         unsigned source);
 
 /// Of very many notes the first and the last ones, and how many there are between them.
 void fold(std::vector<std::string>& notes);

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <chrono>
 #include <limits>
+#include <optional>
 #include <thread>
 #include <unistd.h>
 
@@ -34,7 +35,47 @@ unsigned thread_count(ExploreOptions const& options) {
     return options.threads.value_or(std::max(std::thread::hardware_concurrency(), 1U));
 }
 
-/// By the machine, if it is wanted and there is one; otherwise by terms.
+/// One search of a process, by one engine or the other.
+class Search {
+  public:
+    Search(Script::Script const& script, Script::Script::Definition const& definition,
+           StateSpace::RunOptions bounds)
+        : m_script(script), m_definition(definition), m_bounds(std::move(bounds)) {}
+
+    /// By the machine, if there is one; otherwise by terms, and `note` says why. So it goes, too, when
+    /// a component by itself comes to an error of values: the process may never let it come so far.
+    StateSpace::MachineExploration by_machine(std::string& note) const {
+        try {
+            StateSpace::MachineExploration found =
+                StateSpace::explore_by_machine(m_definition.term, m_script.processes(), m_bounds);
+            std::string const& reason =
+                found.run.refusal.empty() ? found.why_by_terms : found.run.refusal;
+            if (!reason.empty()) {
+                note = fmt::format("calder: {} is explored term by term: {}\n{}", m_definition.name,
+                                   reason, recursion_notes(found.refused, m_script));
+            }
+            return found.run.refusal.empty() ? std::move(found) : by_terms();
+        } catch (Script::ScriptError const& error) {
+            note = fmt::format("calder: {} is explored term by term: one of its components by "
+                               "itself comes to an error\n{}",
+                               m_definition.name, error.what());
+            return by_terms();
+        }
+    }
+
+    StateSpace::MachineExploration by_terms() const {
+        StateSpace::MachineExploration found;
+        found.run = StateSpace::run_of(
+            StateSpace::explore(m_definition.term, m_script.processes(), m_bounds));
+        return found;
+    }
+
+  private:
+    Script::Script const& m_script;
+    Script::Script::Definition const& m_definition;
+    StateSpace::RunOptions m_bounds;
+};
+
 StateSpace::MachineExploration explore(Script::Script const& script,
                                        Script::Script::Definition const& definition,
                                        ExploreOptions const& options,
@@ -49,20 +90,15 @@ StateSpace::MachineExploration explore(Script::Script const& script,
     };
     bounds.threads = thread_count(options);
     bounds.keep_transitions = options.deadlock || !options.output.empty();
-    StateSpace::MachineExploration result;
-    if (options.engine == Engine::machine) {
-        result = StateSpace::explore_by_machine(definition.term, script.processes(), bounds);
-        if (result.run.refusal.empty()) {
-            return result;
-        }
-        if (!options.quiet) {
-            print_message(fmt::format(
-                "calder: {} is explored term by term: {}\n{}", definition.name, result.run.refusal,
-                recursion_notes(result.refused, script, options.input.name())));
-        }
+    Search const search(script, definition, std::move(bounds));
+    if (options.engine == Engine::terms) {
+        return search.by_terms();
     }
-    result.run =
-        StateSpace::run_of(StateSpace::explore(definition.term, script.processes(), bounds));
+    std::string note;
+    StateSpace::MachineExploration result = search.by_machine(note);
+    if (!note.empty() && !result.machine && !options.quiet) {
+        print_message(note);
+    }
     return result;
 }
 
@@ -163,18 +199,11 @@ int exit_code(StateSpace::Run const& run, bool holds, bool is_written) {
     return complete && is_written ? exit_holds : exit_stopped_early;
 }
 
-} // namespace
-
-int explore_process(ExploreOptions const& options) {
-    if (!options.output.empty()) {
-        StateSpace::check_lts_file(options.output); // before the work, not after it
-    }
-    auto const script = read_input(options.input, memory_limit(options));
-    auto const& definition = chosen_process(*script, options.input);
-
+int explore_and_tell(Script::Script const& script, Script::Script::Definition const& definition,
+                     ExploreOptions const& options) {
     InterruptionWatch const watch;
     auto const start = std::chrono::steady_clock::now();
-    StateSpace::MachineExploration const exploration = explore(*script, definition, options, watch);
+    StateSpace::MachineExploration const exploration = explore(script, definition, options, watch);
     std::chrono::duration<double> const time = std::chrono::steady_clock::now() - start;
     StateSpace::Run const& run = exploration.run;
     bool const complete = run.outcome == StateSpace::Outcome::complete;
@@ -184,7 +213,7 @@ int explore_process(ExploreOptions const& options) {
     tell("states", fmt::format("{}", run.state_count));
     tell("transitions", fmt::format("{}", run.transition_count));
     tell("complete", complete ? "yes" : fmt::format("no: {}", StateSpace::describe(run.outcome)));
-    bool const holds = !options.deadlock || tell_deadlock(exploration, *script);
+    bool const holds = !options.deadlock || tell_deadlock(exploration, script);
     tell("time", fmt::format("{:.2f} s", time.count()));
     tell("peak memory",
          fmt::format("{:.1f} MiB", static_cast<double>(StateSpace::peak_resident_bytes()) /
@@ -192,8 +221,22 @@ int explore_process(ExploreOptions const& options) {
     finish_results();
 
     bool const is_written =
-        options.output.empty() || write_file(options, run, script->session(), watch);
+        options.output.empty() || write_file(options, run, script.session(), watch);
     return exit_code(run, holds, is_written);
+}
+
+} // namespace
+
+int explore_process(ExploreOptions const& options) {
+    if (!options.output.empty()) {
+        StateSpace::check_lts_file(options.output); // before the work, not after it
+    }
+    return run_with_process(
+        options.input,
+        [&](auto const& script, auto const& definition) {
+            return explore_and_tell(script, definition, options);
+        },
+        memory_limit(options));
 }
 
 } // namespace Calder::Tools

@@ -17,6 +17,7 @@
 #include <filesystem>
 #include <new>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 namespace Calder::Tools {
@@ -79,6 +80,12 @@ bool is_name(std::string const& text) {
     });
 }
 
+/// The caller adds it to every message.
+std::string without_last_line_end(std::string text) {
+    text.pop_back();
+    return text;
+}
+
 std::unique_ptr<Script::Script> read_script(Input const& input) {
     std::optional<std::string> text =
         contents_of(input.file == "-" ? stdin : std::fopen(input.file.c_str(), "rb"));
@@ -91,15 +98,21 @@ std::unique_ptr<Script::Script> read_script(Input const& input) {
         options.definitions.push_back(definition_of(definition));
     }
     options.process = is_name(input.process) ? "" : input.process;
-    options.include = include_file;
-    Script::ReadResult result =
-        Script::read_script({input.name(), std::move(*text)}, options);
+    // However the script itself is called: what includes it again includes what is there already.
+    options.include = [&](std::string_view path, std::string_view from) {
+        Script::Inclusion found = include_file(path, from);
+        std::error_code ignored;
+        if (std::filesystem::equivalent(found.source.name, input.file, ignored)) {
+            found.source.name = input.name();
+        }
+        return found;
+    };
+    Script::ReadResult result = Script::read_script({input.name(), std::move(*text)}, options);
     if (result.script) {
         return std::move(result.script);
     }
-    std::string errors = Script::render_all(result.diagnostics, result.sources);
-    errors.pop_back(); // the newline that the caller adds to every message
-    throw CommandError(errors);
+    throw CommandError(
+        without_last_line_end(Script::render_all(result.diagnostics, result.sources)));
 }
 
 /// What there is instead: of a short script all, of a long one what was meant.
@@ -125,12 +138,7 @@ std::string known_names(Script::Script const& script, std::string const& wrong) 
                : fmt::format("{} and {} more", names, definitions.size() - listed);
 }
 
-} // namespace
-
-std::uint64_t default_memory_limit() {
-    return StateSpace::resident_bytes() + StateSpace::available_bytes() / 10 * 9;
-}
-
+/// Throws CommandError with its errors, each at its place.
 std::unique_ptr<Script::Script> read_input(Input const& input, std::uint64_t max_memory) {
     try {
         AddressSpaceBound const bound(max_memory);
@@ -142,15 +150,18 @@ std::unique_ptr<Script::Script> read_input(Input const& input, std::uint64_t max
     }
 }
 
+/// The definition that the input names.
 Script::Script::Definition const& chosen_process(Script::Script const& script, Input const& input) {
     if (script.asked() != nullptr) {
         return *script.asked();
     }
     if (script.definitions().empty()) {
-        throw CommandError(
-            fmt::format("calder: {} defines no process without parameters; one with parameters is "
-                        "asked for as in --process 'P(0)'",
-                        input.name()));
+        std::string_view const other = script.process_with_parameters();
+        throw CommandError(other.empty()
+                               ? fmt::format("calder: {} defines no process", input.name())
+                               : fmt::format("calder: {} defines no process without parameters; "
+                                             "'{}' is asked for as in --process '{}(0)'",
+                                             input.name(), other, other));
     }
     if (input.process.empty()) {
         return script.definitions().back();
@@ -158,14 +169,22 @@ Script::Script::Definition const& chosen_process(Script::Script const& script, I
     if (Script::Script::Definition const* const found = script.find(input.process)) {
         return *found;
     }
+    if (std::string const reason = script.reason_against(input.process); !reason.empty()) {
+        throw CommandError(fmt::format("calder: --process: {}", reason));
+    }
     throw CommandError(fmt::format("calder: {} does not define '{}'{}", input.name(), input.process,
                                    known_names(script, input.process)));
 }
 
-CommandError error_of(Script::ScriptError const& error, Script::Script const& script) {
-    std::string text = Script::render(error.diagnostic(), script.sources());
-    text.pop_back();
-    return CommandError(text);
+} // namespace
+
+std::uint64_t default_memory_limit() {
+    return StateSpace::resident_bytes() + StateSpace::available_bytes() / 10 * 9;
+}
+
+int run_with_process(Input const& input, ProcessWork const& work, std::uint64_t max_memory) {
+    auto const script = read_input(input, max_memory);
+    return work(*script, chosen_process(*script, input));
 }
 
 } // namespace Calder::Tools

@@ -4,7 +4,7 @@
 #include "tools/command_error.h"
 
 #include <cstdint>
-#include <memory>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -27,15 +27,14 @@ struct Input {
 /// says how far it came than one that the system kills.
 std::uint64_t default_memory_limit();
 
-/// Reads the script; throws CommandError with its errors, each at its place, or when the process
-/// would then occupy more than so many bytes.
-std::unique_ptr<Script::Script> read_input(Input const& input,
-                                           std::uint64_t max_memory = default_memory_limit());
+/// What a command does with a script and the process that the input names.
+using ProcessWork =
+    std::function<int(Script::Script const& script, Script::Script::Definition const& definition)>;
 
-/// The definition that the input names; throws CommandError when there is none.
-Script::Script::Definition const& chosen_process(Script::Script const& script, Input const& input);
-
-/// What went wrong as the process was asked for what it does, as an error of the script.
-CommandError error_of(Script::ScriptError const& error, Script::Script const& script);
+/// Reads the script and does the work. Throws CommandError with the errors of the script, each at
+/// its place; when there is no such process; and when the command would occupy more than so many
+/// bytes once the script is read. What values show only while the work is done is a ScriptError.
+int run_with_process(Input const& input, ProcessWork const& work,
+                     std::uint64_t max_memory = default_memory_limit());
 
 } // namespace Calder::Tools

@@ -11,11 +11,12 @@
 
 namespace Calder::Tools {
 
-int print_machine(MachineOptions const& options) {
-    auto const script = read_input(options.input);
-    auto const& definition = chosen_process(*script, options.input);
-    StateSpace::TermGraph graph = StateSpace::make_term_graph(definition.term, script->processes());
-    std::string const notes = recursion_notes(graph.refused, *script, options.input.name());
+namespace {
+
+int print_machine_of(Script::Script const& script, Script::Script::Definition const& definition,
+                     bool as_json) {
+    StateSpace::TermGraph graph = StateSpace::make_term_graph(definition.term, script.processes());
+    std::string const notes = recursion_notes(graph.refused, script);
     StateSpace::Compilation compilation;
     {
         InterruptionWatch const watch;
@@ -23,8 +24,8 @@ int print_machine(MachineOptions const& options) {
         bounds.max_memory = default_memory_limit();
         bounds.progress = [&](StateSpace::Progress const&) { return !watch.interrupted(); };
         compilation =
-            StateSpace::compile(StateSpace::make_term_graph(definition.term, script->processes()),
-                                script->processes(), bounds);
+            StateSpace::compile(StateSpace::make_term_graph(definition.term, script.processes()),
+                                script.processes(), bounds);
     }
     if (!compilation.machine) {
         print_message(fmt::format("calder: {} has no machine: {}\n{}", definition.name,
@@ -35,14 +36,22 @@ int print_machine(MachineOptions const& options) {
         return compilation.outcome == StateSpace::Outcome::complete ? exit_bad_input
                                                                     : exit_stopped_early;
     }
-    LeafNames const names(*script, *compilation.machine);
-    ShownMachine const shown{definition.name, *compilation.machine, *script, names};
-    if (options.json) {
+    LeafNames const names(script, *compilation.machine);
+    ShownMachine const shown{definition.name, *compilation.machine, script, names};
+    if (as_json) {
         write_machine_json(shown, print_result);
     } else {
         print_result(machine_text(shown));
     }
     return exit_holds;
+}
+
+} // namespace
+
+int print_machine(MachineOptions const& options) {
+    return run_with_process(options.input, [&](auto const& script, auto const& definition) {
+        return print_machine_of(script, definition, options.json);
+    });
 }
 
 } // namespace Calder::Tools

@@ -12,6 +12,9 @@ using StateSpace::Part;
 
 namespace {
 
+/// So many names that come back are told; a recursion may have an instance for every value.
+constexpr std::size_t most_notes = 10;
+
 std::string event_name(ShownMachine const& shown, unsigned event) {
     return shown.script.session().event_object(event)->name();
 }
@@ -94,18 +97,22 @@ std::string machine_text(ShownMachine const& shown) {
 }
 
 std::string recursion_notes(std::vector<StateSpace::RefusedRecursion> const& all,
-                            Script::Script const& script, std::string const& file) {
+                            Script::Script const& script) {
     std::string notes;
+    std::size_t count = 0;
     for (StateSpace::RefusedRecursion const& refused : all) {
         for (ProcessCompiler::NamedProcessPointer const& name : refused.names) {
-            auto const* const definition = script.find(name->name());
-            notes +=
-                fmt::format("{}:{}:{}: note: '{}' comes back inside argument {} of '{}'\n", file,
-                            definition->location.line, definition->location.column, name->name(),
-                            refused.argument, operator_text(*refused.construct, script.session()));
+            if (++count > most_notes) {
+                continue;
+            }
+            Script::Location const place = script.location_of(*name);
+            notes += fmt::format("{}:{}:{}: note: '{}' comes back inside argument {} of '{}'\n",
+                                 script.sources()[place.source].name, place.line, place.column,
+                                 name->name(), refused.argument,
+                                 operator_text(*refused.construct, script.session()));
         }
     }
-    return notes;
+    return count <= most_notes ? notes : fmt::format("{}and {} more\n", notes, count - most_notes);
 }
 
 } // namespace Calder::Tools

@@ -17,8 +17,9 @@ struct ShownMachine {
 /// For people: the leaves, then each construct with its formats and rules.
 std::string machine_text(ShownMachine const& shown);
 
-/// Why recursion was refused: a line for each name on the cycles, with its place in the script.
+/// Why recursion was refused: a line for each name on the cycles, with its place in the script; of
+/// many, how many more there are.
 std::string recursion_notes(std::vector<StateSpace::RefusedRecursion> const& refused,
-                            Script::Script const& script, std::string const& file);
+                            Script::Script const& script);
 
 } // namespace Calder::Tools

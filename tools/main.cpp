@@ -1,4 +1,5 @@
 #include "process_compiler/recursion_watch.h"
+#include "script/script.h"
 #include "tools/command_error.h"
 #include "tools/command_line.h"
 #include "tools/explore_command.h"
@@ -30,7 +31,9 @@ void add_input(CLI::App& command, Input& input) {
     command.add_option("FILE", input.file, "The script; - for standard input")
         ->required()
         ->check(not_empty());
-    command.add_option("--process", input.process, "The process; by default the last one defined")
+    command
+        .add_option("--process", input.process,
+                    "The process, by its name or as a term; by default the last one defined")
         ->type_name("PROCESS")
         ->check(not_empty());
     command
@@ -167,6 +170,9 @@ int guarded_run(int count, char** words) {
         print_message(error.what());
         print_message("\n");
         return error.exit_code();
+    } catch (Calder::Script::ScriptError const& error) {
+        print_message(error.what());
+        return exit_bad_input;
     } catch (std::bad_alloc const&) {
         print_message(out_of_memory);
         return exit_stopped_early;

@@ -8,30 +8,30 @@
 namespace Calder::Tools {
 
 int print_term(PrintOptions const& options) {
-    auto const script = read_input(options.input);
-    auto const& definition = chosen_process(*script, options.input);
-    ResultStream results;
-    print_to(results, script->session(), [&](ProcessCompiler::Printer& printer) {
-        printer.abbreviate = options.abbreviate;
-        if (options.budget) {
-            ProcessCompiler::cut_text(printer, *options.budget);
-        }
-        printer.line_width = options.width.value_or(printer.line_width);
-        definition.body->pretty_print(printer);
-        printer << "\n";
+    return run_with_process(options.input, [&](auto const& script, auto const& definition) {
+        ResultStream results;
+        print_to(results, script.session(), [&](ProcessCompiler::Printer& printer) {
+            printer.abbreviate = options.abbreviate;
+            if (options.budget) {
+                ProcessCompiler::cut_text(printer, *options.budget);
+            }
+            printer.line_width = options.width.value_or(printer.line_width);
+            definition.body->pretty_print(printer);
+            printer << "\n";
+        });
+        return exit_holds;
     });
-    return exit_holds;
 }
 
 int describe_term(Input const& input) {
-    auto const script = read_input(input);
-    auto const& definition = chosen_process(*script, input);
-    ResultStream results;
-    print_to(results, script->session(), [&](ProcessCompiler::Printer& printer) {
-        definition.body->pretty_print_operator_description(printer);
-        printer << "\n";
+    return run_with_process(input, [](auto const& script, auto const& definition) {
+        ResultStream results;
+        print_to(results, script.session(), [&](ProcessCompiler::Printer& printer) {
+            definition.body->pretty_print_operator_description(printer);
+            printer << "\n";
+        });
+        return exit_holds;
     });
-    return exit_holds;
 }
 
 } // namespace Calder::Tools

@@ -37,9 +37,10 @@ CallTable::Entry CallTable::insert(unsigned definition, std::span<Value const> a
     if (slot.number != free_slot) {
         return {slot.number, false};
     }
-    slot = {static_cast<unsigned>(m_calls.size()), upper_half(hash)};
+    // The slot last: it must not be taken where memory runs out.
     m_calls.push_back(
         {m_arena.copy(arguments), definition, static_cast<unsigned>(arguments.size())});
+    slot = {static_cast<unsigned>(m_calls.size() - 1), upper_half(hash)};
     return {slot.number, true};
 }
 
@@ -67,16 +68,17 @@ std::size_t CallTable::slot_of(std::uint64_t hash, unsigned definition,
 }
 
 void CallTable::grow() {
-    m_slots.assign(std::max(m_slots.size() * 2, first_table_size), {free_slot, 0});
-    std::size_t const mask = m_slots.size() - 1;
+    std::vector<Slot> slots(std::max(m_slots.size() * 2, first_table_size), {free_slot, 0});
+    std::size_t const mask = slots.size() - 1;
     for (unsigned number = 0; number < m_calls.size(); ++number) {
         std::uint64_t const hash = hash_of(m_calls[number].definition, arguments(number));
         std::size_t index = hash & mask;
-        while (m_slots[index].number != free_slot) {
+        while (slots[index].number != free_slot) {
             index = (index + 1) & mask;
         }
-        m_slots[index] = {number, upper_half(hash)};
+        slots[index] = {number, upper_half(hash)};
     }
+    m_slots = std::move(slots);
 }
 
 } // namespace Calder::Values

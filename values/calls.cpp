@@ -35,9 +35,7 @@ void Interpreter::step_call(Task& task) {
 /// The body, unless it is known what it computes.
 void Interpreter::begin_remembered(unsigned definition, unsigned first, Place place) {
     CallTable::Entry const entry = m_calls.insert(definition, values_from(first));
-    if (entry.is_new) {
-        m_results.emplace_back();
-    }
+    m_results.resize(m_calls.size());
     Value const result = m_results[entry.number];
     if (result == under_way) {
         throw ValueError("the value of '" + m_program.definitions[definition].name +

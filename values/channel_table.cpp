@@ -109,6 +109,27 @@ Value ChannelTable::with_fields(Value base, std::span<Value const> more) const {
     return completed(beginning.channel, Components(m_store, beginning.components, more).all());
 }
 
+std::size_t ChannelTable::room_behind(Value beginning) const {
+    bool const is_declared =
+        beginning.is(Value::Kind::channel) ||
+        (beginning.is(Value::Kind::event) && declaration_of(beginning.as_event()) != nullptr);
+    if (!is_declared) {
+        return SIZE_MAX;
+    }
+    std::vector<Value> room;
+    auto const [channel, components] = taken_apart(beginning, room);
+    std::size_t most = components.size();
+    for (unsigned const number : m_declarations_of[channel]) {
+        FieldList const& fields = *m_declarations[number].fields;
+        std::size_t all = 0;
+        for (std::size_t field = 0; field < fields.size(); ++field) {
+            all += fields[field].lengths().back();
+        }
+        most = std::max(most, all);
+    }
+    return most - components.size();
+}
+
 std::string ChannelTable::event_name(unsigned number) const {
     std::optional<Parts> const parts = parts_of(number);
     if (!parts) {

@@ -49,6 +49,10 @@ class ChannelTable {
     /// some. Constant in time for fields of integers without gaps; otherwise a lookup for each field.
     Value with_fields(Value base, std::span<Value const> more) const;
 
+    /// How many components at most can follow a channel or a declared event; of anything else, where
+    /// that is not known, more than there can be.
+    std::size_t room_behind(Value beginning) const;
+
     /// `up.0.1`, `tick`, `tau`; `?` of a number without an event.
     std::string event_name(unsigned number) const;
 

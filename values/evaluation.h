@@ -58,6 +58,9 @@ class Host {
     virtual Value construct(Expression const& expression, std::span<Value const> operands) = 0;
     /// The meaning of a call of a definition of mode `refer`.
     virtual Value refer(unsigned definition, std::span<Value const> arguments, Place place) = 0;
+    /// Called now and then while something is evaluated, which may take long; what it throws ends
+    /// that.
+    virtual void look() {}
 };
 
 /// Evaluates expressions of one program. Keeps its own stacks, so neither the depth of the program

@@ -73,9 +73,7 @@ BitSet ChannelTable::events() const {
 
 Value ChannelTable::field_values(Value beginning, unsigned fields_behind) const {
     CallTable::Entry const entry = m_asked.insert(fields_behind, {&beginning, 1});
-    if (entry.is_new) {
-        m_answers.emplace_back();
-    }
+    m_answers.resize(m_asked.size());
     Value& answer = m_answers[entry.number];
     if (!answer) {
         answer = next_values(beginning, fields_behind);

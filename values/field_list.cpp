@@ -58,8 +58,8 @@ std::size_t PlaceTable::slot_of(Value value) const {
 }
 
 void PlaceTable::grow() {
-    std::vector<Entry> const before = std::move(m_entries);
-    m_entries.assign(std::max(before.size() * 2, first_table_size), {});
+    std::vector<Entry> before(std::max(m_entries.size() * 2, first_table_size));
+    before.swap(m_entries);
     for (Entry const& entry : before) {
         if (entry.value) {
             m_entries[slot_of(entry.value)] = entry;

@@ -5,6 +5,7 @@
 #include "values/value_error.h"
 
 #include <algorithm>
+#include <array>
 
 namespace Calder::Values {
 
@@ -12,6 +13,9 @@ namespace {
 
 /// So many calls are told at either end of a long chain.
 constexpr std::size_t told_calls = 5;
+
+/// Some ten microseconds.
+constexpr unsigned steps_between_looks = 512;
 
 Call calls_left_out() {
     return {no_number, {}, 0};
@@ -54,27 +58,29 @@ Value Interpreter::evaluate(unsigned expression, unsigned slot_count) {
 }
 
 template <typename Start> Value Interpreter::run(Start const& start) {
+    // Also where telling an error runs out of memory.
+    struct Forgetting {
+        Interpreter& interpreter;
+        ~Forgetting() { interpreter.forget_all(); }
+    } const forgetting{*this};
     try {
         start();
         while (!m_tasks.empty()) {
             step();
+            if (++m_steps == steps_between_looks) {
+                m_steps = 0;
+                m_host.look();
+            }
         }
     } catch (ValueError const& caught) {
         EvaluationError error(m_tasks.back().expression->place, caught.message());
         add_calls(error);
-        forget_all();
         throw error;
     } catch (EvaluationError& error) {
         add_calls(error);
-        forget_all();
-        throw;
-    } catch (...) {
-        forget_all();
         throw;
     }
-    Value const result = m_values.back();
-    m_values.clear();
-    return result;
+    return m_values.back();
 }
 
 void Interpreter::step() {
@@ -104,7 +110,7 @@ void Interpreter::step() {
     }
 }
 
-/// After an error: nothing is under way any more.
+/// Nothing is under way any more: what was begun before an error is not known to be.
 void Interpreter::forget_all() {
     for (Frame const& frame : m_frames) {
         if (frame.remembered != no_number) {
@@ -137,16 +143,30 @@ void Interpreter::add_calls(EvaluationError& error) const {
 /// Whether the value is there at once; otherwise it is a task, the last one now.
 bool Interpreter::begin(unsigned expression) {
     Expression const& begun = m_program.expressions[expression];
-    if (begun.kind == ExpressionKind::constant) {
-        m_values.push_back(begun.value);
+    if (is_at_hand(begun)) {
+        m_values.push_back(value_at_hand(begun));
         return true;
     }
-    if (begun.kind == ExpressionKind::variable) {
-        m_values.push_back(m_values[m_slots + begun.number]);
-        return true;
+    if (begun.kind == ExpressionKind::operation && begun.operand_count == 2) {
+        unsigned const* const operands = &m_program.operands[begun.first_operand];
+        if (Value const quick = quick_value(begun.operation, operands[0], operands[1])) {
+            m_values.push_back(quick);
+            return true;
+        }
     }
     m_tasks.push_back({&begun, 0, height()});
     return false;
+}
+
+/// Of an operation on variables and constants, where it is done at once; otherwise nothing.
+Value Interpreter::quick_value(Operation operation, unsigned left, unsigned right) const {
+    Expression const& first = m_program.expressions[left];
+    Expression const& second = m_program.expressions[right];
+    if (!is_at_hand(first) || !is_at_hand(second)) {
+        return {};
+    }
+    std::array const operands{value_at_hand(first), value_at_hand(second)};
+    return quick_result(operation, operands);
 }
 
 /// Goes on with the operands, from left to right; false when one of them has become a task.

@@ -44,6 +44,15 @@ class Interpreter {
     void add_calls(EvaluationError& error) const;
 
     bool begin(unsigned expression);
+    Value quick_value(Operation operation, unsigned left, unsigned right) const;
+    static bool is_at_hand(Expression const& expression) {
+        return expression.kind == ExpressionKind::constant ||
+               expression.kind == ExpressionKind::variable;
+    }
+    Value value_at_hand(Expression const& expression) const {
+        return expression.kind == ExpressionKind::constant ? expression.value
+                                                           : m_values[m_slots + expression.number];
+    }
     bool has_operands(Task& task);
     void finish(unsigned first, Value result);
     void choose(Task& task);
@@ -78,6 +87,7 @@ class Interpreter {
     std::vector<Value> m_values;
     std::vector<Frame> m_frames;
     unsigned m_slots = 0;                         // where those of the innermost call begin
+    unsigned m_steps = 0;                         // since the last look, in however many short runs
     Expression m_outermost{ExpressionKind::call}; // what `call` was asked
 
     CallTable m_calls;

@@ -235,7 +235,7 @@ std::string_view symbol_of(Operation operation) {
     case Operation::negation: return "not";
     case Operation::tuple: return "( , )";
     case Operation::sequence: return "< >";
-    case Operation::sequence_range: return "<m..n>";
+    case Operation::sequence_range: return "m..n";
     case Operation::concatenate: return "^";
     case Operation::length: return "#";
     case Operation::head: return "head";
@@ -245,7 +245,7 @@ std::string_view symbol_of(Operation operation) {
     case Operation::concat: return "concat";
     case Operation::sequence_of: return "seq";
     case Operation::set: return "{ }";
-    case Operation::set_range: return "{m..n}";
+    case Operation::set_range: return "m..n";
     case Operation::set_union: return "union";
     case Operation::intersection: return "inter";
     case Operation::difference: return "diff";

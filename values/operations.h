@@ -79,7 +79,7 @@ inline Value quick_result(Operation operation, std::span<Value const> operands) 
     }
 }
 
-/// As it is written: '+', 'head', '<m..n>'.
+/// As it is written: '+', 'head', 'm..n'.
 std::string_view symbol_of(Operation operation);
 
 /// Whether the set has the value; a binary search, or one bit of a set of events.

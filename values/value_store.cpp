@@ -299,8 +299,8 @@ std::size_t ValueStore::slot_of(Node const& node) const {
 }
 
 void ValueStore::grow() {
-    std::vector<Node const*> const before = std::move(m_table);
-    m_table.assign(before.size() * 2, nullptr);
+    std::vector<Node const*> before(m_table.size() * 2);
+    before.swap(m_table);
     for (Node const* const node : before) {
         if (node != nullptr) {
             m_table[slot_of(*node)] = node;

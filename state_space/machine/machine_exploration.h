@@ -3,6 +3,8 @@
 #include "state_space/machine/compile/compile.h"
 #include "state_space/machine/run/run.h"
 
+#include <optional>
+
 namespace Calder::StateSpace {
 
 /// An exploration by the machine that a term compiles to.
@@ -14,6 +16,9 @@ struct MachineExploration {
     std::unique_ptr<ConfigurationTables> tables;
     /// The recursion that no machine can follow, if that was the reason.
     std::vector<RefusedRecursion> refused;
+    /// Why the terms were explored and there is no machine, a part of a sentence; empty where there
+    /// is one, was none to be had, or none was needed.
+    std::string why_by_terms;
 };
 
 /// A machine to be run, or why there is none.
@@ -21,6 +26,9 @@ struct MachineCompilation {
     std::unique_ptr<Machine const> machine;
     /// The term is one leaf, which is explored as it stands: there is nothing to refuse.
     bool is_one_leaf = false;
+    /// What the terms are, explored within the options: a leaf is much larger than the few of its
+    /// states that the rest of the term lets it reach. The refusal says which.
+    std::optional<Exploration> explored{};
     /// Whoever watches ended it.
     bool is_interrupted = false;
     /// A part of a sentence.

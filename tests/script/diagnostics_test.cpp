@@ -31,21 +31,21 @@ TEST(Diagnostics, are_rendered_with_their_line_and_a_caret) {
     for (auto const& row : rows) {
         std::string const heading = "d/f.csp:" + std::to_string(row.location.line) + ":" +
                                     std::to_string(row.location.column) + ": error: no\n";
-        EXPECT_EQ(render({row.location, "no"}, "d/f.csp", row.text), heading + row.excerpt);
+        EXPECT_EQ(render({row.location, "no"}, {{"d/f.csp", row.text}}), heading + row.excerpt);
     }
 }
 
 TEST(Diagnostics, are_rendered_alike_alone_and_together) {
-    std::string const text = "one two\nthree\n" + std::string(400, 'x') + "\nfour";
+    Sources const sources{{"f", "one two\nthree\n" + std::string(400, 'x') + "\nfour"}};
     Diagnostics const diagnostics{
         {{1, 1, 3}, "a"},   {{1, 5, 3}, "b"}, {{3, 100, 1}, "c"},         {{3, 300, 1}, "d"},
         {{3, 310, 1}, "e"}, {{4, 1, 4}, "f"}, {{2, 1, 5}, "out of order"}};
     std::string alone;
     for (Diagnostic const& diagnostic : diagnostics) {
-        alone += render(diagnostic, "f", text);
+        alone += render(diagnostic, sources);
     }
-    EXPECT_EQ(render_all(diagnostics, "f", text), alone);
-    EXPECT_EQ(render_all({}, "f", text), "");
+    EXPECT_EQ(render_all(diagnostics, sources), alone);
+    EXPECT_EQ(render_all({}, sources), "");
 }
 
 TEST(Diagnostics, quotations_are_cut) {
@@ -55,17 +55,18 @@ TEST(Diagnostics, quotations_are_cut) {
 }
 
 TEST(Diagnostics, beyond_twenty_are_counted) {
+    Sources const sources{{"f", "x"}};
     Diagnostics diagnostics(most_told, {{1, 1, 1}, "a"});
-    std::string const one = render(diagnostics[0], "f", "x");
+    std::string const one = render(diagnostics[0], sources);
     std::string all;
     for (std::size_t i = 0; i < most_told; ++i) {
         all += one;
     }
-    EXPECT_EQ(render_all(diagnostics, "f", "x"), all);
+    EXPECT_EQ(render_all(diagnostics, sources), all);
     diagnostics.push_back(diagnostics[0]);
-    EXPECT_EQ(render_all(diagnostics, "f", "x"), all + "f: 1 more error\n");
+    EXPECT_EQ(render_all(diagnostics, sources), all + "f: 1 more error\n");
     diagnostics.resize(1000, diagnostics[0]);
-    EXPECT_EQ(render_all(diagnostics, "f", "x"), all + "f: 980 more errors\n");
+    EXPECT_EQ(render_all(diagnostics, sources), all + "f: 980 more errors\n");
 }
 
 TEST(Diagnostics, are_sorted_by_place_and_each_kept_once) {

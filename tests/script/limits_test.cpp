@@ -88,16 +88,25 @@ TEST(Limits, nesting_of_text_costs_no_stack) {
     } const rows[] = {
         {"parentheses", "P = " + repeated("(", many) + "STOP" + repeated(")", many), ""},
         {"open parentheses", "P = " + repeated("(", many),
-         "1:1000005+1 unexpected end of the script, expected a process\n"},
+         "1:1000005+1 unexpected end of the script, expected a process or a value\n"},
         {"closed wrongly", "P = " + repeated("(", many) + "STOP]",
-         "1:1000009+1 unexpected ']', expected an operator or ')'\n"},
+         "1:1000009+1 unexpected ']', expected an operator, ')' or ','\n"},
         {"comments", "P = STOP" + repeated("{-", many) + repeated("-}", many), ""},
         {"open comments", "P = STOP" + repeated("{-", many),
          "1:9+2 the comment is never closed: '-}' is missing\n"},
-        {"braces", "P = RUN(" + repeated("{", many) + repeated("}", many) + ")", ""},
+        {"braces", "P = RUN(" + repeated("{", many) + repeated("}", many) + ")",
+         "1:1+1 the term is nested too deeply (more than 2000 levels)\n"},
         {"a chain", "P = STOP" + repeated("[]STOP", many / 10), ""},
         {"prefixes", "channel a P = " + repeated("a->", many) + "STOP",
          "1:11+1 the term is nested too deeply (more than 2000 levels)\n"},
+        {"patterns", "f(" + repeated("<", many / 10) + "x" + repeated(">", many / 10) + ") = x",
+         "1:1+1 the term is nested too deeply (more than 2000 levels)\n"},
+        {"fields of a channel",
+         "channel a : " + repeated("Union({", many / 10) + "{1}" + repeated("})", many / 10),
+         "1:13+5 this is nested too deeply\n"},
+        {"fields of a datatype",
+         "datatype T = t." + repeated("Union({", many / 10) + "{1}" + repeated("})", many / 10),
+         "1:14+1 this is nested too deeply\n"},
         {"NUL bytes in a comment", "--" + std::string(many, '\0'),
          "1:3+1000000 a NUL byte may not stand in a script\n"},
     };
@@ -144,7 +153,7 @@ TEST(Limits, many_errors_among_many_names_are_found_in_time) {
     EXPECT_EQ(result.diagnostics.size(), 30'000U);
     EXPECT_EQ(result.diagnostics[0].message,
               "the process 'QROC0' is not defined; did you mean 'PROC0'?");
-    EXPECT_EQ(render_all(result.diagnostics, "f", script).substr(0, 12), "f:1:9: error");
+    EXPECT_EQ(render_all(result.diagnostics, result.sources).substr(0, 17), "script:1:9: error");
 }
 
 TEST(Limits, events_are_counted_before_they_are_made) {

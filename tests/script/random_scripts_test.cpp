@@ -3,6 +3,10 @@
 #include <rapidcheck/gtest.h>
 
 #include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <sstream>
 #include <tuple>
 
@@ -24,7 +28,10 @@ std::vector<std::string> pieces() {
                                  "channel a, b : {0..1}\n"};
     std::istringstream words(
         "P Q a b.0 b tick tau STOP SKIP RUN CHAOS 0 01 4294967296 .. . , : @ ( ) { } {| |} [[ ]] "
-        "<- <-> -> [ ] [| |] |> [] [> /\\ /+ +\\ [+ +] |~| || ||| \\ |\\ ; = -- {- -} é $ \xFF");
+        "<- <-> -> [ ] [| |] |> [] [> /\\ /+ +\\ [+ +] |~| || ||| \\ |\\ ; = -- {- -} é $ \xFF "
+        "f(x) f(1) x <x>^s <1..3> {x|x<-S} let within if then else datatype include \"x\" true "
+        "Bool "
+        "head( union( Events not and or == != < <= > >= + - * / % ^ # ! ? & _ 9223372036854775808");
     for (std::string word; words >> word;) {
         all.push_back(word);
     }
@@ -58,7 +65,7 @@ void check_reading(std::string const& text) {
     RC_ASSERT(std::is_sorted(
         result.diagnostics.begin(), result.diagnostics.end(),
         [&](Diagnostic const& a, Diagnostic const& b) { return place(a) < place(b); }));
-    RC_ASSERT(render_all(result.diagnostics, "f", text).empty() == result.diagnostics.empty());
+    RC_ASSERT(render_all(result.diagnostics, result.sources).empty() == result.diagnostics.empty());
 }
 
 RC_GTEST_PROP(RandomScripts, soups_of_pieces_are_read_or_refused_with_a_place, ()) {
@@ -67,6 +74,52 @@ RC_GTEST_PROP(RandomScripts, soups_of_pieces_are_read_or_refused_with_a_place, (
     std::string text;
     for (std::string const& piece : drawn) {
         text += piece;
+    }
+    check_reading(text);
+}
+
+/// The words, operators and blanks of a text, in its order.
+std::vector<std::string> tokens_of(std::string const& text) {
+    auto const kind = [](char c) {
+        auto const byte = static_cast<unsigned char>(c);
+        return std::isalnum(byte) != 0 ? 0 : std::isspace(byte) != 0 ? 1 : 2;
+    };
+    std::vector<std::string> tokens;
+    for (char const c : text) {
+        if (tokens.empty() || kind(tokens.back().back()) != kind(c) || tokens.back().size() > 2) {
+            tokens.emplace_back();
+        }
+        tokens.back() += c;
+    }
+    return tokens;
+}
+
+std::vector<std::vector<std::string>> examples() {
+    std::vector<std::vector<std::string>> all;
+    for (auto const& entry : std::filesystem::directory_iterator(CALDER_EXAMPLES)) {
+        std::ifstream file(entry.path());
+        std::string const text{std::istreambuf_iterator<char>(file), {}};
+        if (entry.path().extension() == ".csp") {
+            all.push_back(tokens_of(text.substr(text.find("\n\n") + 1)));
+        }
+    }
+    return all;
+}
+
+RC_GTEST_PROP(RandomScripts, examples_with_slips_are_read_or_refused_with_a_place, ()) {
+    static std::vector<std::vector<std::string>> const all = examples();
+    auto tokens = *rc::gen::elementOf(all);
+    for (int const slip : *rc::gen::container<std::vector<int>>(3, rc::gen::inRange(0, 3))) {
+        auto const at = tokens.begin() + *rc::gen::inRange<std::ptrdiff_t>(0, std::ssize(tokens) - 1);
+        switch (slip) {
+        case 0: tokens.erase(at); break;
+        case 1: tokens.insert(at, *at); break;
+        default: std::iter_swap(at, at + 1); break;
+        }
+    }
+    std::string text;
+    for (std::string const& token : tokens) {
+        text += token;
     }
     check_reading(text);
 }

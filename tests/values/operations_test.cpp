@@ -85,7 +85,7 @@ TEST(Operations, of_integers) {
         {Operation::set_range, "1, 1000001", "the range 1..1000001 has more than 1000000 elements"},
         {Operation::sequence_range, "-9223372036854775808, 9223372036854775807",
          "the range -9223372036854775808..9223372036854775807 has more than 1000000 elements"},
-        {Operation::set_range, "0, {1}", "'{m..n}' wants integers, and {1} is a set"},
+        {Operation::set_range, "0, {1}", "'m..n' wants integers, and {1} is a set"},
     };
     check(rows);
 }

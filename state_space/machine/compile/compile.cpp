@@ -119,7 +119,7 @@ class Compiler {
             explore_leaves();
             describe_constructs();
         } catch (MachineRefusal const& refusal) {
-            return {nullptr, refusal.what(), m_monitor.outcome()};
+            return {nullptr, refusal.what(), m_monitor.outcome(), m_met_leaf_limit};
         } catch (SearchEnded const&) {
             return {nullptr, {}, m_monitor.outcome()};
         }
@@ -170,6 +170,7 @@ class Compiler {
             }
             Exploration const exploration = explore(part.term, m_source, m_monitor);
             if (exploration.outcome == Outcome::state_limit) {
+                m_met_leaf_limit = true;
                 throw MachineRefusal(fmt::format("one of its components has more than {} states",
                                                  m_limits.max_states));
             }
@@ -225,6 +226,7 @@ class Compiler {
     NamedProcessSource const& m_source;
     ExplorationOptions const m_limits; // of a leaf
     SearchMonitor m_monitor{m_limits, SearchMonitor::longest_for_terms};
+    bool m_met_leaf_limit = false;
     std::vector<PartNumber> m_part_of;     // by vertex
     std::vector<VertexNumber> m_vertex_of; // by part
     Machine* m_machine = nullptr;

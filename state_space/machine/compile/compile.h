@@ -14,12 +14,16 @@ struct Compilation {
     /// Why the term cannot be compiled, a part of a sentence; empty when the outcome says it.
     std::string refusal;
     Outcome outcome = Outcome::complete;
+    /// The reason is a leaf with more states than it may have.
+    bool met_leaf_limit = false;
 };
+
+constexpr StateNumber most_leaf_states = 1'000'000;
 
 struct CompilationOptions {
     /// A leaf with more states refuses the compilation: the network around it may reach only few of
     /// them.
-    StateNumber max_leaf_states = 1'000'000;
+    StateNumber max_leaf_states = most_leaf_states;
     std::uint64_t max_memory = 0;
     std::function<bool(Progress const&)> progress = nullptr;
 };
