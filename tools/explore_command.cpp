@@ -2,38 +2,22 @@
 
 #include "state_space/deadlock.h"
 #include "state_space/machine/machine_exploration.h"
-#include "state_space/memory.h"
+#include "tools/by_terms_note.h"
 #include "tools/command_error.h"
 #include "tools/interruption.h"
 #include "tools/leaf_names.h"
-#include "tools/machine_text.h"
 #include "tools/progress_line.h"
 #include "tools/standard_streams.h"
+#include "tools/summary.h"
 
 #include <fmt/core.h>
 
 #include <algorithm>
 #include <chrono>
-#include <limits>
-#include <optional>
-#include <thread>
-#include <unistd.h>
 
 namespace Calder::Tools {
 
 namespace {
-
-constexpr std::uint64_t bytes_per_mib = std::uint64_t{1024} * 1024;
-
-std::uint64_t memory_limit(ExploreOptions const& options) {
-    constexpr std::uint64_t most = std::numeric_limits<std::uint64_t>::max() / bytes_per_mib;
-    return options.max_memory_mib ? std::min(*options.max_memory_mib, most) * bytes_per_mib
-                                  : default_memory_limit();
-}
-
-unsigned thread_count(ExploreOptions const& options) {
-    return options.threads.value_or(std::max(std::thread::hardware_concurrency(), 1U));
-}
 
 /// One search of a process, by one engine or the other.
 class Search {
@@ -42,8 +26,7 @@ class Search {
            StateSpace::RunOptions bounds)
         : m_script(script), m_definition(definition), m_bounds(std::move(bounds)) {}
 
-    /// By the machine, if there is one; otherwise by terms, and `note` says why. So it goes, too, when
-    /// a component by itself comes to an error of values: the process may never let it come so far.
+    /// By the machine, if there is one; otherwise by terms, and `note` says why.
     StateSpace::MachineExploration by_machine(std::string& note) const {
         try {
             StateSpace::MachineExploration found =
@@ -51,14 +34,11 @@ class Search {
             std::string const& reason =
                 found.run.refusal.empty() ? found.why_by_terms : found.run.refusal;
             if (!reason.empty()) {
-                note = fmt::format("calder: {} is explored term by term: {}\n{}", m_definition.name,
-                                   reason, recursion_notes(found.refused, m_script));
+                note = by_terms_note(m_definition.name, reason, found.refused, m_script);
             }
             return found.run.refusal.empty() ? std::move(found) : by_terms();
         } catch (Script::ScriptError const& error) {
-            note = fmt::format("calder: {} is explored term by term: one of its components by "
-                               "itself comes to an error\n{}",
-                               m_definition.name, error.what());
+            note = by_terms_note(m_definition.name, error);
             return by_terms();
         }
     }
@@ -80,31 +60,26 @@ StateSpace::MachineExploration explore(Script::Script const& script,
                                        Script::Script::Definition const& definition,
                                        ExploreOptions const& options,
                                        InterruptionWatch const& watch) {
-    ProgressLine line(!options.quiet && (options.progress || isatty(STDERR_FILENO) == 1));
+    ProgressLine line(options.search.shows_progress());
     StateSpace::RunOptions bounds;
-    bounds.max_states = options.max_states.value_or(bounds.max_states);
-    bounds.max_memory = memory_limit(options);
+    bounds.max_states = options.search.max_states.value_or(bounds.max_states);
+    bounds.max_memory = options.search.memory_limit();
     bounds.progress = [&](StateSpace::Progress const& progress) {
         line.update(progress);
         return !watch.interrupted();
     };
-    bounds.threads = thread_count(options);
+    bounds.threads = options.search.thread_count();
     bounds.keep_transitions = options.deadlock || !options.output.empty();
     Search const search(script, definition, std::move(bounds));
-    if (options.engine == Engine::terms) {
+    if (options.search.engine == Engine::terms) {
         return search.by_terms();
     }
     std::string note;
     StateSpace::MachineExploration result = search.by_machine(note);
-    if (!note.empty() && !result.machine && !options.quiet) {
+    if (!note.empty() && !result.machine && !options.search.quiet) {
         print_message(note);
     }
     return result;
-}
-
-/// One line of the summary: a title and what stands for it.
-void tell(char const* title, std::string const& text) {
-    print_result(fmt::format("{:<13}{}\n", title, text));
 }
 
 std::string trace_text(StateSpace::Deadlock const& deadlock,
@@ -214,10 +189,7 @@ int explore_and_tell(Script::Script const& script, Script::Script::Definition co
     tell("transitions", fmt::format("{}", run.transition_count));
     tell("complete", complete ? "yes" : fmt::format("no: {}", StateSpace::describe(run.outcome)));
     bool const holds = !options.deadlock || tell_deadlock(exploration, script);
-    tell("time", fmt::format("{:.2f} s", time.count()));
-    tell("peak memory",
-         fmt::format("{:.1f} MiB", static_cast<double>(StateSpace::peak_resident_bytes()) /
-                                       static_cast<double>(bytes_per_mib)));
+    tell_time_and_memory(time);
     finish_results();
 
     bool const is_written =
@@ -236,7 +208,7 @@ int explore_process(ExploreOptions const& options) {
         [&](auto const& script, auto const& definition) {
             return explore_and_tell(script, definition, options);
         },
-        memory_limit(options));
+        options.search.memory_limit());
 }
 
 } // namespace Calder::Tools

@@ -182,9 +182,15 @@ std::uint64_t default_memory_limit() {
     return StateSpace::resident_bytes() + StateSpace::available_bytes() / 10 * 9;
 }
 
+int run_with_script(Input const& input, ScriptWork const& work, std::uint64_t max_memory) {
+    return work(*read_input(input, max_memory));
+}
+
 int run_with_process(Input const& input, ProcessWork const& work, std::uint64_t max_memory) {
-    auto const script = read_input(input, max_memory);
-    return work(*script, chosen_process(*script, input));
+    return run_with_script(
+        input,
+        [&](Script::Script const& script) { return work(script, chosen_process(script, input)); },
+        max_memory);
 }
 
 } // namespace Calder::Tools

@@ -27,21 +27,29 @@ constexpr unsigned most_threads = 1024;
 /// What the command line asks for.
 using Work = std::function<int()>;
 
-void add_input(CLI::App& command, Input& input) {
+void add_file(CLI::App& command, Input& input) {
     command.add_option("FILE", input.file, "The script; - for standard input")
         ->required()
         ->check(not_empty());
-    command
-        .add_option("--process", input.process,
-                    "The process, by its name or as a term; by default the last one defined")
-        ->type_name("PROCESS")
-        ->check(not_empty());
+}
+
+void add_definitions(CLI::App& command, Input& input) {
     command
         .add_option("--define", input.definitions,
                     "Define a constant of the script, in the place of what it says; any number")
         ->type_name("NAME=VALUE")
         ->expected(1)
         ->take_all();
+}
+
+void add_input(CLI::App& command, Input& input) {
+    add_file(command, input);
+    command
+        .add_option("--process", input.process,
+                    "The process, by its name or as a term; by default the last one defined")
+        ->type_name("PROCESS")
+        ->check(not_empty());
+    add_definitions(command, input);
 }
 
 /// An option with a whole number, from `least` to what the variable holds or `most`.
@@ -52,12 +60,9 @@ void add_number(CLI::App& command, char const* name, std::optional<Number>& numb
     command.add_option(name, number, description)->type_name("N")->check(whole_number(least, most));
 }
 
-void add_explore(CLI::App& app, ExploreOptions& options, Work& work) {
-    CLI::App* const command =
-        app.add_subcommand("explore", "Explore a process and count its states and transitions");
-    add_input(*command, options.input);
+void add_search(CLI::App& command, SearchOptions& options) {
     command
-        ->add_option_function<std::string>(
+        .add_option_function<std::string>(
             "--engine",
             [&](std::string const& word) {
                 options.engine = word == "terms" ? Engine::terms : Engine::machine;
@@ -66,12 +71,25 @@ void add_explore(CLI::App& app, ExploreOptions& options, Work& work) {
         ->type_name("machine|terms")
         ->check(one_of({"machine", "terms"}))
         ->default_str("machine");
-    add_number(*command, "--threads", options.threads, 1,
+    add_number(command, "--threads", options.threads, 1,
                "How many threads run the machine, up to 1024; by default all that there are",
                most_threads);
-    add_number(*command, "--max-states", options.max_states, 1, "Stop at this many states");
-    add_number(*command, "--max-memory", options.max_memory_mib, 1,
+    add_number(command, "--max-states", options.max_states, 1, "Stop at this many states");
+    add_number(command, "--max-memory", options.max_memory_mib, 1,
                "Stop at this much memory, in MiB; by default at most of what is free");
+}
+
+void add_messages(CLI::App& command, SearchOptions& options) {
+    command.add_flag("--progress", options.progress,
+                     "Show how it gets on, also where standard error is no terminal");
+    command.add_flag("--quiet", options.quiet, "Write only results and errors");
+}
+
+void add_explore(CLI::App& app, ExploreOptions& options, Work& work) {
+    CLI::App* const command =
+        app.add_subcommand("explore", "Explore a process and count its states and transitions");
+    add_input(*command, options.input);
+    add_search(*command, options.search);
     command
         ->add_option("--output", options.output,
                      "Write the transition system to a file, .aut or .dot by its ending")
@@ -84,9 +102,7 @@ void add_explore(CLI::App& app, ExploreOptions& options, Work& work) {
     command->add_flag(
         "--deadlock", options.deadlock,
         "Look for a deadlock and tell a shortest way to it; exit with 1 if there is one");
-    command->add_flag("--progress", options.progress,
-                      "Show how it gets on, also where standard error is no terminal");
-    command->add_flag("--quiet", options.quiet, "Write only results and errors");
+    add_messages(*command, options.search);
     command->callback([&] { work = [&] { return explore_process(options); }; });
 }
 
