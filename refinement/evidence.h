@@ -38,6 +38,8 @@ struct RunState {
     StateNumber number = 0;
     /// By slot; empty where there is no machine.
     std::vector<SlotState> slots{};
+    /// Of the machine: which leaf stands where, and what the constructs allow. 0 where there is none.
+    StateSpace::ConfigurationNumber configuration = 0;
 };
 
 /// One step of a run, tau included.

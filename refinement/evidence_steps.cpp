@@ -34,7 +34,8 @@ EvidenceStep step_between(PairSearch& search, Side const& side, StateNumber sour
 RunState described_state(Side const& side, StateNumber number, Word const* state) {
     RunState described{number};
     if (RunningMachine const* const machine = side.machine()) {
-        auto const leaves = machine->tables->leaves(machine->tables->configuration_of(state));
+        described.configuration = machine->tables->configuration_of(state);
+        auto const leaves = machine->tables->leaves(described.configuration);
         auto const& slots = machine->tables->layout_of(state).slots();
         for (std::size_t slot = 0; slot < slots.size(); ++slot) {
             described.slots.push_back({leaves[slot], slots[slot].read(state)});

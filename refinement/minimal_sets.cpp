@@ -5,23 +5,10 @@
 namespace Calder::Refinement {
 
 MinimalSets::Family MinimalSets::add(std::vector<Events> sets, StateSpace::SearchMonitor& monitor) {
-    // Smaller ones first: what is contained in a set then stands before it.
-    std::sort(sets.begin(), sets.end(), [](Events const& left, Events const& right) {
-        return left.size() != right.size() ? left.size() < right.size() : left < right;
-    });
-    sets.erase(std::unique(sets.begin(), sets.end()), sets.end());
-    std::vector<Events> minimal;
-    for (Events& set : sets) {
-        monitor.go_on(minimal.size() + 1);
-        if (std::none_of(minimal.begin(), minimal.end(), [&set](Events const& smaller) {
-                return std::includes(set.begin(), set.end(), smaller.begin(), smaller.end());
-            })) {
-            minimal.push_back(std::move(set));
-        }
-    }
-    std::sort(minimal.begin(), minimal.end());
+    keep_minimal(sets, [&monitor](std::size_t compared) { monitor.go_on(compared); });
+    std::sort(sets.begin(), sets.end());
     auto const [place, is_new] =
-        m_numbers.try_emplace(std::move(minimal), static_cast<Family>(m_families.size()));
+        m_numbers.try_emplace(std::move(sets), static_cast<Family>(m_families.size()));
     if (is_new) {
         m_families.push_back(&place->first);
     }
