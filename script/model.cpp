@@ -1,6 +1,9 @@
 #include "script/model.h"
 
+#include "process_compiler/kinds.h"
 #include "values/text.h"
+
+#include <utility>
 
 namespace Calder::Script {
 
@@ -87,6 +90,61 @@ ProcessPointer Script::Model::body_of(unsigned definition) {
         host.forget();
         throw;
     }
+}
+
+/// What `use` makes of the value of a part.
+template <typename Use> auto Script::Model::part_of_assertion(unsigned definition, Use const& use) {
+    unsigned const node = translation.program.definitions[definition].place;
+    host.set_parent(none);
+    try {
+        auto made = use(evaluator.call(definition, {}, node));
+        host.forget();
+        return made;
+    } catch (Values::EvaluationError const& error) {
+        host.forget();
+        throw ScriptError(diagnostic_of(error), *tokens.sources);
+    } catch (Values::ValueError const& error) {
+        host.forget();
+        Location const place = Calder::Script::location_of(tokens, tree, tree[node].last_child);
+        throw ScriptError({place, error.message()}, *tokens.sources);
+    } catch (...) {
+        host.forget();
+        throw;
+    }
+}
+
+Assertion Script::Model::assertion(std::size_t number, AssertionHead const& head) {
+    unsigned const first = names.first_parts[number];
+    Assertion made{head, {}, {}, {}, {}};
+    auto const process = [&](unsigned definition) {
+        ProcessPointer term = part_of_assertion(
+            definition, [this](Value value) { return ProcessPointer(host.term(value)); });
+        // An instance has not been made yet, and what is wrong with it is told here.
+        if (term->kind() == ProcessCompiler::named_process_kind) {
+            m_source.process(static_cast<ProcessCompiler::NamedProcess const&>(*term));
+        }
+        return term;
+    };
+    made.concrete = process(first);
+    switch (head.question) {
+    case Question::trace_refinement:
+    case Question::failures_refinement:
+    case Question::failures_divergences_refinement:
+        made.abstract = std::exchange(made.concrete, process(first + 1));
+        break;
+    case Question::has_trace:
+        made.trace =
+            part_of_assertion(first + 1, [this](Value value) { return host.trace_in(value); });
+        break;
+    case Question::never:
+        made.events =
+            part_of_assertion(first + 1, [this](Value value) { return host.events_in(value); });
+        break;
+    case Question::deadlock_free:
+    case Question::divergence_free:
+    case Question::deterministic: break;
+    }
+    return made;
 }
 
 Telling Script::Model::telling() const {

@@ -29,6 +29,8 @@ class Classification {
                 classify_definition(token, depth > 0);
             } else if (kind == T::PARALLEL) {
                 classify_parallel(token);
+            } else if (kind == T::NOT) {
+                classify_not(token);
             }
         }
     }
@@ -79,9 +81,10 @@ class Classification {
             name = m_partners[name] - 1;
         }
         TokenKind const before = name > 0 ? kind(name - 1) : T::END;
-        constexpr std::array none_defined_behind{T::DOT, T::CHANNEL, T::DATATYPE,
-                                                 T::IF,  T::AND,     T::OR,
-                                                 T::NOT, T::GUARD,   T::LEFT_PARENTHESIS};
+        constexpr std::array none_defined_behind{
+            T::DOT, T::CHANNEL, T::DATATYPE,         T::IF,
+            T::AND, T::OR,      T::ASSERT,           T::ASSERT_NOT,
+            T::NOT, T::GUARD,   T::LEFT_PARENTHESIS, T::LEFT_BRACKET};
         if (std::find(none_defined_behind.begin(), none_defined_behind.end(), before) !=
             none_defined_behind.end()) {
             return;
@@ -94,6 +97,14 @@ class Classification {
             return;
         }
         m_tokens[name].kind = is_local ? T::LOCAL_NAME : T::DEFINED_NAME;
+    }
+
+    /// Right behind `assert` it turns the answer round, and is no operator on a condition.
+    void classify_not(unsigned token) {
+        TokenKind const before = token > 0 ? kind(token - 1) : T::END;
+        if (before == T::ASSERT || before == T::ASSERT_NOT) {
+            m_tokens[token].kind = T::ASSERT_NOT;
+        }
     }
 
     /// `|| (a, p) : {(S, P)(S, Q)} @ [a] p`. With other letters it is a generator over tuples, unless
