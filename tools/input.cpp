@@ -98,6 +98,7 @@ std::unique_ptr<Script::Script> read_script(Input const& input) {
         options.definitions.push_back(definition_of(definition));
     }
     options.process = is_name(input.process) ? "" : input.process;
+    options.assertions = input.assertions;
     // However the script itself is called: what includes it again includes what is there already.
     options.include = [&](std::string_view path, std::string_view from) {
         Script::Inclusion found = include_file(path, from);

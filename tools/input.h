@@ -18,6 +18,8 @@ struct Input {
     std::string process;
     /// NAME=VALUE: what the script is to define instead of what it does.
     std::vector<std::string> definitions;
+    /// What is asked beside what the script asks, as it would stand behind `assert`.
+    std::vector<std::string> assertions;
 
     /// The file in messages.
     std::string name() const { return file == "-" ? "standard input" : file; }

@@ -1,5 +1,6 @@
 #include "process_compiler/recursion_watch.h"
 #include "script/script.h"
+#include "tools/check_command.h"
 #include "tools/command_error.h"
 #include "tools/command_line.h"
 #include "tools/explore_command.h"
@@ -106,6 +107,27 @@ void add_explore(CLI::App& app, ExploreOptions& options, Work& work) {
     command->callback([&] { work = [&] { return explore_process(options); }; });
 }
 
+void add_check(CLI::App& app, CheckOptions& options, Work& work) {
+    CLI::App* const command =
+        app.add_subcommand("check", "Answer what a script asserts, and show why");
+    add_file(*command, options.input);
+    command
+        ->add_option("--assert", options.input.assertions,
+                     "Ask this, too, as it would stand behind 'assert' at the end; any number")
+        ->type_name("TEXT")
+        ->expected(1)
+        ->take_all();
+    command
+        ->add_option("--only", options.only,
+                     "Answer only these assertions, counted from 1: --only 2,5")
+        ->type_name("N,...");
+    add_definitions(*command, options.input);
+    add_search(*command, options.search);
+    command->add_flag("--json", options.json, "As JSON");
+    add_messages(*command, options.search);
+    command->callback([&] { work = [&] { return check_script(options); }; });
+}
+
 void add_print(CLI::App& app, PrintOptions& options, Work& work) {
     CLI::App* const command = app.add_subcommand("print", "Print a process as a term");
     add_input(*command, options.input);
@@ -148,7 +170,7 @@ int answer(CLI::App const& app, CLI::ParseError const& error) {
 
 int run(int count, char** words) {
     CLI::App app(
-        "Explores, compiles, prints and describes CSP processes.\n"
+        "Explores, checks, compiles, prints and describes CSP processes.\n"
         "Exit codes: 0 done and what was asked for holds, 1 it does not hold,\n"
         "2 the input or the command line is wrong or results cannot be written, 3 stopped early.",
         "calder");
@@ -159,10 +181,12 @@ int run(int count, char** words) {
 
     Work work;
     ExploreOptions explore;
+    CheckOptions check;
     PrintOptions print;
     Input describe;
     MachineOptions machine;
     add_explore(app, explore, work);
+    add_check(app, check, work);
     add_print(app, print, work);
     add_describe(app, describe, work);
     add_machine(app, machine, work);
