@@ -34,7 +34,7 @@ class EvidenceText {
     std::string run() {
         StateSpace::Outcome const outcome = m_answered.answer.outcome;
         if (m_answered.answer.verdict == Verdict::undecided) {
-            tell("undecided", std::string(describe(outcome)));
+            tell("reason", std::string(describe(outcome)));
         } else if (outcome != StateSpace::Outcome::complete) {
             tell("evidence", fmt::format("none: {} while it was put together", describe(outcome)));
         } else {
@@ -157,7 +157,7 @@ class EvidenceText {
         } else {
             tell_steps("second", refusing);
         }
-        tell("offered", "behind the second: " + offer_text());
+        tell("offered", "after the second: " + offer_text());
     }
 
     std::string event_list(std::vector<unsigned> const& events) const {

@@ -61,7 +61,7 @@ void add_number(CLI::App& command, char const* name, std::optional<Number>& numb
     command.add_option(name, number, description)->type_name("N")->check(whole_number(least, most));
 }
 
-void add_search(CLI::App& command, SearchOptions& options) {
+void add_search(CLI::App& command, SearchOptions& options, char const* threads) {
     command
         .add_option_function<std::string>(
             "--engine",
@@ -72,9 +72,7 @@ void add_search(CLI::App& command, SearchOptions& options) {
         ->type_name("machine|terms")
         ->check(one_of({"machine", "terms"}))
         ->default_str("machine");
-    add_number(command, "--threads", options.threads, 1,
-               "How many threads run the machine, up to 1024; by default all that there are",
-               most_threads);
+    add_number(command, "--threads", options.threads, 1, threads, most_threads);
     add_number(command, "--max-states", options.max_states, 1, "Stop at this many states");
     add_number(command, "--max-memory", options.max_memory_mib, 1,
                "Stop at this much memory, in MiB; by default at most of what is free");
@@ -90,7 +88,8 @@ void add_explore(CLI::App& app, ExploreOptions& options, Work& work) {
     CLI::App* const command =
         app.add_subcommand("explore", "Explore a process and count its states and transitions");
     add_input(*command, options.input);
-    add_search(*command, options.search);
+    add_search(*command, options.search,
+               "How many threads run the machine, up to 1024; by default all that there are");
     command
         ->add_option("--output", options.output,
                      "Write the transition system to a file, .aut or .dot by its ending")
@@ -115,6 +114,7 @@ void add_check(CLI::App& app, CheckOptions& options, Work& work) {
         ->add_option("--assert", options.input.assertions,
                      "Ask this, too, as it would stand behind 'assert' at the end; any number")
         ->type_name("TEXT")
+        ->check(not_empty("nothing is asked"))
         ->expected(1)
         ->take_all();
     command
@@ -122,7 +122,8 @@ void add_check(CLI::App& app, CheckOptions& options, Work& work) {
                      "Answer only these assertions, counted from 1: --only 2,5")
         ->type_name("N,...");
     add_definitions(*command, options.input);
-    add_search(*command, options.search);
+    add_search(*command, options.search,
+               "Taken as 'explore' takes it; a question is answered by one thread");
     command->add_flag("--json", options.json, "As JSON");
     add_messages(*command, options.search);
     command->callback([&] { work = [&] { return check_script(options); }; });

@@ -89,7 +89,7 @@ std::string waiting_text(std::vector<Waiting> const& waiting, Refinement::RunSta
     }
     if (!cycle.empty()) {
         cycle.push_back(cycle.front());
-        text += titled_line("cycle", joined(cycle, " -> "));
+        text += titled_line("cycle", "each waits for the next: " + joined(cycle, " -> "));
     }
     return text;
 }
