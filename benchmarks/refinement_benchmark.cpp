@@ -1,15 +1,13 @@
 #include "benchmarks/measurement.h"
 #include "benchmarks/philosophers.h"
+#include "benchmarks/questions.h"
 #include "csp/chaos_process.h"
 #include "csp/run_process.h"
-#include "refinement/questions.h"
 
 namespace Calder::Benchmarks {
 namespace {
 
-using Refinement::Answer;
 using Refinement::Model;
-using Refinement::QuestionOptions;
 using Refinement::Verdict;
 
 /// Every event of so many philosophers.
@@ -19,27 +17,6 @@ BitSet events_of(unsigned count) {
         events.insert(first_visible_event + event);
     }
     return events;
-}
-
-/// Asks `question` again and again; counts as measure_machine does.
-template <typename Question>
-void measure_question(benchmark::State& state, Verdict expected, Question const& question) {
-    std::uint64_t transitions = 0;
-    for (auto _ : state) {
-        Answer const answer = question();
-        if (answer.verdict != expected || !answer.machine.machine) {
-            state.SkipWithError("the wrong answer, or no machine");
-            return;
-        }
-        transitions += answer.transition_count;
-        state.counters["states"] = answer.state_count;
-        state.counters["bytes/state"] =
-            static_cast<double>(answer.memory_bytes) / static_cast<double>(answer.state_count);
-        state.counters["transitions"] = static_cast<double>(answer.transition_count);
-        state.counters["steps"] = static_cast<double>(answer.evidence.steps.size());
-    }
-    state.counters["transitions/s"] =
-        benchmark::Counter(static_cast<double>(transitions), benchmark::Counter::kIsRate);
 }
 
 /// What all others are compared with. Argument: philosophers.
@@ -101,6 +78,43 @@ void exploration_up_to_the_deadlock(benchmark::State& state) {
     measure_machine(state, model.start, model.source, options);
 }
 BENCHMARK(exploration_up_to_the_deadlock)->Arg(9)->Arg(10)->Unit(benchmark::kMillisecond);
+
+/// The first philosopher puts down the right fork four times at most; all else may happen.
+ProcessPointer four_rounds(unsigned count) {
+    unsigned const last = first_visible_event + 2 * count * 2 + 1;
+    BitSet const others = events_of(count).without(BitSet{last});
+    ProcessPointer rounds = stop();
+    for (unsigned round = 0; round < 4; ++round) {
+        rounds = prefix(last, rounds);
+    }
+    return new InterleaveProcess(OwningArray<ProcessPointer>{new RunProcess(others), rounds});
+}
+
+/// It comes to a fifth one in 30 steps.
+void fifth_round(benchmark::State& state) {
+    auto const count = static_cast<unsigned>(state.range(0));
+    Philosophers const model(count);
+    ProcessPointer const abstract = four_rounds(count);
+    measure_question(state, Verdict::fails, [&] {
+        return Refinement::refinement(abstract, model.start, Model::traces, model.source);
+    });
+}
+BENCHMARK(fifth_round)->Arg(9)->Arg(11)->Unit(benchmark::kMillisecond);
+
+/// An exploration of the same states: of the table that has no fifth one.
+void exploration_up_to_the_fifth_round(benchmark::State& state) {
+    auto const count = static_cast<unsigned>(state.range(0));
+    Philosophers const model(count);
+    ProcessPointer const abstract = four_rounds(count);
+    ProcessPointer const both = new OperatorProcess(
+        new GeneralisedParallelOperator(events_of(count)), abstract, model.start);
+    StateSpace::RunOptions options;
+    options.keep_transitions = false;
+    options.max_states =
+        Refinement::refinement(abstract, model.start, Model::traces, model.source).state_count;
+    measure_machine(state, both, model.source, options);
+}
+BENCHMARK(exploration_up_to_the_fifth_round)->Arg(9)->Arg(11)->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace Calder::Benchmarks

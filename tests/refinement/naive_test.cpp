@@ -175,6 +175,10 @@ TEST(NaiveSemantics, RefinementIsWhatTheDefinitionsSay) {
         judge(sides, tally);
         ASSERT_FALSE(HasFailure()) << "CALDER_SEED=" << seed << ": " << sides.text();
     }
+    std::cout << tally.judged << " pairs, of which " << tally.holding[0] << " hold in traces, "
+              << tally.holding[1] << " in failures, " << tally.holding[2]
+              << " in failures and divergences\n";
+    EXPECT_EQ(tally.judged, seeds.end - seeds.first);
     if (tally.judged >= 1000) {
         for (unsigned const holding : tally.holding) {
             EXPECT_GT(holding, tally.judged / 4);
