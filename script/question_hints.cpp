@@ -105,7 +105,7 @@ class QuestionReading : private ErrorSurroundings {
             words += is_apart ? " " : "";
             words += m_tokens.text_of(end);
         }
-        if (m_context.token > end || words.empty()) {
+        if (m_context.token > end) {
             return std::nullopt;
         }
         if (QuestionEntry const* const entry = find_question(words)) {
@@ -130,15 +130,14 @@ class QuestionReading : private ErrorSurroundings {
             words += (words.empty() ? "" : " ") + std::string(m_tokens.text_of(token));
         }
         QuestionEntry const* const entry = find_question(words);
-        return entry == nullptr || entry->argument == QuestionArgument::nothing
-                   ? std::nullopt
-                   : std::optional(here(0, "write " + in_quotes(example_of(*entry))));
+        bool const has_argument = entry != nullptr && entry->argument != QuestionArgument::nothing;
+        return has_argument ? std::optional(Hint{close, missing_argument(*entry)}) : std::nullopt;
     }
 
     /// `P [T= Q :[deadlock free]`, `P [T= Q [T= R`
     std::optional<Hint> of_second() const {
         if (is_inside() && has_question() && is_question(kind(0))) {
-            return here(0, "an assertion asks one question: this one stands in another 'assert'");
+            return here(0, "an assertion asks one question: this one needs an 'assert' of its own");
         }
         return std::nullopt;
     }

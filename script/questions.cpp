@@ -29,7 +29,8 @@ QuestionEntry const* find_question(std::string_view words) {
 }
 
 std::string unknown_question(std::string_view words) {
-    std::string const message = "there is no question " + in_quotes(words);
+    std::string const message =
+        words.empty() ? "nothing is asked" : "there is no question " + in_quotes(words);
     // Livelock is nearer to deadlock by its letters alone.
     if (words.starts_with("livelock")) {
         return message + ": write ':[divergence free]'";
@@ -58,6 +59,12 @@ std::string example_of(QuestionEntry const& entry) {
     case QuestionArgument::events: return question + ": {a, b}";
     }
     return question;
+}
+
+std::string missing_argument(QuestionEntry const& entry) {
+    bool const is_trace = entry.argument == QuestionArgument::trace;
+    return std::string("this question goes on with ") + (is_trace ? "a trace" : "a set of events") +
+           ", as in " + in_quotes(example_of(entry));
 }
 
 } // namespace Calder::Script

@@ -115,11 +115,10 @@ unsigned SyntaxBuilder::question(unsigned process, unsigned open, unsigned last_
     if (entry == nullptr) {
         m_diagnostics.push_back({m_tokens.location(open + 1, last_word), unknown_question(words)});
     } else if ((entry->argument == QuestionArgument::nothing) != (argument == none)) {
-        m_diagnostics.push_back(
-            {m_tokens.location(open, last_word + 1),
-             (argument == none ? "it is told behind ':' what is asked, as in "
-                               : "nothing stands behind this question: write ") +
-                 in_quotes(example_of(*entry))});
+        m_diagnostics.push_back({m_tokens.location(open, last_word + 1),
+                                 argument == none ? missing_argument(*entry)
+                                                  : "nothing stands behind this question: write " +
+                                                        in_quotes(example_of(*entry))});
     } else {
         made.question = entry->question;
         if (argument != none) {
