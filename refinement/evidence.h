@@ -38,6 +38,8 @@ struct RunState {
     StateNumber number = 0;
     /// By slot; empty where there is no machine.
     std::vector<SlotState> slots{};
+    /// Where there is no machine: the state as a term.
+    ProcessCompiler::ProcessPointer term{};
     /// Of the machine: which leaf stands where, and what the constructs allow. 0 where there is none.
     StateSpace::ConfigurationNumber configuration = 0;
 };

@@ -33,6 +33,7 @@ EvidenceStep step_between(PairSearch& search, Side const& side, StateNumber sour
 
 RunState described_state(Side const& side, StateNumber number, Word const* state) {
     RunState described{number};
+    described.term = side.term(state);
     if (RunningMachine const* const machine = side.machine()) {
         described.configuration = machine->tables->configuration_of(state);
         auto const leaves = machine->tables->leaves(described.configuration);

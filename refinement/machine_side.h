@@ -17,6 +17,7 @@ class MachineSide final : public Side {
     void append_steps(Word const* state, Steps& steps) override;
     std::uint64_t growth_bytes(std::uint64_t) const noexcept override { return 0; }
     RunningMachine const* machine() const noexcept override { return &m_machine; }
+    ProcessCompiler::ProcessPointer term(Word const*) const override { return nullptr; }
     RunningMachine take_machine() noexcept override { return std::move(m_machine); }
 
   private:

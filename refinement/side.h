@@ -50,7 +50,9 @@ class Side {
 
     /// Null where the side goes from term to term.
     [[nodiscard]] virtual RunningMachine const* machine() const noexcept = 0;
-    /// Hands it over; nothing may be asked of the side afterwards.
+    /// The state as a term; null where a machine runs.
+    [[nodiscard]] virtual ProcessCompiler::ProcessPointer term(Word const* state) const = 0;
+    /// Hands the machine over; nothing may be asked of the side afterwards.
     [[nodiscard]] virtual RunningMachine take_machine() noexcept = 0;
 };
 

@@ -31,6 +31,10 @@ void TermSide::append_steps(Word const* state, Steps& steps) {
     term.visit_transitions(m_source, visitor);
 }
 
+ProcessPointer TermSide::term(Word const* state) const {
+    return m_terms.term(static_cast<StateNumber>(*state));
+}
+
 StateNumber TermSide::number(ProcessPointer const& term) {
     StateNumber const number = m_terms.find_or_add(term);
     if (number == StateSpace::no_state) {

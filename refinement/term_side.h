@@ -22,6 +22,7 @@ class TermSide final : public Side {
         return m_terms.growth_bytes(steps);
     }
     RunningMachine const* machine() const noexcept override { return nullptr; }
+    ProcessCompiler::ProcessPointer term(Word const* state) const override;
     RunningMachine take_machine() noexcept override { return {}; }
 
   private:

@@ -54,6 +54,9 @@ class EvidenceWriter {
         }
         write_steps("steps", m_evidence.steps);
         write_end();
+        if (std::string const term = m_names.term(m_evidence.end); !term.empty()) {
+            m_json.member("state", term);
+        }
     }
 
   private:

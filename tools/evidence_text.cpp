@@ -112,6 +112,7 @@ class EvidenceText {
         tell("refusal", fmt::format("{} {} refuses more than {} ever does there",
                                     after(m_evidence.steps.size()), m_concrete, m_abstract));
         tell_steps("", m_evidence.steps);
+        tell_state(m_evidence.end);
         tell("offered", fmt::format("by {}: {}", m_concrete, offer_text()));
         if (m_evidence.demanded.empty()) {
             tell("demanded", fmt::format("by {}: that it goes on silently, for it never comes to "
@@ -133,6 +134,7 @@ class EvidenceText {
                          m_concrete,
                          is_refinement ? ", which " + m_abstract + " cannot there" : ""));
         tell_steps("", m_evidence.steps);
+        tell_state(m_evidence.end);
         tell_steps("loop", m_evidence.loop);
     }
 
@@ -140,6 +142,7 @@ class EvidenceText {
         tell("deadlock", fmt::format("{} nothing can happen any more in {}",
                                      after(m_evidence.steps.size()), m_concrete));
         tell_steps("", m_evidence.steps);
+        tell_state(m_evidence.end);
         m_text += waiting_text(waiting_in(m_answered.answer.machine, m_evidence.end),
                                m_evidence.end, m_names);
     }
@@ -157,7 +160,15 @@ class EvidenceText {
         } else {
             tell_steps("second", refusing);
         }
+        tell_state(m_evidence.other_performs ? m_evidence.end : m_evidence.other_end);
         tell("offered", "after the second: " + offer_text());
+    }
+
+    /// Of a machine there is no term; the components are told.
+    void tell_state(Refinement::RunState const& state) {
+        if (std::string const term = m_names.term(state); !term.empty()) {
+            tell("state", term);
+        }
     }
 
     std::string event_list(std::vector<unsigned> const& events) const {

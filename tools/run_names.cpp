@@ -2,6 +2,12 @@
 
 namespace Calder::Tools {
 
+namespace {
+
+constexpr std::int32_t most_characters = 80;
+
+} // namespace
+
 RunNames::RunNames(Script::Script const& script, Refinement::RunningMachine const& machine)
     : m_session(script.session()),
       m_leaves(machine.machine ? std::make_unique<LeafNames>(script, *machine.machine) : nullptr) {}
@@ -29,6 +35,10 @@ std::vector<std::string> const& RunNames::components(Refinement::RunState const&
         m_running = std::move(running);
     }
     return m_components;
+}
+
+std::string RunNames::term(Refinement::RunState const& state) const {
+    return state.term ? short_text(*state.term, m_session, most_characters) : "";
 }
 
 std::vector<std::string> RunNames::participants(Refinement::EvidenceStep const& step) {

@@ -19,6 +19,9 @@ class RunNames {
     /// The components of a state, slot by slot; none where there is no machine.
     std::vector<std::string> const& components(Refinement::RunState const& state);
 
+    /// The beginning of the term that a state is; empty where there is a machine.
+    std::string term(Refinement::RunState const& state) const;
+
     /// Who takes part.
     std::vector<std::string> participants(Refinement::EvidenceStep const& step);
 

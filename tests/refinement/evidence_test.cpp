@@ -67,6 +67,7 @@ TEST(Evidence, NamesWhoTakesPartAndWhatBecameSilent) {
                                                 {tau, {{1, tau}}, {}},
                                             }));
     ASSERT_TRUE(answer.machine.machine);
+    EXPECT_FALSE(answer.evidence.end.term);
     auto const& steps = answer.evidence.steps;
     std::uint32_t const left = steps[0].source.slots[0].leaf;
     std::uint32_t const right = steps[0].source.slots[1].leaf;
@@ -96,13 +97,19 @@ TEST(Evidence, TellsWhatAllParticipantsDid) {
               (std::vector<PlainStep>{{tau, {{0, a}, {1, b}}, {a, b}}}));
 }
 
-TEST(Evidence, TermsHaveNoParticipants) {
+TEST(Evidence, TermsHaveNoParticipantsAndStandForTheirStates) {
     QuestionOptions options;
     options.by_machine = false;
-    Answer const answer = deadlock_free(term_of({{{a, 1}}, {}}, "P"), source, options);
+    ProcessPointer const process = term_of({{{a, 1}}, {}}, "P");
+    Answer const answer = deadlock_free(process, source, options);
     EXPECT_EQ(plain(answer.evidence.steps), (std::vector<PlainStep>{{a, {}, {}}}));
     EXPECT_FALSE(answer.machine.machine);
     EXPECT_TRUE(answer.concrete_without_machine.reason.empty());
+    EXPECT_EQ(answer.evidence.steps.front().source.term, process);
+    ASSERT_TRUE(answer.evidence.end.term);
+    Answer const at_end = deadlock_free(answer.evidence.end.term, source, options);
+    EXPECT_EQ(at_end.verdict, Verdict::fails);
+    EXPECT_TRUE(at_end.evidence.steps.empty());
 }
 
 TEST(Evidence, WhatEndsTheQuestionSoonestIsShown) {
