@@ -82,11 +82,12 @@ class Classification {
         }
         TokenKind const before = name > 0 ? kind(name - 1) : T::END;
         constexpr std::array none_defined_behind{
-            T::DOT, T::CHANNEL, T::DATATYPE,         T::IF,
-            T::AND, T::OR,      T::ASSERT,           T::ASSERT_NOT,
-            T::NOT, T::GUARD,   T::LEFT_PARENTHESIS, T::LEFT_BRACKET};
-        if (std::find(none_defined_behind.begin(), none_defined_behind.end(), before) !=
-            none_defined_behind.end()) {
+            T::DOT,        T::CHANNEL, T::DATATYPE,        T::IF, T::AND, T::OR, T::NOT, T::ASSERT,
+            T::ASSERT_NOT, T::GUARD,   T::LEFT_PARENTHESIS};
+        bool const is_refinement = // one that there is not, `[R=`
+            before == T::LEFT_BRACKET && m_tokens[name - 1].line == m_tokens[name].line;
+        if (is_refinement || std::find(none_defined_behind.begin(), none_defined_behind.end(),
+                                       before) != none_defined_behind.end()) {
             return;
         }
         if (is_reserved(kind(name))) {
