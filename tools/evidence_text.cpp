@@ -91,9 +91,10 @@ class EvidenceText {
         std::string const event = m_names.event(m_evidence.event);
         std::size_t const steps = m_evidence.steps.size();
         if (m_answered.assertion.question == Question::has_trace) {
-            tell("event", steps == 0 ? fmt::format("{} cannot begin with {}", m_concrete, event)
-                                     : fmt::format("{} comes so far at most, and cannot do {} then",
-                                                   m_concrete, event));
+            tell("event", steps == 0
+                              ? fmt::format("{} cannot begin with {}", m_concrete, event)
+                              : fmt::format("{} goes no further than this: it cannot do {} then",
+                                            m_concrete, event));
             tell_steps("", m_evidence.steps);
             tell("possible", "then: " + event_list(m_evidence.offered));
             return;
@@ -151,9 +152,11 @@ class EvidenceText {
         std::string const event = m_names.event(m_evidence.event);
         auto const& doing = m_evidence.other_performs ? m_evidence.other : m_evidence.steps;
         auto const& refusing = m_evidence.other_performs ? m_evidence.steps : m_evidence.other;
-        tell("two runs", fmt::format("of {} with the same events: the first then does {}, the "
-                                     "second refuses it",
-                                     m_concrete, event));
+        tell(
+            "two runs",
+            fmt::format("of {} with the same events; then the first does {} and the second refuses "
+                        "it",
+                        m_concrete, event));
         tell_steps("first", doing);
         if (refusing.empty()) {
             tell("second", "at the start");

@@ -8,7 +8,7 @@
 namespace Calder::Tools {
 
 std::string titled_line(std::string_view title, std::string_view text) {
-    return fmt::format("{:<13}{}\n", title, text);
+    return fmt::format("{:<{}}{}\n", title, title_width, text);
 }
 
 void tell(std::string_view title, std::string_view text) {

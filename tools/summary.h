@@ -9,6 +9,8 @@ namespace Calder::Tools {
 
 constexpr std::uint64_t bytes_per_mib = std::uint64_t{1024} * 1024;
 
+constexpr std::size_t title_width = 13;
+
 /// A line of an answer: a title and what stands for it. Without a title it goes on with what was told
 /// before.
 std::string titled_line(std::string_view title, std::string_view text);

@@ -27,7 +27,7 @@ std::string wish_text(Wanted const& wanted, RunNames const& names) {
 
 std::string giver_text(Wanted const& wanted, std::vector<std::string> const& components) {
     if (wanted.event == no_event) {
-        return ", which nothing lets happen";
+        return ", which nothing here lets happen";
     }
     std::vector<std::string> missing;
     for (std::uint32_t const slot : wanted.missing) {
@@ -36,33 +36,53 @@ std::string giver_text(Wanted const& wanted, std::vector<std::string> const& com
     return missing.empty() ? "" : " with " + joined(missing, " and ");
 }
 
-/// Events that take the same others.
+/// Events that the same others could give.
 struct Wish {
-    std::string giver;
     std::vector<std::string> events;
+    std::vector<std::string> givers; // any of them
 };
 
-/// "for a, b with P; for c with Q"
-std::string wishes_text(std::vector<Wanted> const& wanted,
-                        std::vector<std::string> const& components, RunNames const& names) {
-    if (wanted.empty()) {
-        return "for nothing: it has stopped";
-    }
-    std::vector<Wish> wishes;
+/// What the rules never let happen is only told of who wants nothing else.
+std::vector<Wish> wishes_of(std::vector<Wanted> const& wanted,
+                            std::vector<std::string> const& components, RunNames const& names) {
+    bool const has_hope = std::any_of(wanted.begin(), wanted.end(),
+                                      [](Wanted const& each) { return each.event != no_event; });
+    std::vector<Wish> wishes; // first by event
     for (Wanted const& each : wanted) {
-        std::string const giver = giver_text(each, components);
-        auto wish = std::find_if(wishes.begin(), wishes.end(),
-                                 [&](Wish const& known) { return known.giver == giver; });
-        if (wish == wishes.end()) {
-            wish = wishes.insert(wish, {giver, {}});
+        if (has_hope && each.event == no_event) {
+            continue;
         }
-        wish->events.push_back(wish_text(each, names));
+        std::string const event = wish_text(each, names);
+        if (wishes.empty() || wishes.back().events.front() != event) {
+            wishes.push_back({{event}, {}});
+        }
+        wishes.back().givers.push_back(giver_text(each, components));
+    }
+    std::vector<Wish> merged;
+    for (Wish& wish : wishes) {
+        auto const same = std::find_if(merged.begin(), merged.end(), [&](Wish const& known) {
+            return known.givers == wish.givers;
+        });
+        if (same == merged.end()) {
+            merged.push_back(std::move(wish));
+        } else {
+            same->events.push_back(wish.events.front());
+        }
+    }
+    return merged;
+}
+
+/// "for a, b with P or with Q", and on lines of their own "or for c with R".
+std::string wishes_text(std::vector<Wish> wishes, std::size_t margin) {
+    if (wishes.empty()) {
+        return "for nothing: it has stopped";
     }
     std::vector<std::string> texts;
     for (Wish& wish : wishes) {
-        texts.push_back("for " + listed(std::move(wish.events)) + wish.giver);
+        texts.push_back("for " + listed(std::move(wish.events)) +
+                        listed(std::move(wish.givers), " or"));
     }
-    return listed(std::move(texts), "; ");
+    return listed(std::move(texts), "\n" + std::string(title_width + margin, ' ') + "or ");
 }
 
 } // namespace
@@ -79,9 +99,10 @@ std::string waiting_text(std::vector<Waiting> const& waiting, Refinement::RunSta
     }
     std::string text;
     for (Waiting const& each : waiting) {
-        text += titled_line(text.empty() ? "waiting" : "",
-                            fmt::format("{:<{}} {}", components[each.slot], width,
-                                        wishes_text(each.wanted, components, names)));
+        text += titled_line(
+            text.empty() ? "waiting" : "",
+            fmt::format("{:<{}} {}", components[each.slot], width,
+                        wishes_text(wishes_of(each.wanted, components, names), width + 1)));
     }
     std::vector<std::string> cycle;
     for (std::uint32_t const slot : Refinement::waiting_cycle(waiting)) {

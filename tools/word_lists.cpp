@@ -15,11 +15,11 @@ bool is_inside_character(char byte) {
 
 } // namespace
 
-std::string joined(std::vector<std::string> const& words, char const* separator) {
+std::string joined(std::vector<std::string> const& words, std::string const& separator) {
     return fmt::format("{}", fmt::join(words, separator));
 }
 
-std::string listed(std::vector<std::string> words, char const* separator) {
+std::string listed(std::vector<std::string> words, std::string const& separator) {
     if (words.size() <= most_listed) {
         return joined(words, separator);
     }
