@@ -2,6 +2,8 @@
 
 #include "tools/by_terms_note.h"
 
+#include <fmt/core.h>
+
 namespace Calder::Tools {
 
 using Refinement::Answer;
@@ -40,7 +42,7 @@ void take_notes(Answer const& answer, Script::Assertion const& assertion,
                 Script::Script const& script, TakeNote const& take_note) {
     auto const take = [&](std::string const& name, Refinement::NoMachine const& no_machine) {
         if (!no_machine.reason.empty()) {
-            take_note(by_terms_note(name, no_machine.reason, no_machine.refused, script));
+            take_note(by_terms_note(name + " is", no_machine.reason, no_machine.refused, script));
         }
     };
     take(assertion.abstract_name, answer.abstract_without_machine);
@@ -59,7 +61,11 @@ Answer ask(Script::Assertion const& assertion, Script::Script const& script,
         if (!options.by_machine) {
             throw;
         }
-        take_note(by_terms_note(assertion.text, error));
+        take_note(by_terms_note(
+            assertion.abstract_name.empty()
+                ? assertion.concrete_name + " is"
+                : fmt::format("{} and {} are", assertion.abstract_name, assertion.concrete_name),
+            error));
     }
     QuestionOptions by_terms = options;
     by_terms.by_machine = false;

@@ -34,11 +34,11 @@ class Search {
             std::string const& reason =
                 found.run.refusal.empty() ? found.why_by_terms : found.run.refusal;
             if (!reason.empty()) {
-                note = by_terms_note(m_definition.name, reason, found.refused, m_script);
+                note = by_terms_note(m_definition.name + " is", reason, found.refused, m_script);
             }
             return found.run.refusal.empty() ? std::move(found) : by_terms();
         } catch (Script::ScriptError const& error) {
-            note = by_terms_note(m_definition.name, error);
+            note = by_terms_note(m_definition.name + " is", error);
             return by_terms();
         }
     }
