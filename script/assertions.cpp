@@ -57,6 +57,7 @@ AssertionHead head_of(TokenList const& tokens, AssertionSyntax const& assertion)
 std::vector<AssertionHead> heads_of(TokenList const& tokens,
                                     std::vector<AssertionSyntax> const& assertions) {
     std::vector<AssertionHead> heads;
+    heads.reserve(assertions.size());
     for (AssertionSyntax const& assertion : assertions) {
         heads.push_back(head_of(tokens, assertion));
     }

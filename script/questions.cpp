@@ -52,7 +52,7 @@ std::string unknown_question(std::string_view words) {
 }
 
 std::string example_of(QuestionEntry const& entry) {
-    std::string const question = std::string(":[") + entry.words + "]";
+    std::string question = std::string(":[") + entry.words + "]";
     switch (entry.argument) {
     case QuestionArgument::nothing: return question;
     case QuestionArgument::trace: return question + ": <a, b>";
