@@ -58,7 +58,9 @@ struct EvidenceStep {
 };
 
 /// A shortest run of the concrete side, by number of steps, to where a question is decided, and what
-/// matters there. The same every time.
+/// matters there. The same every time. Nondeterminism is looked for beside one run for each trace (see
+/// `Determinisation`): it is a shortest one to where one differs from those, and there may be shorter
+/// ones that show it beside others.
 struct Evidence {
     Reason reason = Reason::none;
     std::vector<EvidenceStep> steps{};

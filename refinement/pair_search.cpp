@@ -116,8 +116,7 @@ void PairSearch::fit_side(NodeNumber most_node) {
 /// Tells what may not be offered, keeps in mind an event that may not come, and otherwise chooses the
 /// steps that are followed.
 std::optional<Finding> PairSearch::examine_batch() {
-    m_followed.clear();
-    m_most_node = 0;
+    make_room_to_follow();
     for (std::size_t source = 0; source < m_row_ends.size(); ++source) {
         if (m_observer.looks_at_offers() && !allows_offer(source)) {
             return Finding{Finding::Kind::offer, m_first_source + static_cast<StateNumber>(source)};
@@ -144,44 +143,77 @@ bool PairSearch::allows_offer(std::size_t source) {
     return m_observer.allows_offer(m_source_nodes[source], m_offer);
 }
 
+void PairSearch::make_room_to_follow() {
+    m_followed_count = 0;
+    m_most_node = 0;
+    if (m_followed.size() < m_steps.size()) {
+        m_followed.resize(m_steps.size());
+        m_hashes.resize(m_steps.size());
+    }
+    if (m_words.size() < m_followed.size() * m_pairs.width()) {
+        m_words.resize(m_followed.size() * m_pairs.width());
+    }
+}
+
 void PairSearch::follow_row(std::size_t source) {
     NodeNumber const node = m_source_nodes[source];
     std::span<NodeNumber const> known = m_next_nodes.row(node);
     for (std::size_t step = row_begin(source); step < m_row_ends[source]; ++step) {
         unsigned const event = m_steps.event(step);
-        if (m_event && event != tau) {
+        if (event == tau) {
+            follow(source, step, node);
+            continue;
+        }
+        if (m_event) {
             continue; // only loops can be found sooner
         }
-        NodeNumber next = event == tau ? node : NextNodes::in_row(known, event);
+        NodeNumber next = NextNodes::in_row(known, event);
         if (next == not_known) {
             next = next_node(node, event);
             known = m_next_nodes.row(node);
         }
-        if (next == forbidden) {
-            StateNumber const pair = m_first_source + static_cast<StateNumber>(source);
-            m_event = Finding{Finding::Kind::event,
-                              pair,
-                              event,
-                              {m_steps.words(step), m_steps.words(step) + m_steps.width()}};
-            continue;
-        }
-        if (event == tick || next == nothing_matters) {
+        if (is_node(next)) {
+            follow(source, step, next);
+        } else if (next == forbidden) {
+            note_event(source, step);
+        } else {
             ++m_transitions;
-            continue;
         }
-        m_followed.push_back(
-            {static_cast<std::uint32_t>(source), static_cast<std::uint32_t>(step), next});
-        m_most_node = std::max(m_most_node, next);
     }
 }
 
+inline void PairSearch::follow(std::size_t source, std::size_t step, NodeNumber next) {
+    std::size_t const place = m_followed_count++;
+    m_followed[place] = {static_cast<std::uint32_t>(source), static_cast<std::uint32_t>(step), next,
+                         m_steps.event(step) == tau, m_steps.can_repeat(step)};
+    m_most_node = std::max(m_most_node, next);
+    write_followed(place);
+}
+
+/// Of a node that does not fit something else; `insert_batch` writes all anew then.
+inline void PairSearch::write_followed(std::size_t place) {
+    Followed const& followed = m_followed[place];
+    Word* const pair = &m_words[place * m_pairs.width()];
+    m_pairs.write(m_steps.words(followed.step), followed.node, pair);
+    m_hashes[place] = m_pairs.hash(pair);
+}
+
+void PairSearch::note_event(std::size_t source, std::size_t step) {
+    m_event = Finding{Finding::Kind::event,
+                      m_first_source + static_cast<StateNumber>(source),
+                      m_steps.event(step),
+                      {m_steps.words(step), m_steps.words(step) + m_steps.width()}};
+}
+
 NodeNumber PairSearch::next_node(NodeNumber node, unsigned event) {
-    NodeNumber const known = m_next_nodes.find(node, event);
-    if (known != not_known) {
-        return known;
+    NodeNumber next = m_next_nodes.find(node, event);
+    if (next == not_known) {
+        next = m_observer.after(node, event);
+        if (event == tick && next != forbidden) {
+            next = nothing_matters;
+        }
+        m_next_nodes.insert(node, event, next);
     }
-    NodeNumber const next = m_observer.after(node, event);
-    m_next_nodes.insert(node, event, next);
     return next;
 }
 
@@ -198,30 +230,32 @@ inline void PairSearch::insert(std::size_t place, StateNumber likely) {
         m_monitor.stop(StateSpace::Outcome::state_limit);
         throw StateSpace::SearchEnded();
     }
-    unsigned const event = m_steps.event(followed.step);
-    if (m_row_source != followed.source) {
-        m_row_source = followed.source;
-        m_row.clear();
-    }
-    m_transitions += !m_steps.can_repeat(followed.step) || m_row.insert({event, target}) ? 1 : 0;
-    if (event == tau && target <= parent && m_observer.forbids_loops()) {
+    m_transitions += !followed.can_repeat || is_first(followed, target) ? 1 : 0;
+    if (followed.is_silent && target <= parent && m_observer.forbids_loops()) {
         m_loop_heads.push_back(target);
     }
 }
 
-void PairSearch::insert_batch() {
-    if (m_followed.empty()) {
-        return;
+/// Among the steps of its source.
+bool PairSearch::is_first(Followed const& followed, StateNumber target) {
+    if (m_row_source != m_first_source + followed.source) {
+        m_row_source = m_first_source + followed.source;
+        m_row.clear();
     }
+    return m_row.insert({m_steps.event(followed.step), target});
+}
+
+void PairSearch::insert_batch() {
     if (!m_pairs.fits(m_steps.width(), m_most_node)) {
         m_monitor.go_on(m_pairs.size(), m_pairs.memory_bytes() * 2);
         m_pairs.make_fit(m_steps.width(), m_most_node);
+        m_words.resize(m_followed.size() * m_pairs.width());
+        for (std::size_t place = 0; place < m_followed_count; ++place) {
+            write_followed(place);
+        }
     }
-    write_followed();
-    m_pairs.make_room(m_followed.size());
-    m_row_source = m_followed.front().source;
-    m_row.clear();
-    std::size_t const count = m_followed.size();
+    std::size_t const count = m_followed_count;
+    m_pairs.make_room(count);
     for (std::size_t place = 0; place < std::min(bucket_distance, count); ++place) {
         m_pairs.prefetch_bucket(m_hashes[place]);
     }
@@ -238,17 +272,6 @@ void PairSearch::insert_batch() {
             ahead = m_pairs.prefetch_pair(m_hashes[place + pair_distance]);
         }
         insert(place, likely);
-    }
-}
-
-void PairSearch::write_followed() {
-    std::uint32_t const width = m_pairs.width();
-    m_words.resize(m_followed.size() * width);
-    m_hashes.resize(m_followed.size());
-    for (std::size_t place = 0; place < m_followed.size(); ++place) {
-        Word* const pair = &m_words[place * width];
-        m_pairs.write(m_steps.words(m_followed[place].step), m_followed[place].node, pair);
-        m_hashes[place] = m_pairs.hash(pair);
     }
 }
 
@@ -302,10 +325,10 @@ void PairSearch::find_steps(StateNumber pair, PairSteps& found) {
 StateNumber PairSearch::target_of(PairSteps const& from, std::size_t step) {
     unsigned const event = from.steps.event(step);
     NodeNumber const node = event == tau ? from.node : m_next_nodes.find(from.node, event);
-    if (event == tick || !is_node(node) || !m_pairs.fits(from.steps.width(), node)) {
+    if (!is_node(node) || !m_pairs.fits(from.steps.width(), node)) {
         return no_state;
     }
-    m_words.resize(m_pairs.width());
+    m_words.resize(std::max<std::size_t>(m_words.size(), m_pairs.width()));
     m_pairs.write(from.steps.words(step), node, m_words.data());
     return m_pairs.find(m_words.data());
 }

@@ -65,6 +65,8 @@ class PairSearch {
         std::uint32_t source; // in the batch
         std::uint32_t step;
         NodeNumber node;
+        bool is_silent;
+        bool can_repeat;
     };
 
     void add_start(NodeNumber node);
@@ -73,11 +75,15 @@ class PairSearch {
     void fit_side(NodeNumber most_node = 0);
     std::optional<Finding> examine_batch();
     bool allows_offer(std::size_t source);
+    void make_room_to_follow();
     void follow_row(std::size_t source);
+    void follow(std::size_t source, std::size_t step, NodeNumber next);
     [[nodiscard]] NodeNumber next_node(NodeNumber node, unsigned event);
+    void note_event(std::size_t source, std::size_t step);
     void insert_batch();
-    void write_followed();
+    void write_followed(std::size_t place);
     void insert(std::size_t place, StateNumber likely);
+    bool is_first(Followed const& followed, StateNumber target);
     std::optional<Finding> find_loop();
     std::optional<Finding> find_loop_before(Finding found);
     void look_around(std::uint64_t work);
@@ -100,6 +106,7 @@ class PairSearch {
     std::vector<StateNumber> m_loop_heads;
     StateNumber m_searched_for_loops = 1024; // how many pairs there were then
 
+    static constexpr StateNumber no_pair = StateSpace::no_state;
     static constexpr std::size_t pair_distance = 16;
     /// Of the steps to come, the pairs that they most likely lead to: step i is at i modulo the
     /// distance.
@@ -111,12 +118,13 @@ class PairSearch {
     std::vector<NodeNumber> m_source_nodes;
     Steps m_steps;
     std::vector<std::size_t> m_row_ends; // by source
-    std::vector<Followed> m_followed;
-    NodeNumber m_most_node = 0;
+    std::size_t m_followed_count = 0;
+    std::vector<Followed> m_followed;    // there may be more than these, here and in the next two
     std::vector<Word> m_words;           // of the pairs that these steps lead to
     std::vector<std::uint64_t> m_hashes; // of those
-    StateSpace::TransitionSet m_row;     // steps that may repeat
-    std::uint32_t m_row_source = 0;      // whose they are
+    NodeNumber m_most_node = 0;
+    StateSpace::TransitionSet m_row;    // steps that may repeat
+    StateNumber m_row_source = no_pair; // whose they are
     std::vector<unsigned> m_offer;
 };
 

@@ -19,8 +19,7 @@ std::unique_ptr<Side> machine_side(ProcessPointer const& term, NamedProcessSourc
                                    SearchMonitor& monitor) {
     StateSpace::MachineCompilation made = StateSpace::compile_for_run(term, source, options);
     no_machine = {std::move(made.refusal), std::move(made.refused)};
-    if (made.is_interrupted ||
-        (made.explored && made.explored->outcome == Outcome::interrupted)) {
+    if (made.is_interrupted || (made.explored && made.explored->outcome == Outcome::interrupted)) {
         monitor.stop(Outcome::interrupted);
         throw StateSpace::SearchEnded();
     }
