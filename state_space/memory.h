@@ -12,9 +12,6 @@ namespace Calder::StateSpace {
 /// The most that it ever occupied.
 [[nodiscard]] std::uint64_t peak_resident_bytes();
 
-/// Gives what was freed back to the system, which keeps it otherwise for what is allocated next.
-void give_back_freed_memory() noexcept;
-
 /// What the vector has allocated.
 template <typename T>
 [[nodiscard]] std::uint64_t allocated_bytes(std::vector<T> const& vector) noexcept {

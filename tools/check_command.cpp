@@ -1,6 +1,5 @@
 #include "tools/check_command.h"
 
-#include "state_space/memory.h"
 #include "tools/address_space_bound.h"
 #include "tools/ask.h"
 #include "tools/check_report.h"
@@ -133,7 +132,7 @@ class Check {
     }
 
   private:
-    /// What one question took is free again before the next one begins.
+    /// What the search took is free again before the next question begins.
     void answer(Script::Assertion const& assertion, std::string const& progress,
                 InterruptionWatch const& watch) {
         auto const start = Clock::now();
@@ -150,7 +149,6 @@ class Check {
 
     Refinement::Answer asked(Script::Assertion const& assertion, std::string const& progress,
                              InterruptionWatch const& watch) {
-        StateSpace::give_back_freed_memory();
         ProgressLine line(m_options.shows_progress(), progress);
         Refinement::QuestionOptions bounds;
         bounds.max_states = m_options.max_states.value_or(bounds.max_states);
