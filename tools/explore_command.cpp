@@ -8,6 +8,7 @@
 #include "tools/leaf_names.h"
 #include "tools/progress_line.h"
 #include "tools/standard_streams.h"
+#include "tools/step_lines.h"
 #include "tools/summary.h"
 
 #include <fmt/core.h>
@@ -91,13 +92,11 @@ std::string trace_text(StateSpace::Deadlock const& deadlock,
     return text.empty() ? "at the start" : "after " + text;
 }
 
-constexpr std::size_t least_event_width = 15;
-
 /// For each event of the trace, which leaves of the machine take part in it.
 void tell_steps(StateSpace::Deadlock const& deadlock,
                 StateSpace::MachineExploration const& exploration, Script::Script const& script) {
     LeafNames const names(script, *exploration.machine);
-    std::size_t width = least_event_width;
+    std::size_t width = least_column_width;
     for (unsigned const event : deadlock.trace) {
         width = std::max(width, script.session().event_object(event)->name().size());
     }
