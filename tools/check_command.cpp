@@ -1,5 +1,6 @@
 #include "tools/check_command.h"
 
+#include "state_space/memory.h"
 #include "tools/address_space_bound.h"
 #include "tools/ask.h"
 #include "tools/check_report.h"
@@ -70,24 +71,17 @@ std::vector<std::size_t> selected(Script::Script const& script, Input const& inp
 std::vector<Script::Assertion> make_assertions(Script::Script const& script,
                                                std::vector<std::size_t> const& numbers) {
     std::vector<Script::Assertion> assertions;
-    std::vector<std::string> errors;
+    Script::Diagnostics errors;
     for (std::size_t const number : numbers) {
         try {
             assertions.push_back(script.assertion(number));
         } catch (Script::ScriptError const& error) {
-            std::string const text = error.what();
-            if (std::find(errors.begin(), errors.end(), text) == errors.end()) {
-                errors.push_back(text);
-            }
+            errors.push_back(error.diagnostic());
         }
     }
     if (!errors.empty()) {
-        std::string text;
-        for (std::string const& error : errors) {
-            text += error;
-        }
-        text.pop_back(); // whoever tells it ends the line
-        throw CommandError(text);
+        sort_and_remove_repetitions(errors);
+        throw script_errors(errors, script.sources());
     }
     return assertions;
 }
@@ -149,6 +143,7 @@ class Check {
 
     Refinement::Answer asked(Script::Assertion const& assertion, std::string const& progress,
                              InterruptionWatch const& watch) {
+        StateSpace::give_back_freed_memory(); // of the question before
         ProgressLine line(m_options.shows_progress(), progress);
         Refinement::QuestionOptions bounds;
         bounds.max_states = m_options.max_states.value_or(bounds.max_states);

@@ -7,7 +7,6 @@ namespace Calder::Tools {
 
 using Refinement::EvidenceStep;
 using Refinement::Reason;
-using Refinement::Verdict;
 using StateSpace::Outcome;
 
 namespace {

@@ -29,6 +29,9 @@ struct Input {
 /// says how far it came than one that the system kills.
 std::uint64_t default_memory_limit();
 
+/// The errors of a script, of which there is one at least, each at its place.
+CommandError script_errors(Script::Diagnostics const& diagnostics, Script::Sources const& sources);
+
 /// What a command does with a script.
 using ScriptWork = std::function<int(Script::Script const& script)>;
 
