@@ -22,10 +22,11 @@ class Observer {
     /// event that come together. Nothing behind a tick is looked at, whatever is answered.
     virtual NodeNumber after(NodeNumber node, unsigned event) = 0;
 
-    /// Whether `allows_offer` wants to be asked.
-    [[nodiscard]] virtual bool looks_at_offers() const noexcept { return false; }
+    /// Of which offers `allows_offer` wants to be asked.
+    enum class Offers { none, empty, all };
+    [[nodiscard]] virtual Offers looks_at() const noexcept { return Offers::none; }
     /// Whether a state may perform exactly `events` after a trace of that node: ascending, tau and
-    /// tick among them. Asked of every pair.
+    /// tick among them. Asked of every pair with such an offer.
     virtual bool allows_offer(NodeNumber node, std::span<unsigned const> events);
 
     /// Whether no state may go round silently.

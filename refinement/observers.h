@@ -19,7 +19,9 @@ class RefinementObserver final : public Observer {
     NodeNumber after(NodeNumber node, unsigned event) override {
         return strict(m_normal_form.after(node, event));
     }
-    bool looks_at_offers() const noexcept override { return m_model != Model::traces; }
+    Offers looks_at() const noexcept override {
+        return m_model == Model::traces ? Offers::none : Offers::all;
+    }
     bool allows_offer(NodeNumber node, std::span<unsigned const> events) override;
     bool forbids_loops() const noexcept override { return m_model == Model::failures_divergences; }
 
@@ -42,7 +44,7 @@ class DeterminismObserver final : public Observer {
     NodeNumber after(NodeNumber node, unsigned event) override {
         return m_determinisation.after(node, event);
     }
-    bool looks_at_offers() const noexcept override { return true; }
+    Offers looks_at() const noexcept override { return Offers::all; }
     bool allows_offer(NodeNumber node, std::span<unsigned const> events) override;
     bool forbids_loops() const noexcept override { return true; }
 
@@ -61,10 +63,8 @@ class ForgetfulObserver : public Observer {
 
 class DeadlockObserver final : public ForgetfulObserver {
   public:
-    bool looks_at_offers() const noexcept override { return true; }
-    bool allows_offer(NodeNumber, std::span<unsigned const> events) override {
-        return !events.empty();
-    }
+    Offers looks_at() const noexcept override { return Offers::empty; }
+    bool allows_offer(NodeNumber, std::span<unsigned const>) override { return false; }
 };
 
 class LoopObserver final : public ForgetfulObserver {

@@ -118,7 +118,7 @@ void PairSearch::fit_side(NodeNumber most_node) {
 std::optional<Finding> PairSearch::examine_batch() {
     make_room_to_follow();
     for (std::size_t source = 0; source < m_row_ends.size(); ++source) {
-        if (m_observer.looks_at_offers() && !allows_offer(source)) {
+        if (looks_at_offer(source) && !allows_offer(source)) {
             return Finding{Finding::Kind::offer, m_first_source + static_cast<StateNumber>(source)};
         }
         if (!m_event || m_observer.forbids_loops()) {
@@ -126,6 +126,12 @@ std::optional<Finding> PairSearch::examine_batch() {
         }
     }
     return std::nullopt;
+}
+
+inline bool PairSearch::looks_at_offer(std::size_t source) const noexcept {
+    bool const is_empty = row_begin(source) == m_row_ends[source];
+    return m_looks_at == Observer::Offers::all ||
+           (is_empty && m_looks_at == Observer::Offers::empty);
 }
 
 bool PairSearch::allows_offer(std::size_t source) {

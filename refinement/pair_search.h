@@ -74,6 +74,7 @@ class PairSearch {
     void fill_batch();
     void fit_side(NodeNumber most_node = 0);
     std::optional<Finding> examine_batch();
+    [[nodiscard]] bool looks_at_offer(std::size_t source) const noexcept;
     bool allows_offer(std::size_t source);
     void make_room_to_follow();
     void follow_row(std::size_t source);
@@ -94,6 +95,7 @@ class PairSearch {
 
     Side& m_side;
     Observer& m_observer;
+    Observer::Offers const m_looks_at = m_observer.looks_at();
     SearchMonitor& m_monitor;
     VisitedPairs m_pairs;
     NextNodes m_next_nodes;

@@ -19,6 +19,7 @@ NodeNumber most_node_of(unsigned spare_bits) {
 
 VisitedPairs::VisitedPairs(std::uint32_t state_width, unsigned spare_bits)
     : m_state_width(state_width), m_node_shift(word_bits - spare_bits),
+      m_node_unit(spare_bits == 0 ? 0 : Word{1} << m_node_shift),
       m_most_node(most_node_of(spare_bits)), m_pairs(state_width) {}
 
 NodeNumber VisitedPairs::node(StateNumber pair) const noexcept {
@@ -61,6 +62,7 @@ void VisitedPairs::move_nodes_to_front() {
     }
     m_pairs = std::move(wide);
     m_has_node_word = true;
+    m_node_unit = 0;
     m_most_node = not_known - 1;
 }
 

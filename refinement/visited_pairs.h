@@ -33,7 +33,7 @@ class VisitedPairs {
             *pair++ = node;
         }
         StateSpace::copy_words(state, pair, m_state_width);
-        pair[m_state_width - 1] |= m_has_node_word ? 0 : shifted(node);
+        pair[m_state_width - 1] |= node * m_node_unit;
     }
 
     /// Whether states are as wide and nodes up to this one fit. Otherwise `make_fit` comes before
@@ -79,13 +79,10 @@ class VisitedPairs {
 
   private:
     void move_nodes_to_front();
-    [[nodiscard]] Word shifted(NodeNumber node) const noexcept {
-        return (Word{node} << m_half_shift) << m_half_shift << (m_node_shift & 1U);
-    }
 
     std::uint32_t m_state_width;
-    unsigned m_node_shift;                    // in the last word; 64 where it has no bit for nodes
-    unsigned m_half_shift = m_node_shift / 2; // a word cannot be shifted by all of its bits at once
+    unsigned m_node_shift; // in the last word; 64 where it has no bit for nodes
+    Word m_node_unit;      // node 1 in the last word: multiplying costs less than shifting; or 0
     bool m_has_node_word = false;
     NodeNumber m_most_node;
     StateSpace::VisitedStates m_pairs;
