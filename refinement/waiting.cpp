@@ -166,40 +166,30 @@ class Inquiry {
             }
             takings.push_back({&children[place], participant.event});
         }
-        Lacks const all = lacks_of(takings, nullptr);
+        Lacks all{{}};
+        for (Taking const& taking : takings) {
+            if (!is_able(taking.lacks())) {
+                all = both(all, taking.lacks());
+            }
+        }
         if (!all.empty()) {
             result.ways.push_back({rule.event, all});
         }
         for (Taking const& taking : takings) {
-            add_wishes(rule.event, taking, takings, all, result.wishes);
+            add_wishes(rule.event, taking, all, result.wishes);
         }
     }
 
-    /// But for one of them.
-    static Lacks lacks_of(std::vector<Taking> const& takings, Taking const* excepted) {
-        Lacks result{{}};
-        for (Taking const& taking : takings) {
-            if (&taking != excepted && !is_able(taking.lacks())) {
-                result = both(result, taking.lacks());
-            }
-        }
-        return result;
-    }
-
-    /// Those of an argument that the rule makes its own.
-    static void add_wishes(unsigned event, Taking const& taking, std::vector<Taking> const& takings,
-                           Lacks const& all, std::vector<Wish>& wishes) {
+    /// Those of an argument that the rule makes its own. By what a wish lacks the argument would be
+    /// able, so what all lack adds what the others do.
+    static void add_wishes(unsigned event, Taking const& taking, Lacks const& all,
+                           std::vector<Wish>& wishes) {
         auto const& inner = taking.subtree->wishes;
         auto wish = std::lower_bound(
             inner.begin(), inner.end(), taking.event,
             [](Wish const& candidate, unsigned wanted) { return candidate.event < wanted; });
-        if (wish == inner.end() || wish->event != taking.event) {
-            return;
-        }
-        // An argument that is able adds nothing to what all lack.
-        Lacks const others = is_able(taking.lacks()) ? all : lacks_of(takings, &taking);
         for (; wish != inner.end() && wish->event == taking.event; ++wish) {
-            Lacks lacks = both(wish->lacks, others);
+            Lacks lacks = both(wish->lacks, all);
             if (!lacks.empty()) {
                 wishes.push_back({event, wish->slot, wish->part_event, std::move(lacks)});
             }
