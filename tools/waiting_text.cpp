@@ -78,6 +78,7 @@ std::string wishes_text(std::vector<Wish> wishes, std::size_t margin) {
         return "for nothing: it has stopped";
     }
     std::vector<std::string> texts;
+    texts.reserve(wishes.size());
     for (Wish& wish : wishes) {
         texts.push_back("for " + listed(std::move(wish.events)) +
                         listed(std::move(wish.givers), " or"));
