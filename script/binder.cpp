@@ -19,8 +19,9 @@ class Binder {
     void run() {
         auto const count = static_cast<unsigned>(m_names.definitions.size());
         for (unsigned number = 0; number < count; ++number) {
-            if (m_names.definitions[number].first_line == 0) {
-                m_scope[m_tokens.text_of(m_names.definitions[number].token)].push_back(
+            NamedDefinition const& definition = m_names.definitions[number];
+            if (definition.first_line == 0 && definition.has_name()) {
+                m_scope[m_tokens.text_of(definition.token)].push_back(
                     {Binding::Kind::definition, number});
             }
         }

@@ -104,10 +104,13 @@ class Check {
         }
     }
 
+    static bool wants_event(Use use) {
+        return use == Use::event || use == Use::element || use == Use::step;
+    }
+
     void check_use(EventLiteral const& literal, Value value) {
         bool const is_complete = value.is(Value::Kind::event);
-        bool const wants_event = literal.use == Use::event || literal.use == Use::element;
-        if (!is_complete && wants_event) {
+        if (!is_complete && wants_event(literal.use)) {
             BitSet events;
             m_telling.channels.insert_closure(value, events);
             std::string const name = name_of(literal.node);
@@ -129,12 +132,10 @@ class Check {
         auto const process = m_names.by_name.find(name);
         bool const is_process = !may_begin && process != m_names.by_name.end() &&
                                 m_names.definitions[process->second].is_process;
-        report(literal.node,
-               (may_begin ? "no declared event begins with " + in_quotes(name)
-                          : "the event " + in_quotes(name) + " is not declared") +
-                   (is_process ? ": " + in_quotes(name) + " is a process"
-                               : suggestion_for(name, literal.use != Use::event &&
-                                                          literal.use != Use::element)));
+        report(literal.node, (may_begin ? "no declared event begins with " + in_quotes(name)
+                                        : "the event " + in_quotes(name) + " is not declared") +
+                                 (is_process ? ": " + in_quotes(name) + " is a process"
+                                             : suggestion_for(name, !wants_event(literal.use))));
     }
 
     /// Something else has been reported, which may well be all that is wrong with this event.

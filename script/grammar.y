@@ -46,6 +46,7 @@ int yylex(unsigned* value, Calder::Script::SyntaxBuilder& build) {
 using Calder::Script::Construct;
 using Calder::Script::NodeKind;
 using Calder::Script::none;
+using Calder::Script::Question;
 
 }
 }
@@ -57,6 +58,8 @@ using Calder::Script::none;
 %token CHANNEL "channel"
 %token DATATYPE "datatype"
 %token INCLUDE "include"
+%token ASSERT "assert"
+%token ASSERT_NOT "not of an assertion"
 %token STOP "STOP"
 %token SKIP "SKIP"
 %token RUN "RUN"
@@ -113,6 +116,11 @@ using Calder::Script::none;
 %token PARALLEL "||"
 %token PAIRED_PARALLEL "|| (a, p)"
 
+%token REFINES_TRACES "[T="
+%token REFINES_FAILURES "[F="
+%token REFINES_FAILURES_DIVERGENCES "[FD="
+%token QUESTION_OPEN ":["
+
 %token BAD "unreadable text"
 
 %token HIDING "\\"
@@ -162,6 +170,8 @@ item:
   | declaration_start error
   | datatype_start NAME "=" alternatives   { build.add_datatype($2, $4); }
   | datatype_start error
+  | assert_start question                  { build.add_assertion($1, $2); }
+  | assert_start error                     { build.lose_assertion($1); }
   | FILE_END
   | error
   ;
@@ -179,6 +189,10 @@ datatype_start:
     DATATYPE  { yyerrok; }
   ;
 
+assert_start:
+    ASSERT  { $$ = $1; yyerrok; }
+  ;
+
 definition:
     definition_start "=" term                 { $$ = build.definition($1, none, $3); }
   | definition_start "(" terms ")" "=" term   { $$ = build.definition($1, $3, $6); }
@@ -192,6 +206,23 @@ local_definition:
 local_definitions:
     local_definition                    { $$ = build.list_of($1); }
   | local_definitions local_definition  { $$ = build.extended($1, $2); }
+  ;
+
+/* What an assertion asks, which is no term: a refinement binds looser than all operators. */
+question:
+    term "[T=" term                   { $$ = build.refinement(Question::trace_refinement, $1, $2, $3); }
+  | term "[F=" term                   { $$ = build.refinement(Question::failures_refinement, $1, $2, $3); }
+  | term "[FD=" term                  { $$ = build.refinement(Question::failures_divergences_refinement, $1, $2, $3); }
+  | term ":[" words "]"               { $$ = build.question($1, $2, $3, none); }
+  | term ":[" words "]" ":" term      { $$ = build.question($1, $2, $3, $6); }
+  | ASSERT_NOT question               { $$ = build.negated($2); }
+  | "(" question ")"                  { $$ = build.parenthesised_question($2); }
+  ;
+
+/* Those of a question are words nowhere else. Their value is the last one's token. */
+words:
+    NAME
+  | words NAME  { $$ = $2; }
   ;
 
 channels:

@@ -1,5 +1,8 @@
 #include "script/hints.h"
 
+#include "script/error_surroundings.h"
+#include "script/question_hints.h"
+
 #include <algorithm>
 #include <array>
 
@@ -70,8 +73,6 @@ constexpr std::array operators{
 
 constexpr std::array words{
     Row{"nametype", "a set is named as in 'T = {0..4}'"},
-    Row{"assert", "'assert' is not in the notation yet; 'calder explore --deadlock' looks for a "
-                  "deadlock"},
     Row{"event", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
     Row{"events", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
     Row{"channels", "events are declared by 'channel', as in 'channel a, b : {0..4}'"},
@@ -83,12 +84,9 @@ constexpr std::array words{
     Row{"length", "the length of a sequence is written '#s'"},
 };
 
-/// The tokens around an error. A token of that name may be asked for in front of the first one and
-/// behind the last: it is END.
-class Reading {
+class Reading : private ErrorSurroundings {
   public:
-    Reading(TokenList const& tokens, SyntaxErrorContext const& context)
-        : m_tokens(tokens), m_context(context) {}
+    using ErrorSurroundings::ErrorSurroundings;
 
     std::optional<Hint> hint() const {
         using Try = std::optional<Hint> (Reading::*)() const;
@@ -104,23 +102,6 @@ class Reading {
     }
 
   private:
-    /// The kind of the token that stands so many behind the error.
-    TokenKind kind(int distance) const { return kind_at(at(distance)); }
-    unsigned at(int distance) const { return m_context.token + static_cast<unsigned>(distance); }
-    TokenKind kind_at(unsigned token) const {
-        return token < m_tokens.size() ? m_tokens[token].kind : Token::END;
-    }
-    std::string_view text(int distance) const { return m_tokens.text_of(at(distance)); }
-
-    Hint here(int distance, std::string message) const {
-        return {at(distance), std::move(message)};
-    }
-
-    bool starts_item(TokenKind kind) const {
-        return kind == Token::DEFINED_NAME || kind == Token::CHANNEL || kind == Token::DATATYPE ||
-               kind == Token::FILE_END || kind == Token::END;
-    }
-
     bool starts_primary(TokenKind kind) const {
         return kind == Token::STOP || kind == Token::SKIP || kind == Token::RUN ||
                kind == Token::CHAOS || kind == Token::NAME || kind == Token::LEFT_PARENTHESIS;
@@ -130,7 +111,7 @@ class Reading {
     unsigned opening(unsigned close) const {
         unsigned token = close;
         while (kind_at(token) != Token::LEFT_BRACE && kind_at(token) != Token::CLOSURE_OPEN &&
-               !starts_item(kind_at(token))) {
+               !ends_item(kind_at(token))) {
             --token;
         }
         return token;
@@ -142,12 +123,12 @@ class Reading {
 
     bool is_in_declaration() const {
         unsigned token = m_context.token;
-        while (token > 0 && !starts_item(kind_at(--token))) {
+        while (token > 0 && !ends_item(kind_at(--token))) {
         }
         return kind_at(token) == Token::CHANNEL;
     }
 
-    /// `assert P`: at the word or right behind it.
+    /// `events a`: at the word or right behind it.
     std::optional<Hint> of_word() const {
         for (int const distance : {0, -1}) {
             if (kind(distance) != Token::NAME && kind(distance) != Token::DEFINED_NAME) {
@@ -317,14 +298,14 @@ class Reading {
         }
         return std::nullopt;
     }
-
-    TokenList const& m_tokens;
-    SyntaxErrorContext const& m_context;
 };
 
 } // namespace
 
 std::optional<Hint> syntax_hint(TokenList const& tokens, SyntaxErrorContext const& context) {
+    if (std::optional<Hint> found = question_hint(tokens, context)) {
+        return found;
+    }
     return Reading(tokens, context).hint();
 }
 

@@ -1,11 +1,30 @@
 #include "script/model.h"
 
+#include "process_compiler/kinds.h"
 #include "values/text.h"
+
+#include <utility>
 
 namespace Calder::Script {
 
 using ProcessCompiler::ProcessPointer;
 using Values::Value;
+
+namespace {
+
+/// Terms that nothing has kept are let go when what was being built is, or when that went wrong.
+class Building {
+  public:
+    Building(TermHost& host, unsigned parent) : m_host(host) { host.set_parent(parent); }
+    ~Building() { m_host.forget(); }
+    Building(Building const&) = delete;
+    Building& operator=(Building const&) = delete;
+
+  private:
+    TermHost& m_host;
+};
+
+} // namespace
 
 Script::Model::Model(Sources const& sources, ProcessCompiler::NamedProcessSource& source)
     : tokens{&sources, {}}, host(names, translation.program, graph, channels, source),
@@ -36,21 +55,14 @@ ProcessPointer Script::Model::make(unsigned number) {
 ProcessPointer Script::Model::Alone::make(unsigned number) {
     TermHost::Instance const& instance = m_model.host.instance(number);
     Values::CallTable const& calls = m_model.host.calls();
-    m_model.host.set_parent(number);
     try {
-        Value const value = m_model.evaluator.call(calls.definition(instance.call),
-                                                   calls.arguments(instance.call), instance.place);
-        ProcessPointer term = m_model.host.term(value);
-        m_model.host.forget();
-        return term;
+        Building const building(m_model.host, number);
+        return m_model.host.term(m_model.evaluator.call(
+            calls.definition(instance.call), calls.arguments(instance.call), instance.place));
     } catch (Values::EvaluationError const& error) {
-        m_model.host.forget();
         Diagnostic diagnostic = m_model.diagnostic_of(error);
         m_model.add_callers(number, diagnostic);
         throw ScriptError(std::move(diagnostic), *m_model.tokens.sources);
-    } catch (...) {
-        m_model.host.forget();
-        throw;
     }
 }
 
@@ -80,16 +92,57 @@ std::string Script::Model::name(unsigned number) const {
 }
 
 ProcessPointer Script::Model::body_of(unsigned definition) {
-    host.set_parent(none);
+    Building const building(host, none);
+    return host.term(
+        evaluator.call(definition, {}, translation.program.definitions[definition].place));
+}
+
+/// What `use` makes of the value of a part.
+template <typename Use> auto Script::Model::part_of_assertion(unsigned definition, Use const& use) {
+    unsigned const node = translation.program.definitions[definition].place;
     try {
-        ProcessPointer term = host.term(
-            evaluator.call(definition, {}, translation.program.definitions[definition].place));
-        host.forget();
-        return term;
-    } catch (...) {
-        host.forget();
-        throw;
+        Building const building(host, none);
+        return use(evaluator.call(definition, {}, node));
+    } catch (Values::EvaluationError const& error) {
+        throw ScriptError(diagnostic_of(error), *tokens.sources);
+    } catch (Values::ValueError const& error) {
+        Location const place = Calder::Script::location_of(tokens, tree, tree[node].last_child);
+        throw ScriptError({place, error.message()}, *tokens.sources);
     }
+}
+
+Assertion Script::Model::assertion(std::size_t number, AssertionHead const& head) {
+    unsigned const first = names.first_parts[number];
+    Assertion made{head, {}, {}, {}, {}};
+    auto const process = [&](unsigned definition) {
+        ProcessPointer term = part_of_assertion(
+            definition, [this](Value value) { return ProcessPointer(host.term(value)); });
+        // An instance has not been made yet, and what is wrong with it is told here.
+        if (term->kind() == ProcessCompiler::named_process_kind) {
+            m_source.process(static_cast<ProcessCompiler::NamedProcess const&>(*term));
+        }
+        return term;
+    };
+    made.concrete = process(first);
+    switch (head.question) {
+    case Question::trace_refinement:
+    case Question::failures_refinement:
+    case Question::failures_divergences_refinement:
+        made.abstract = std::exchange(made.concrete, process(first + 1));
+        break;
+    case Question::has_trace:
+        made.trace =
+            part_of_assertion(first + 1, [this](Value value) { return host.trace_in(value); });
+        break;
+    case Question::never:
+        made.events =
+            part_of_assertion(first + 1, [this](Value value) { return host.events_in(value); });
+        break;
+    case Question::deadlock_free:
+    case Question::divergence_free:
+    case Question::deterministic: break;
+    }
+    return made;
 }
 
 Telling Script::Model::telling() const {

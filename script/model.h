@@ -22,6 +22,8 @@ class Script::Model final : public ProcessCompiler::ProcessMaker {
 
     /// The term of a process of the script without parameters. Throws as the evaluator does.
     ProcessCompiler::ProcessPointer body_of(unsigned definition);
+    /// What an assertion asks. Throws ScriptError.
+    Assertion assertion(std::size_t number, AssertionHead const& head);
     Diagnostic diagnostic_of(Values::EvaluationError const& error) const;
     Location location_of(ProcessCompiler::NamedProcess const& reference) const;
 
@@ -48,6 +50,7 @@ class Script::Model final : public ProcessCompiler::ProcessMaker {
     };
 
     Telling telling() const;
+    template <typename Use> auto part_of_assertion(unsigned definition, Use const& use);
     void add_callers(unsigned reference, Diagnostic& diagnostic) const;
 
     ProcessCompiler::NamedProcessSource& m_source;

@@ -24,6 +24,9 @@ class Declarer {
         for (unsigned const node : m_tree.definitions) {
             add(node);
         }
+        for (AssertionSyntax const& assertion : m_tree.assertions) {
+            add_parts(assertion);
+        }
         for (unsigned const declaration : m_tree.declarations) {
             for (unsigned const child : m_tree.children_of(declaration)) {
                 if (m_tree[child].kind == NodeKind::channel) {
@@ -94,6 +97,22 @@ class Declarer {
         } else {
             m_names.definitions.back().first_line =
                 m_tokens[m_names.definitions[found->second].token].line;
+        }
+    }
+
+    /// Their name is a reserved word, which nobody else can use.
+    void add_parts(AssertionSyntax const& assertion) {
+        m_names.first_parts.push_back(static_cast<unsigned>(m_names.definitions.size()));
+        AssertionPart part = AssertionPart::process;
+        for (unsigned const node : assertion.parts) {
+            m_names.definitions.push_back({.name = "assert",
+                                           .token = m_tree[node].token,
+                                           .clauses = {node},
+                                           .part = part,
+                                           .is_lost = is_lost(node)});
+            part = assertion.question == Question::has_trace ? AssertionPart::trace
+                   : assertion.question == Question::never   ? AssertionPart::events
+                                                             : AssertionPart::process;
         }
     }
 

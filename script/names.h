@@ -31,6 +31,9 @@ struct Variable {
     bool is_used = false;
 };
 
+/// What a part of an assertion has to be.
+enum class AssertionPart : unsigned char { no_part, process, trace, events };
+
 /// Everything that is defined under one name in one place, its clauses together.
 struct NamedDefinition {
     /// As it is told: of a local one behind the names of those around it, `P.Q`, and `P.2.Q` for the
@@ -43,6 +46,8 @@ struct NamedDefinition {
     /// Variables of the definitions around it that it needs, ascending: they are parameters, too,
     /// in front of its own.
     std::vector<unsigned> captures{};
+    /// Of what no other definition sees, and what is made only for its assertion.
+    AssertionPart part = AssertionPart::no_part;
     /// What it says could not be read.
     bool is_lost = false;
     bool is_process = false;
@@ -52,12 +57,17 @@ struct NamedDefinition {
     bool is_replacement = false;
     /// The line of a definition of the same name that counts instead; 0 if there is none.
     unsigned first_line = 0;
+
+    /// Whether others can name it.
+    bool has_name() const { return part == AssertionPart::no_part; }
 };
 
 /// The names of a script and what they stand for. Local definitions are lifted: they stand beside
 /// the others, with what they need from around them as parameters (Johnsson, "Lambda lifting", 1985).
 struct NameTable {
-    std::vector<NamedDefinition> definitions; // the script's own in its order, then the local ones
+    /// The script's own in its order, then the parts of assertions, then the local ones.
+    std::vector<NamedDefinition> definitions;
+    std::vector<unsigned> first_parts; // by assertion: its first definition
     std::vector<Variable> variables;
     std::vector<Binding> bindings; // by node
     std::unordered_map<std::string, unsigned> by_name;

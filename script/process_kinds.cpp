@@ -35,7 +35,10 @@ class KindInference {
             }
         }
         for (unsigned number = 0; number < count; ++number) {
-            m_names.definitions[number].is_process = !m_is_value[number];
+            NamedDefinition& definition = m_names.definitions[number];
+            definition.is_process = definition.has_name()
+                                        ? !m_is_value[number]
+                                        : definition.part == AssertionPart::process;
         }
     }
 

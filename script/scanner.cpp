@@ -90,7 +90,10 @@ class Scanner {
             add(comment_start, Parser::token::BAD);
             ends_in_comment = true;
         }
-        m_tokens.push_back({Parser::token::END, m_source, m_offset, 0, m_end_line, m_end_column});
+        // Behind the last token; of a text of which nobody wrote any, at its start.
+        bool const is_written = m_end_line > 0;
+        m_tokens.push_back({Parser::token::END, m_source, m_offset, 0, is_written ? m_end_line : 1,
+                            is_written ? m_end_column : 1});
         return std::move(m_tokens);
     }
 

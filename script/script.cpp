@@ -2,6 +2,7 @@
 
 #include "process_compiler/kinds.h"
 #include "process_compiler/unguarded_recursion.h"
+#include "script/assertions.h"
 #include "script/constants.h"
 #include "script/declarations.h"
 #include "script/model.h"
@@ -10,6 +11,7 @@
 #include "script/syntax_builder.h"
 #include "values/direct_expressions.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Calder::Script {
@@ -29,6 +31,9 @@ class Reader {
         if (!options.process.empty()) {
             sources.push_back({"--process", std::string(asked_name) + " =\n" + options.process, 0});
         }
+        for (std::string const& assertion : options.assertions) {
+            sources.push_back({"--assert", "assert\n" + assertion, 0});
+        }
         m_end_added = static_cast<unsigned>(sources.size());
     }
 
@@ -38,6 +43,7 @@ class Reader {
         Script::Model& model = *m_script->m_model;
         model.tokens = scan(m_script->m_sources, m_options.include, m_diagnostics);
         model.tree = parse(model.tokens, m_diagnostics);
+        order_assertions(model);
         model.names = resolve_names(model.tokens, model.tree, 1, m_end_added, m_diagnostics);
         check_added(model);
         model.translation =
@@ -52,6 +58,7 @@ class Reader {
         }
         fill(model);
         m_script->m_processes.set_maker(&model);
+        m_script->m_assertions = heads_of(model.tokens, model.tree.assertions);
         look_behind_asked();
         if (!m_diagnostics.empty()) {
             return {nullptr, std::move(m_diagnostics), m_script->m_sources};
@@ -60,6 +67,28 @@ class Reader {
     }
 
   private:
+    /// The script's first, then those that stand beside it, each of which is one.
+    void order_assertions(Script::Model& model) {
+        auto const added = [&](AssertionSyntax const& assertion) {
+            unsigned const source = model.tokens[assertion.keyword].source;
+            return source > 0 && source < m_end_added ? source : 0;
+        };
+        std::vector<AssertionSyntax>& assertions = model.tree.assertions;
+        std::stable_sort(assertions.begin(), assertions.end(),
+                         [&](AssertionSyntax const& a, AssertionSyntax const& b) {
+                             return added(a) < added(b);
+                         });
+        unsigned const first = m_end_added - static_cast<unsigned>(m_options.assertions.size());
+        for (unsigned token = 0; token < model.tokens.size(); ++token) {
+            Token const& each = model.tokens[token];
+            bool const is_added = each.source >= first && each.source < m_end_added;
+            if (is_added && each.line > 0 && starts_item(each.kind)) {
+                m_diagnostics.push_back(
+                    {model.tokens.location(token), "one question stands here, and nothing else"});
+            }
+        }
+    }
+
     /// A definition that nobody asks for was meant for another name; and a process is asked for.
     void check_added(Script::Model const& model) {
         auto const asked = model.names.by_name.find(asked_name);
@@ -85,7 +114,7 @@ class Reader {
             unsigned budget = suggestion_budget;
             Suggestion suggestion(name, budget);
             for (NamedDefinition const& definition : model.names.definitions) {
-                if (definition.name != name) {
+                if (definition.has_name() && definition.name != name) {
                     suggestion.consider(definition.name);
                 }
             }
@@ -95,9 +124,11 @@ class Reader {
         }
     }
 
-    bool has_no_parameters(Script::Model const& model, unsigned number) const {
+    /// Has no parameters, those from around it among them, and is the script's own.
+    bool stands_alone(Script::Model const& model, unsigned number) const {
+        NamedDefinition const& named = model.names.definitions[number];
         return model.translation.program.definitions[number].parameter_count == 0 &&
-               model.names.definitions[number].parent == none;
+               named.parent == none && named.has_name();
     }
 
     ProcessCompiler::NamedProcess const& reference(Script::Model& model, unsigned number) {
@@ -111,7 +142,7 @@ class Reader {
         m_bodies.resize(model.names.definitions.size());
         // References are numbered as they first come up: in the order of the script.
         for (unsigned number = 0; number < m_bodies.size(); ++number) {
-            if (model.graph.is_reference[number] && has_no_parameters(model, number)) {
+            if (model.graph.is_reference[number] && stands_alone(model, number)) {
                 reference(model, number);
             }
         }
@@ -120,7 +151,7 @@ class Reader {
         }
         for (unsigned const number : model.graph.order) {
             bool const is_first = model.names.definitions[number].first_line == 0;
-            if (has_no_parameters(model, number) && is_first &&
+            if (stands_alone(model, number) && is_first &&
                 model.names.definitions[number].is_process) {
                 guarded(number, [&] { define_process(model, number); });
             }
@@ -146,7 +177,7 @@ class Reader {
             compute_one(number); // datatypes
         }
         for (unsigned const number : model.graph.order) {
-            if (has_no_parameters(model, number) && !model.names.definitions[number].is_process) {
+            if (stands_alone(model, number) && !model.names.definitions[number].is_process) {
                 compute_one(number);
             }
         }
@@ -183,7 +214,7 @@ class Reader {
     void fill(Script::Model& model) {
         for (unsigned number = 0; number < m_bodies.size(); ++number) {
             NamedDefinition const& named = model.names.definitions[number];
-            if (!has_no_parameters(model, number) || !named.is_process) {
+            if (!stands_alone(model, number) || !named.is_process) {
                 continue;
             }
             Script::Definition definition{named.name, model.tokens.location(named.token),
@@ -264,6 +295,10 @@ std::string Script::reason_against(std::string_view name) const {
     return quoted + " has " + std::to_string(definition.parameter_count) + " parameter" +
            (definition.parameter_count == 1 ? "" : "s") + ": write what for, as in " +
            in_quotes(std::string(name) + "(…)");
+}
+
+Assertion Script::assertion(std::size_t number) const {
+    return m_model->assertion(number, m_assertions[number]);
 }
 
 Location Script::location_of(ProcessCompiler::NamedProcess const& reference) const {

@@ -2,6 +2,7 @@
 
 #include "process_compiler/named_process_source.h"
 #include "process_compiler/session.h"
+#include "script/assertion.h"
 #include "script/diagnostics.h"
 #include "script/limits.h"
 #include "script/sources.h"
@@ -68,6 +69,14 @@ class Script {
     std::string reason_against(std::string_view name) const;
     /// The process of ReadOptions; null when none was given.
     Definition const* asked() const { return m_asked.get(); }
+
+    /// What it asks: its `assert` lines and those of the files that it includes in the order in which
+    /// they stand, then the ones of ReadOptions.
+    std::vector<AssertionHead> const& assertions() const { return m_assertions; }
+    std::size_t assertion_count() const { return m_assertions.size(); }
+    /// Makes its terms, which the script keeps: the same ones every time. Throws ScriptError.
+    Assertion assertion(std::size_t number) const;
+
     /// Where the name of a process or an instance is defined.
     Location location_of(ProcessCompiler::NamedProcess const& reference) const;
 
@@ -86,6 +95,7 @@ class Script {
     std::unique_ptr<Model> m_model;
     std::vector<Definition> m_definitions;
     std::unique_ptr<Definition> m_asked;
+    std::vector<AssertionHead> m_assertions;
     std::unordered_map<std::string_view, std::size_t> m_places; // of the definitions
 };
 
@@ -94,6 +104,8 @@ struct ReadOptions {
     std::vector<std::pair<std::string, std::string>> definitions{};
     /// A process that is asked for as it would be written in the script: `BUFFER(<0>)`.
     std::string process{};
+    /// What is asked beside the script, as it would be written behind `assert`.
+    std::vector<std::string> assertions{};
     /// How `include` reads files; without it there are none.
     Include include{};
 };

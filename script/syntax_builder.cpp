@@ -1,6 +1,7 @@
 #include "script/syntax_builder.h"
 
 #include "script/limits.h"
+#include "script/questions.h"
 
 #include <algorithm>
 #include <string_view>
@@ -27,16 +28,21 @@ unsigned SyntaxBuilder::definition(unsigned name, unsigned parameters, unsigned 
 
 void SyntaxBuilder::end_definition(unsigned definition) {
     m_tree.definitions.push_back(definition);
-    m_first_of_item = m_tree.size();
+    end_item();
 }
 
 void SyntaxBuilder::lose_definition(unsigned name) {
+    end_definition(lost(name));
+}
+
+/// A definition of what could not be read.
+unsigned SyntaxBuilder::lost(unsigned name) {
     std::vector<unsigned> parts = binds_names(name) ? std::vector<unsigned>() : roots_behind(name);
     unsigned const list = empty_list();
     unsigned const node = leaf(NodeKind::definition, name);
     m_tree.append(node, list);
     m_tree.fragments.emplace(node, std::move(parts));
-    end_definition(node);
+    return node;
 }
 
 /// Whether a definition has parameters, or something in it introduces names.
@@ -89,6 +95,65 @@ void SyntaxBuilder::add_datatype(unsigned name, unsigned alternatives) {
     m_tree[alternatives].kind = NodeKind::datatype;
     m_tree[alternatives].token = name;
     m_tree.datatypes.push_back(alternatives);
+}
+
+unsigned SyntaxBuilder::refinement(Question question, unsigned abstract, unsigned token,
+                                   unsigned concrete) {
+    m_questions.push_back({.question = question, .token = token, .parts = {abstract, concrete}});
+    return static_cast<unsigned>(m_questions.size() - 1);
+}
+
+unsigned SyntaxBuilder::question(unsigned process, unsigned open, unsigned last_word,
+                                 unsigned argument) {
+    AssertionSyntax made{.token = open, .parts = {process}};
+    std::string words(m_tokens.text_of(open + 1));
+    for (unsigned word = open + 2; word <= last_word; ++word) {
+        words += " ";
+        words += m_tokens.text_of(word);
+    }
+    QuestionEntry const* const entry = find_question(words);
+    if (entry == nullptr) {
+        m_diagnostics.push_back({m_tokens.location(open + 1, last_word), unknown_question(words)});
+    } else if ((entry->argument == QuestionArgument::nothing) != (argument == none)) {
+        m_diagnostics.push_back({m_tokens.location(open, last_word + 1),
+                                 argument == none ? missing_argument(*entry)
+                                                  : "nothing stands behind this question: write " +
+                                                        in_quotes(example_of(*entry))});
+    } else {
+        made.question = entry->question;
+        if (argument != none) {
+            made.parts.push_back(argument);
+        }
+    }
+    m_questions.push_back(std::move(made));
+    return static_cast<unsigned>(m_questions.size() - 1);
+}
+
+unsigned SyntaxBuilder::negated(unsigned question) {
+    ++m_questions[question].negations;
+    return question;
+}
+
+unsigned SyntaxBuilder::parenthesised_question(unsigned question) {
+    ++m_questions[question].parentheses;
+    return question;
+}
+
+void SyntaxBuilder::add_assertion(unsigned keyword, unsigned question) {
+    AssertionSyntax& made = m_questions[question];
+    made.keyword = keyword;
+    for (unsigned& part : made.parts) {
+        part = definition(m_tokens.written(keyword), none, part);
+    }
+    m_tree.assertions.push_back(std::move(made));
+    end_item();
+}
+
+void SyntaxBuilder::lose_assertion(unsigned keyword) {
+    unsigned const part = lost(keyword);
+    m_tree[part].token = m_tokens.written(keyword);
+    m_tree.assertions.push_back({.keyword = keyword, .parts = {part}});
+    end_item();
 }
 
 unsigned SyntaxBuilder::leaf(NodeKind kind, unsigned token) {
@@ -277,24 +342,20 @@ void SyntaxBuilder::report_syntax_error(unsigned token, std::string message, uns
     lose_names_around(token);
 }
 
-bool SyntaxBuilder::starts_item(unsigned token) const {
-    return m_tokens[token].kind == Parser::token::DEFINED_NAME ||
-           m_tokens[token].kind == Parser::token::CHANNEL ||
-           m_tokens[token].kind == Parser::token::DATATYPE;
-}
-
-/// A definition with an error still defines its name; but what a broken declaration, or text that
+/// A definition with an error still defines its name, and an assertion names nothing; but what a broken declaration, or text that
 /// is neither, should have named cannot be known.
 void SyntaxBuilder::lose_names_around(unsigned token) {
     unsigned start = token;
-    while (start > 0 && (start == token || !starts_item(start))) {
+    while (start > 0 && (start == token || !starts_item(m_tokens[start].kind))) {
         --start;
     }
-    if (m_tokens[start].kind == Parser::token::DEFINED_NAME && start != token) {
+    TokenKind const kind = m_tokens[start].kind;
+    bool const is_known = kind == Parser::token::DEFINED_NAME || kind == Parser::token::ASSERT;
+    if (is_known && start != token) {
         return;
     }
     for (unsigned name = start; name < m_tokens.size(); ++name) {
-        if (name > start && starts_item(name)) {
+        if (name > start && starts_item(m_tokens[name].kind)) {
             break;
         }
         if (m_tokens[name].kind == Parser::token::NAME) {

@@ -24,6 +24,15 @@ class SyntaxBuilder {
     void add_declaration(unsigned channels, unsigned fields);
     void add_datatype(unsigned name, unsigned alternatives);
 
+    // Questions, by their number; those that become assertions.
+    unsigned refinement(Question question, unsigned abstract, unsigned token, unsigned concrete);
+    /// Reports words that ask nothing, and an argument too few or too many, which is none.
+    unsigned question(unsigned process, unsigned open, unsigned last_word, unsigned argument);
+    unsigned negated(unsigned question);
+    unsigned parenthesised_question(unsigned question);
+    void add_assertion(unsigned keyword, unsigned question);
+    void lose_assertion(unsigned keyword);
+
     unsigned leaf(NodeKind kind, unsigned token);
     unsigned negative_number(unsigned minus, unsigned number);
     /// One number of a minus and digits: the smallest one has no positive.
@@ -67,7 +76,8 @@ class SyntaxBuilder {
     SyntaxTree take_tree() { return std::move(m_tree); }
 
   private:
-    bool starts_item(unsigned token) const;
+    unsigned lost(unsigned name);
+    void end_item() { m_first_of_item = m_tree.size(); }
     void append_parts(unsigned node, std::initializer_list<unsigned> parts);
     void lose_names_around(unsigned token);
     bool binds_names(unsigned name) const;
@@ -78,7 +88,9 @@ class SyntaxBuilder {
     Diagnostics& m_diagnostics;
     SyntaxTree m_tree;
     unsigned m_next_token = 0;
-    unsigned m_first_of_item = 0; // the first node behind the definition before this one
+    unsigned m_first_of_item =
+        0; // the first node behind the definition or assertion before this one
+    std::vector<AssertionSyntax> m_questions;
 };
 
 /// Reads all definitions and declarations; those with errors are reported and left without what

@@ -88,7 +88,10 @@ std::vector<Group> const& groups() {
         {"a number", kinds_of({K::S_NUMBER})},
         {"an operator", operators() | value_operators()},
         {"an operator", operators()},
-        {"a definition", kinds_of({K::S_DEFINED_NAME, K::S_CHANNEL, K::S_DATATYPE, K::S_YYEOF})},
+        {"a question", kinds_of({K::S_REFINES_TRACES, K::S_REFINES_FAILURES,
+                                 K::S_REFINES_FAILURES_DIVERGENCES, K::S_QUESTION_OPEN})},
+        {"a definition",
+         kinds_of({K::S_DEFINED_NAME, K::S_CHANNEL, K::S_DATATYPE, K::S_ASSERT, K::S_YYEOF})},
     };
     return list;
 }
@@ -145,7 +148,12 @@ Items operand_behind(TokenKind before, Operands::Kind kind) {
     case T::INTERNAL_CHOICE:
     case T::PARALLEL_CLOSE:
     case T::EXCEPTION_CLOSE:
-    case T::INTERLEAVING: return {"a process"};
+    case T::INTERLEAVING:
+    case T::ASSERT:
+    case T::ASSERT_NOT:
+    case T::REFINES_TRACES:
+    case T::REFINES_FAILURES:
+    case T::REFINES_FAILURES_DIVERGENCES: return {"a process"};
     case T::EQUALS:
     case T::LEFT_PARENTHESIS:
     case T::THEN:
@@ -161,7 +169,7 @@ Items operand_behind(TokenKind before, Operands::Kind kind) {
 Kinds unlikely(TokenKind before, Kinds const& expected) {
     using K = Parser::symbol_kind;
     using T = Parser::token;
-    Kinds kinds = kinds_of({K::S_FILE_END});
+    Kinds kinds = kinds_of({K::S_FILE_END, K::S_ASSERT_NOT});
     if (before == T::NAME) {
         kinds |= kinds_of({K::S_LEFT_PARENTHESIS});
     }

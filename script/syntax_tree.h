@@ -1,5 +1,6 @@
 #pragma once
 
+#include "script/assertion.h"
 #include "script/constructs.h"
 
 #include <climits>
@@ -76,6 +77,18 @@ struct LostNames {
     bool contains(std::string_view name) const { return all || names.contains(name); }
 };
 
+/// An `assert`, as far as it could be read.
+struct AssertionSyntax {
+    Question question = Question::trace_refinement;
+    unsigned keyword = none;
+    unsigned token = none; // of the question: `[T=`, `:[`; none where it could not be read
+    unsigned negations = 0;
+    unsigned parentheses = 0; // around the question, behind all `not`
+    /// The processes in the order of the text, then the trace or the events: a term each, and in the
+    /// tree a definition of it.
+    std::vector<unsigned> parts{};
+};
+
 /// The syntax of a script, all in one array, so that neither building nor reading nor dropping it
 /// recurses. Every node stands behind those it is made of.
 class SyntaxTree {
@@ -97,6 +110,7 @@ class SyntaxTree {
     std::vector<unsigned> definitions; // those of the script itself, in its order
     std::vector<unsigned> declarations;
     std::vector<unsigned> datatypes;
+    std::vector<AssertionSyntax> assertions;
     LostNames lost_names;
     /// By definition that is unreadable: the largest parts that were read of what it says, where
     /// nothing in it binds names. What is wrong in them can be told all the same.

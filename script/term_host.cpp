@@ -1,6 +1,7 @@
 #include "script/term_host.h"
 
 #include "process_compiler/recursion_watch.h"
+#include "script/assertions.h"
 #include "script/limits.h"
 #include "values/text.h"
 
@@ -239,7 +240,24 @@ BitSet const& TermHost::events_in(Value set) const {
                                                : std::string(Values::name_of(set.kind()))));
 }
 
-unsigned TermHost::visible_event(Value event) const {
+std::vector<unsigned> TermHost::trace_in(Value sequence) const {
+    if (!sequence.is(Value::Kind::sequence)) {
+        throw ValueError("a sequence of events is wanted here, and " +
+                         Values::short_text_of(m_channels, sequence) + " is " +
+                         std::string(Values::name_of(sequence.kind())));
+    }
+    std::vector<unsigned> trace;
+    for (Value const element : m_channels.store().elements(sequence)) {
+        if (!trace.empty() && trace.back() == Values::tick_number) {
+            throw ValueError(tick_ends_trace);
+        }
+        trace.push_back(event(element));
+    }
+    return trace;
+}
+
+/// tick is one.
+unsigned TermHost::event(Value event) const {
     if (!event.is(Value::Kind::event)) [[unlikely]] {
         if (event.is(Value::Kind::channel)) {
             throw ValueError(incomplete(event));
@@ -248,10 +266,15 @@ unsigned TermHost::visible_event(Value event) const {
                          Values::short_text_of(m_channels, event) + " is " +
                          std::string(Values::name_of(event.kind())));
     }
-    if (event.as_event() < Values::first_declared_number) {
+    return event.as_event();
+}
+
+unsigned TermHost::visible_event(Value event) const {
+    unsigned const number = this->event(event);
+    if (number < Values::first_declared_number) {
         throw ValueError("'tick' may stand only in a set of events and in 'tick <-> tick'");
     }
-    return event.as_event();
+    return number;
 }
 
 std::string TermHost::incomplete(Value channel) const {

@@ -39,6 +39,11 @@ class TermHost final : public Values::Host {
     ProcessCompiler::ProcessPointer const& term(Values::Value value) const;
     void forget() { m_built.clear(); }
 
+    /// What a value stands for where a set of events is wanted, or a trace, in which `tick` may stand
+    /// at the end. Throws ValueError.
+    BitSet const& events_in(Values::Value set) const;
+    std::vector<unsigned> trace_in(Values::Value sequence) const;
+
     /// The instance that a reference stands for, and where it first came up: its number in `calls`,
     /// and the place in the body of `parent`, another instance or none.
     struct Instance {
@@ -74,7 +79,7 @@ class TermHost final : public Values::Host {
     Values::Value built_of_parts(Construct construct);
     void check_one_set(Values::Expression const& expression,
                        std::span<Values::Value const> operands) const;
-    BitSet const& events_in(Values::Value set) const;
+    unsigned event(Values::Value event) const;
     unsigned visible_event(Values::Value event) const;
     std::string incomplete(Values::Value channel) const;
     Values::Value add(ProcessCompiler::ProcessPointer term, unsigned depth);

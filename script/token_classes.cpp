@@ -29,6 +29,8 @@ class Classification {
                 classify_definition(token, depth > 0);
             } else if (kind == T::PARALLEL) {
                 classify_parallel(token);
+            } else if (kind == T::NOT) {
+                classify_not(token);
             }
         }
     }
@@ -79,11 +81,13 @@ class Classification {
             name = m_partners[name] - 1;
         }
         TokenKind const before = name > 0 ? kind(name - 1) : T::END;
-        constexpr std::array none_defined_behind{T::DOT, T::CHANNEL, T::DATATYPE,
-                                                 T::IF,  T::AND,     T::OR,
-                                                 T::NOT, T::GUARD,   T::LEFT_PARENTHESIS};
-        if (std::find(none_defined_behind.begin(), none_defined_behind.end(), before) !=
-            none_defined_behind.end()) {
+        constexpr std::array none_defined_behind{
+            T::DOT,        T::CHANNEL, T::DATATYPE,        T::IF, T::AND, T::OR, T::NOT, T::ASSERT,
+            T::ASSERT_NOT, T::GUARD,   T::LEFT_PARENTHESIS};
+        bool const is_refinement = // one that there is not, `[R=`
+            before == T::LEFT_BRACKET && m_tokens[name - 1].line == m_tokens[name].line;
+        if (is_refinement || std::find(none_defined_behind.begin(), none_defined_behind.end(),
+                                       before) != none_defined_behind.end()) {
             return;
         }
         if (is_reserved(kind(name))) {
@@ -94,6 +98,14 @@ class Classification {
             return;
         }
         m_tokens[name].kind = is_local ? T::LOCAL_NAME : T::DEFINED_NAME;
+    }
+
+    /// Right behind `assert` it turns the answer round, and is no operator on a condition.
+    void classify_not(unsigned token) {
+        TokenKind const before = token > 0 ? kind(token - 1) : T::END;
+        if (before == T::ASSERT || before == T::ASSERT_NOT) {
+            m_tokens[token].kind = T::ASSERT_NOT;
+        }
     }
 
     /// `|| (a, p) : {(S, P)(S, Q)} @ [a] p`. With other letters it is a generator over tuples, unless

@@ -15,10 +15,17 @@ using TokenKind = Parser::token_kind_type;
 /// The words that cannot be names.
 constexpr bool is_reserved(TokenKind kind) {
     using T = Parser::token;
-    return kind == T::CHANNEL || kind == T::DATATYPE || kind == T::INCLUDE || kind == T::STOP ||
-           kind == T::SKIP || kind == T::RUN || kind == T::CHAOS || kind == T::LET ||
-           kind == T::WITHIN || kind == T::IF || kind == T::THEN || kind == T::ELSE ||
-           kind == T::AND || kind == T::OR || kind == T::NOT;
+    return kind == T::CHANNEL || kind == T::DATATYPE || kind == T::INCLUDE || kind == T::ASSERT ||
+           kind == T::ASSERT_NOT || kind == T::STOP || kind == T::SKIP || kind == T::RUN ||
+           kind == T::CHAOS || kind == T::LET || kind == T::WITHIN || kind == T::IF ||
+           kind == T::THEN || kind == T::ELSE || kind == T::AND || kind == T::OR || kind == T::NOT;
+}
+
+/// What a definition, a declaration or an assertion begins with.
+constexpr bool starts_item(TokenKind kind) {
+    using T = Parser::token;
+    return kind == T::DEFINED_NAME || kind == T::CHANNEL || kind == T::DATATYPE ||
+           kind == T::ASSERT;
 }
 
 /// Whether the scanner refuses a token: a number with a leading zero, or `tau`.
@@ -57,6 +64,8 @@ struct TokenList {
     /// From the start of one token to the end of another; of one that ends on a later line, the
     /// first token alone.
     Location location(unsigned first, unsigned last) const;
+    /// The same token, or the first one that somebody wrote behind it.
+    unsigned written(unsigned token) const { return tokens[token].line > 0 ? token : token + 1; }
 };
 
 } // namespace Calder::Script

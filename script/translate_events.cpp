@@ -1,3 +1,4 @@
+#include "script/assertions.h"
 #include "script/hints.h"
 #include "script/translator.h"
 
@@ -37,6 +38,37 @@ unsigned Translator::event_set(unsigned node) {
         }
     }
     return add_operation(Operation::set, node, operands);
+}
+
+unsigned Translator::trace(unsigned node) {
+    bool const is_joined = m_tree[node].kind == NodeKind::operation &&
+                           m_tokens[m_tree[node].token].kind == Parser::token::CARET;
+    if (is_joined) {
+        Operands sides;
+        for (unsigned const child : m_tree.children_of(node)) {
+            sides.push_back(trace(child));
+        }
+        return add_operation(Operation::concatenate, node, sides);
+    }
+    unsigned const inner = first(node);
+    if (m_tree[node].kind != NodeKind::sequence ||
+        (inner != none && m_tree[inner].kind == NodeKind::comprehension)) {
+        return value(node);
+    }
+    Operands operands;
+    for (unsigned const child : m_tree.children_of(node)) {
+        bool const may_be_name =
+            m_tree[child].kind == NodeKind::name || m_tree[child].kind == NodeKind::dotted;
+        if (is_tick(child) && m_tree[child].next != none) {
+            report(child, tick_ends_trace);
+        }
+        if (may_be_name) {
+            operands.push_back(event(child, Use::step));
+        } else {
+            append_element(child, operands);
+        }
+    }
+    return add_operation(Operation::sequence, node, operands);
 }
 
 /// Not a variable, nor defined as a value: a channel, or something that nobody knows and that
@@ -164,7 +196,7 @@ std::string Translator::suggestion_for_value(std::string_view name) {
     }
     for (unsigned number = 0; number < m_names.definitions.size(); ++number) {
         NamedDefinition const& definition = m_names.definitions[number];
-        if (number != m_definition && !definition.is_process) {
+        if (number != m_definition && definition.has_name() && !definition.is_process) {
             suggestion.consider(definition.name);
         }
     }

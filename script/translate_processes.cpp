@@ -91,7 +91,7 @@ std::string Translator::hint_for_process(std::string_view name, bool is_call) {
         if (!suggestion.wants_more()) {
             break;
         }
-        if (definition.is_process || is_call) {
+        if (definition.has_name() && (definition.is_process || is_call)) {
             suggestion.consider(definition.name);
         }
     }

@@ -77,14 +77,28 @@ void Translator::translate_definition(unsigned number) {
             }
             clause.body = broken(node);
         } else {
-            unsigned const body = m_tree[node].last_child;
-            clause.body = named.is_process ? kept(process(body), node) : value(body);
+            clause.body = body(named, node);
         }
         made.clauses.push_back(std::move(clause));
     }
     made.slot_count = m_slot_count;
     m_made.program.definitions[number] = std::move(made);
     m_definition = none;
+}
+
+/// What one of its clauses says.
+unsigned Translator::body(NamedDefinition const& named, unsigned node) {
+    unsigned const body = m_tree[node].last_child;
+    if (named.is_process) {
+        return kept(process(body), node);
+    }
+    switch (named.part) {
+    case AssertionPart::trace: return trace(body);
+    case AssertionPart::events: return event_set(body);
+    case AssertionPart::no_part:
+    case AssertionPart::process: break;
+    }
+    return value(body);
 }
 
 /// Translated only for what is wrong with it. What a name or a set was meant for is told by the

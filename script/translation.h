@@ -14,6 +14,7 @@ struct EventLiteral {
         value,     // anything may be done with it
         event,     // it must be complete and visible
         element,   // the same, in a set, which tick may be in
+        step,      // the same, in a trace
         closure,   // it begins some events
         renamed,   // a side of a pair: it may want fields, but is visible
         beginning, // fields follow

@@ -33,6 +33,7 @@ class Translator {
 
     // translation.cpp: definitions and declarations
     void translate_definition(unsigned number);
+    unsigned body(NamedDefinition const& named, unsigned node);
     void check_fragment(unsigned node);
     unsigned kept(unsigned process, unsigned node);
     void translate_datatype(unsigned node);
@@ -58,6 +59,8 @@ class Translator {
     // translate_events.cpp: where an event or a set of events may stand
     /// A set of events.
     unsigned event_set(unsigned node);
+    /// A sequence of them.
+    unsigned trace(unsigned node);
     bool may_be_event(unsigned node, Use use) const;
     /// A name or a dotted node that may be an event; anything else that may have one as its value.
     unsigned event(unsigned node, Use use);

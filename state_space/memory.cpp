@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <fcntl.h>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -41,6 +42,12 @@ std::uint64_t peak_resident_bytes() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     return static_cast<std::uint64_t>(usage.ru_maxrss) * 1024; // given in KiB
+}
+
+void give_back_freed_memory() noexcept {
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
 }
 
 } // namespace Calder::StateSpace

@@ -132,9 +132,9 @@ CLI::Validator one_of(std::vector<std::string> const& words) {
         "");
 }
 
-CLI::Validator not_empty() {
+CLI::Validator not_empty(std::string const& message) {
     return CLI::Validator(
-        [](std::string& text) { return std::string(text.empty() ? "the name is empty" : ""); }, "");
+        [message](std::string& text) { return text.empty() ? message : std::string(); }, "");
 }
 
 std::string command_line_error(CLI::App const* app, CLI::Error const& error) {

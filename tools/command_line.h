@@ -16,7 +16,7 @@ namespace Calder::Tools {
 CLI::Validator whole_number(std::uint64_t least, std::uint64_t most);
 /// In any mixture of capitals; becomes the word as it stands here.
 CLI::Validator one_of(std::vector<std::string> const& words);
-CLI::Validator not_empty();
+CLI::Validator not_empty(std::string const& message = "the name is empty");
 
 /// What is wrong with a command line, and where help is to be had: a hook for CLI::App.
 std::string command_line_error(CLI::App const* app, CLI::Error const& error);

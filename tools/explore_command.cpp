@@ -2,42 +2,23 @@
 
 #include "state_space/deadlock.h"
 #include "state_space/machine/machine_exploration.h"
-#include "state_space/memory.h"
+#include "tools/by_terms_note.h"
 #include "tools/command_error.h"
 #include "tools/interruption.h"
 #include "tools/leaf_names.h"
-#include "tools/machine_text.h"
 #include "tools/progress_line.h"
 #include "tools/standard_streams.h"
+#include "tools/step_lines.h"
+#include "tools/summary.h"
 
 #include <fmt/core.h>
 
 #include <algorithm>
 #include <chrono>
-#include <limits>
-#include <optional>
-#include <thread>
-#include <unistd.h>
 
 namespace Calder::Tools {
 
 namespace {
-
-constexpr std::uint64_t bytes_per_mib = std::uint64_t{1024} * 1024;
-
-std::uint64_t memory_limit(ExploreOptions const& options) {
-    constexpr std::uint64_t most = std::numeric_limits<std::uint64_t>::max() / bytes_per_mib;
-    return options.max_memory_mib ? std::min(*options.max_memory_mib, most) * bytes_per_mib
-                                  : default_memory_limit();
-}
-
-unsigned thread_count(ExploreOptions const& options) {
-    return options.threads.value_or(std::max(std::thread::hardware_concurrency(), 1U));
-}
-
-/// A component with more states than this may be one without end, of which the rest of the process
-/// allows only a few: then the terms may be explored before that is known of a million.
-constexpr StateSpace::StateNumber small_leaf = 20'000;
 
 /// One search of a process, by one engine or the other.
 class Search {
@@ -47,59 +28,30 @@ class Search {
         : m_script(script), m_definition(definition), m_bounds(std::move(bounds)) {}
 
     /// By the machine, if there is one; otherwise by terms, and `note` says why.
-    StateSpace::MachineExploration by_machine(std::string& note) {
-        m_bounds.max_leaf_states = small_leaf;
-        std::optional<StateSpace::MachineExploration> tried = try_machine(note);
-        if (tried && tried->met_leaf_limit) {
-            if (auto small = try_few_terms()) {
-                return std::move(*small);
-            }
-            m_bounds.max_leaf_states = StateSpace::most_leaf_states;
-            tried = try_machine(note);
-        }
-        return tried && tried->run.refusal.empty() ? std::move(*tried) : by_terms();
-    }
-
-    StateSpace::MachineExploration by_terms() const { return by_terms(m_bounds); }
-
-  private:
-    /// Nothing, and noted, when a component by itself comes to an error of values: the process may
-    /// never let it come so far.
-    std::optional<StateSpace::MachineExploration> try_machine(std::string& note) const {
-        std::string reason;
+    StateSpace::MachineExploration by_machine(std::string& note) const {
         try {
             StateSpace::MachineExploration found =
                 StateSpace::explore_by_machine(m_definition.term, m_script.processes(), m_bounds);
-            if (!found.run.refusal.empty()) {
-                note = fmt::format("calder: {} is explored term by term: {}\n{}", m_definition.name,
-                                   found.run.refusal, recursion_notes(found.refused, m_script));
+            std::string const& reason =
+                found.run.refusal.empty() ? found.why_by_terms : found.run.refusal;
+            if (!reason.empty()) {
+                note = by_terms_note(m_definition.name + " is", reason, found.refused, m_script);
             }
-            return found;
+            return found.run.refusal.empty() ? std::move(found) : by_terms();
         } catch (Script::ScriptError const& error) {
-            note = fmt::format("calder: {} is explored term by term: one of its components by "
-                               "itself comes to an error\n{}",
-                               m_definition.name, error.what());
-            return std::nullopt;
+            note = by_terms_note(m_definition.name + " is", error);
+            return by_terms();
         }
     }
 
-    /// All that there is, or all that is wanted; nothing when there is more.
-    std::optional<StateSpace::MachineExploration> try_few_terms() const {
-        StateSpace::RunOptions few = m_bounds;
-        few.max_states = std::min(few.max_states, small_leaf);
-        StateSpace::MachineExploration found = by_terms(few);
-        bool const may_go_on = found.run.outcome == StateSpace::Outcome::state_limit &&
-                               few.max_states < m_bounds.max_states;
-        return may_go_on ? std::nullopt : std::optional(std::move(found));
-    }
-
-    StateSpace::MachineExploration by_terms(StateSpace::RunOptions const& bounds) const {
+    StateSpace::MachineExploration by_terms() const {
         StateSpace::MachineExploration found;
         found.run = StateSpace::run_of(
-            StateSpace::explore(m_definition.term, m_script.processes(), bounds));
+            StateSpace::explore(m_definition.term, m_script.processes(), m_bounds));
         return found;
     }
 
+  private:
     Script::Script const& m_script;
     Script::Script::Definition const& m_definition;
     StateSpace::RunOptions m_bounds;
@@ -109,31 +61,26 @@ StateSpace::MachineExploration explore(Script::Script const& script,
                                        Script::Script::Definition const& definition,
                                        ExploreOptions const& options,
                                        InterruptionWatch const& watch) {
-    ProgressLine line(!options.quiet && (options.progress || isatty(STDERR_FILENO) == 1));
+    ProgressLine line(options.search.shows_progress());
     StateSpace::RunOptions bounds;
-    bounds.max_states = options.max_states.value_or(bounds.max_states);
-    bounds.max_memory = memory_limit(options);
+    bounds.max_states = options.search.max_states.value_or(bounds.max_states);
+    bounds.max_memory = options.search.memory_limit();
     bounds.progress = [&](StateSpace::Progress const& progress) {
         line.update(progress);
         return !watch.interrupted();
     };
-    bounds.threads = thread_count(options);
+    bounds.threads = options.search.thread_count();
     bounds.keep_transitions = options.deadlock || !options.output.empty();
-    Search search(script, definition, std::move(bounds));
-    if (options.engine == Engine::terms) {
+    Search const search(script, definition, std::move(bounds));
+    if (options.search.engine == Engine::terms) {
         return search.by_terms();
     }
     std::string note;
     StateSpace::MachineExploration result = search.by_machine(note);
-    if (!note.empty() && !result.machine && !options.quiet) {
+    if (!note.empty() && !result.machine && !options.search.quiet) {
         print_message(note);
     }
     return result;
-}
-
-/// One line of the summary: a title and what stands for it.
-void tell(char const* title, std::string const& text) {
-    print_result(fmt::format("{:<13}{}\n", title, text));
 }
 
 std::string trace_text(StateSpace::Deadlock const& deadlock,
@@ -145,13 +92,11 @@ std::string trace_text(StateSpace::Deadlock const& deadlock,
     return text.empty() ? "at the start" : "after " + text;
 }
 
-constexpr std::size_t least_event_width = 15;
-
 /// For each event of the trace, which leaves of the machine take part in it.
 void tell_steps(StateSpace::Deadlock const& deadlock,
                 StateSpace::MachineExploration const& exploration, Script::Script const& script) {
     LeafNames const names(script, *exploration.machine);
-    std::size_t width = least_event_width;
+    std::size_t width = least_column_width;
     for (unsigned const event : deadlock.trace) {
         width = std::max(width, script.session().event_object(event)->name().size());
     }
@@ -243,10 +188,7 @@ int explore_and_tell(Script::Script const& script, Script::Script::Definition co
     tell("transitions", fmt::format("{}", run.transition_count));
     tell("complete", complete ? "yes" : fmt::format("no: {}", StateSpace::describe(run.outcome)));
     bool const holds = !options.deadlock || tell_deadlock(exploration, script);
-    tell("time", fmt::format("{:.2f} s", time.count()));
-    tell("peak memory",
-         fmt::format("{:.1f} MiB", static_cast<double>(StateSpace::peak_resident_bytes()) /
-                                       static_cast<double>(bytes_per_mib)));
+    tell_time_and_memory(time);
     finish_results();
 
     bool const is_written =
@@ -265,7 +207,7 @@ int explore_process(ExploreOptions const& options) {
         [&](auto const& script, auto const& definition) {
             return explore_and_tell(script, definition, options);
         },
-        memory_limit(options));
+        options.search.memory_limit());
 }
 
 } // namespace Calder::Tools

@@ -80,12 +80,6 @@ bool is_name(std::string const& text) {
     });
 }
 
-/// The caller adds it to every message.
-std::string without_last_line_end(std::string text) {
-    text.pop_back();
-    return text;
-}
-
 std::unique_ptr<Script::Script> read_script(Input const& input) {
     std::optional<std::string> text =
         contents_of(input.file == "-" ? stdin : std::fopen(input.file.c_str(), "rb"));
@@ -98,6 +92,7 @@ std::unique_ptr<Script::Script> read_script(Input const& input) {
         options.definitions.push_back(definition_of(definition));
     }
     options.process = is_name(input.process) ? "" : input.process;
+    options.assertions = input.assertions;
     // However the script itself is called: what includes it again includes what is there already.
     options.include = [&](std::string_view path, std::string_view from) {
         Script::Inclusion found = include_file(path, from);
@@ -111,8 +106,7 @@ std::unique_ptr<Script::Script> read_script(Input const& input) {
     if (result.script) {
         return std::move(result.script);
     }
-    throw CommandError(
-        without_last_line_end(Script::render_all(result.diagnostics, result.sources)));
+    throw script_errors(result.diagnostics, result.sources);
 }
 
 /// What there is instead: of a short script all, of a long one what was meant.
@@ -182,9 +176,21 @@ std::uint64_t default_memory_limit() {
     return StateSpace::resident_bytes() + StateSpace::available_bytes() / 10 * 9;
 }
 
+CommandError script_errors(Script::Diagnostics const& diagnostics, Script::Sources const& sources) {
+    std::string text = Script::render_all(diagnostics, sources);
+    text.pop_back(); // whoever tells a CommandError ends the line
+    return CommandError(text);
+}
+
+int run_with_script(Input const& input, ScriptWork const& work, std::uint64_t max_memory) {
+    return work(*read_input(input, max_memory));
+}
+
 int run_with_process(Input const& input, ProcessWork const& work, std::uint64_t max_memory) {
-    auto const script = read_input(input, max_memory);
-    return work(*script, chosen_process(*script, input));
+    return run_with_script(
+        input,
+        [&](Script::Script const& script) { return work(script, chosen_process(script, input)); },
+        max_memory);
 }
 
 } // namespace Calder::Tools

@@ -10,7 +10,7 @@
 
 namespace Calder::Tools {
 
-/// What every command takes: a script, and one of its processes.
+/// What every command takes: a script, and what is wanted of it.
 struct Input {
     /// `-` for standard input.
     std::string file;
@@ -18,6 +18,8 @@ struct Input {
     std::string process;
     /// NAME=VALUE: what the script is to define instead of what it does.
     std::vector<std::string> definitions;
+    /// What is asked beside what the script asks, as it would stand behind `assert`.
+    std::vector<std::string> assertions;
 
     /// The file in messages.
     std::string name() const { return file == "-" ? "standard input" : file; }
@@ -27,13 +29,23 @@ struct Input {
 /// says how far it came than one that the system kills.
 std::uint64_t default_memory_limit();
 
-/// What a command does with a script and the process that the input names.
+/// The errors of a script, of which there is one at least, each at its place.
+CommandError script_errors(Script::Diagnostics const& diagnostics, Script::Sources const& sources);
+
+/// What a command does with a script.
+using ScriptWork = std::function<int(Script::Script const& script)>;
+
+/// … and with the process that the input names.
 using ProcessWork =
     std::function<int(Script::Script const& script, Script::Script::Definition const& definition)>;
 
 /// Reads the script and does the work. Throws CommandError with the errors of the script, each at
-/// its place; when there is no such process; and when the command would occupy more than so many
-/// bytes once the script is read. What values show only while the work is done is a ScriptError.
+/// its place, and when the command would occupy more than so many bytes once the script is read. What
+/// values show only while the work is done is a ScriptError.
+int run_with_script(Input const& input, ScriptWork const& work,
+                    std::uint64_t max_memory = default_memory_limit());
+
+/// The same with a process. Throws CommandError, too, when there is no such process.
 int run_with_process(Input const& input, ProcessWork const& work,
                      std::uint64_t max_memory = default_memory_limit());
 

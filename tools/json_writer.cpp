@@ -1,5 +1,6 @@
 #include "tools/json_writer.h"
 
+#include <fmt/core.h>
 #include <nlohmann/json.hpp>
 
 namespace Calder::Tools {
@@ -32,9 +33,24 @@ void JsonWriter::value(std::string const& text) {
     m_pending += quoted(text);
 }
 
-void JsonWriter::finish() {
-    m_write(m_pending + "\n");
+void JsonWriter::decimal(double number) {
+    separate();
+    m_pending += fmt::format("{:.3f}", number);
+}
+
+void JsonWriter::null() {
+    separate();
+    m_pending += "null";
+}
+
+void JsonWriter::flush() {
+    m_write(m_pending);
     m_pending.clear();
+}
+
+void JsonWriter::finish() {
+    m_pending += '\n';
+    flush();
 }
 
 void JsonWriter::begin(char bracket) {
@@ -56,8 +72,7 @@ void JsonWriter::end(char bracket) {
 
 void JsonWriter::separate() {
     if (m_pending.size() >= flushed_at) {
-        m_write(m_pending);
-        m_pending.clear();
+        flush();
     }
     if (m_depth > 0 && !m_follows_key) {
         m_pending += m_is_first ? "\n" : ",\n";

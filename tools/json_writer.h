@@ -21,13 +21,18 @@ class JsonWriter {
     void value(std::uint64_t number);
     /// Bytes that are not UTF-8 become U+FFFD.
     void value(std::string const& text);
+    /// With three places behind the point.
+    void decimal(double number);
+    void null();
 
     template <typename Value> void member(char const* name, Value const& each) {
         key(name);
         value(each);
     }
 
-    /// Passes on what is pending, with a newline.
+    /// Passes on what is pending.
+    void flush();
+    /// The same, with a newline.
     void finish();
 
   private:

@@ -8,8 +8,6 @@ namespace Calder::Tools {
 
 namespace {
 
-constexpr std::int32_t most_characters = 40;
-
 using NamesOfTerms = std::unordered_map<ProcessCompiler::Process const*, std::string>;
 
 NamesOfTerms names_of_terms(Script::Script const& script) {
@@ -59,7 +57,7 @@ std::string names_taking_part(LeafNames const& names,
 }
 
 std::string short_text(ProcessCompiler::Process const& term,
-                       ProcessCompiler::Session const& session) {
+                       ProcessCompiler::Session const& session, std::int32_t most_characters) {
     try {
         return printed_text(session, [&](ProcessCompiler::Printer& printer) {
             printer.abbreviate = true;

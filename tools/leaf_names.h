@@ -31,9 +31,9 @@ std::string names_taking_part(LeafNames const& names,
                               StateSpace::StateNumber source, unsigned event,
                               StateSpace::StateNumber target);
 
-/// The term as text, cut after some 40 characters.
+/// The term as text, cut after about so many characters.
 std::string short_text(ProcessCompiler::Process const& term,
-                       ProcessCompiler::Session const& session);
+                       ProcessCompiler::Session const& session, std::int32_t most_characters = 40);
 
 /// The operator symbol of a construct, its sets abbreviated.
 std::string operator_text(ProcessCompiler::Process const& construct,

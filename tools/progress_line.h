@@ -3,6 +3,7 @@
 #include "state_space/exploration.h"
 
 #include <chrono>
+#include <string>
 
 namespace Calder::Tools {
 
@@ -10,7 +11,8 @@ namespace Calder::Tools {
 /// over, elsewhere as a line now and then. Nothing is shown of an exploration that ends soon.
 class ProgressLine {
   public:
-    explicit ProgressLine(bool shown);
+    /// `prefix` stands in front of each line.
+    explicit ProgressLine(bool shown, std::string prefix = "");
     ~ProgressLine();
     ProgressLine(ProgressLine const&) = delete;
     ProgressLine& operator=(ProgressLine const&) = delete;
@@ -23,6 +25,7 @@ class ProgressLine {
     void show(StateSpace::Progress const& progress, Clock::time_point now);
 
     bool m_shown;
+    std::string m_prefix;
     bool m_on_terminal;
     bool m_line_is_open = false;
     Clock::time_point m_next;

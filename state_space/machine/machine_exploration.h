@@ -3,6 +3,8 @@
 #include "state_space/machine/compile/compile.h"
 #include "state_space/machine/run/run.h"
 
+#include <optional>
+
 namespace Calder::StateSpace {
 
 /// An exploration by the machine that a term compiles to.
@@ -14,9 +16,31 @@ struct MachineExploration {
     std::unique_ptr<ConfigurationTables> tables;
     /// The recursion that no machine can follow, if that was the reason.
     std::vector<RefusedRecursion> refused;
-    /// The reason was a leaf with more states than `RunOptions::max_leaf_states`.
-    bool met_leaf_limit = false;
+    /// Why the terms were explored and there is no machine, a part of a sentence; empty where there
+    /// is one, was none to be had, or none was needed.
+    std::string why_by_terms;
 };
+
+/// A machine to be run, or why there is none.
+struct MachineCompilation {
+    std::unique_ptr<Machine const> machine;
+    /// The term is one leaf, which is explored as it stands: there is nothing to refuse.
+    bool is_one_leaf = false;
+    /// What the terms are, explored within the options: a leaf is much larger than the few of its
+    /// states that the rest of the term lets it reach. The refusal says which.
+    std::optional<Exploration> explored{};
+    /// Whoever watches ended it.
+    bool is_interrupted = false;
+    /// A part of a sentence.
+    std::string refusal{};
+    /// The recursion that no machine can follow, if that was the reason.
+    std::vector<RefusedRecursion> refused{};
+};
+
+/// Compiles the term within a part of the memory, so that there is enough left to do without.
+[[nodiscard]] MachineCompilation compile_for_run(ProcessCompiler::ProcessPointer const& start,
+                                                 ProcessCompiler::NamedProcessSource const& source,
+                                                 ExplorationOptions const& options);
 
 /// Compiles the term and runs the machine. Where that is refused, `run.refusal` says why, and
 /// nothing was explored. Exceptions of a maker of instances pass through; the machine runs when all

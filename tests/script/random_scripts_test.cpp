@@ -25,13 +25,17 @@ std::vector<std::string> pieces() {
                                  "\r\n",
                                  "|| (a, p) : {(",
                                  ")} @ [a] p",
-                                 "channel a, b : {0..1}\n"};
+                                 "channel a, b : {0..1}\n",
+                                 ":[deadlock free]",
+                                 ":[has trace]: ",
+                                 "assert P [T= Q\n"};
     std::istringstream words(
         "P Q a b.0 b tick tau STOP SKIP RUN CHAOS 0 01 4294967296 .. . , : @ ( ) { } {| |} [[ ]] "
         "<- <-> -> [ ] [| |] |> [] [> /\\ /+ +\\ [+ +] |~| || ||| \\ |\\ ; = -- {- -} é $ \xFF "
         "f(x) f(1) x <x>^s <1..3> {x|x<-S} let within if then else datatype include \"x\" true "
         "Bool "
-        "head( union( Events not and or == != < <= > >= + - * / % ^ # ! ? & _ 9223372036854775808");
+        "head( union( Events not and or == != < <= > >= + - * / % ^ # ! ? & _ 9223372036854775808 "
+        "assert [T= [F= [FD= :[ never deterministic");
     for (std::string word; words >> word;) {
         all.push_back(word);
     }
@@ -55,6 +59,15 @@ bool lies_in(Location const& place, std::string const& text) {
 void check_reading(std::string const& text) {
     ReadResult const result = read_script(text);
     RC_ASSERT((result.script != nullptr) == result.diagnostics.empty());
+    for (std::size_t number = 0; result.script && number < result.script->assertion_count();
+         ++number) {
+        RC_ASSERT(!result.script->assertions()[number].text.empty());
+        try {
+            RC_ASSERT(result.script->assertion(number).concrete != nullptr);
+        } catch (ScriptError const& error) {
+            RC_ASSERT(lies_in(error.diagnostic().location, text));
+        }
+    }
     for (Diagnostic const& diagnostic : result.diagnostics) {
         RC_ASSERT(lies_in(diagnostic.location, text));
         RC_ASSERT(!diagnostic.message.empty());
@@ -110,7 +123,8 @@ RC_GTEST_PROP(RandomScripts, examples_with_slips_are_read_or_refused_with_a_plac
     static std::vector<std::vector<std::string>> const all = examples();
     auto tokens = *rc::gen::elementOf(all);
     for (int const slip : *rc::gen::container<std::vector<int>>(3, rc::gen::inRange(0, 3))) {
-        auto const at = tokens.begin() + *rc::gen::inRange<std::ptrdiff_t>(0, std::ssize(tokens) - 1);
+        auto const at =
+            tokens.begin() + *rc::gen::inRange<std::ptrdiff_t>(0, std::ssize(tokens) - 1);
         switch (slip) {
         case 0: tokens.erase(at); break;
         case 1: tokens.insert(at, *at); break;

@@ -42,6 +42,9 @@ TEST(Scanner, takes_the_longest_token) {
         {"c!x?y$z:-1+2*3/4%5^#s&b", "c ! x ? y $ z : - 1 + 2 * 3 / 4 % 5 ^ # s & b"},
         {"f(x<-1)=<-1,x<-s>", "f= ( x <- 1 ) = < - 1 , x <- s >"},
         {"=P.x=y", "= P . x = y"},
+        {"assert P[T=Q[F=R[FD=S:[x]:<>", "assert P [T= Q [F= R [FD= S :[ x ] : < >"},
+        {"asserts [ T= [FT= [T =", "asserts [ T = [ FT = [ T ="},
+        {"x:[]y:[[z : [a]", "x :[ ] y :[ [ z : [ a ]"},
     };
     for (auto const& row : rows) {
         EXPECT_EQ(tokens_of(row.text), row.tokens);

@@ -26,6 +26,9 @@ class ConfigurationTables {
     /// Enough for the words of every configuration met so far and of all that these lead to.
     [[nodiscard]] std::uint32_t width() const noexcept { return m_width; }
 
+    /// Whether it never leaves its first configuration.
+    [[nodiscard]] bool is_static() const noexcept { return m_is_static; }
+
     /// The state in which the machine starts, `width` words long.
     [[nodiscard]] std::vector<Word> start() const;
 
@@ -46,6 +49,12 @@ class ConfigurationTables {
     [[nodiscard]] FlatRules const& rules(ConfigurationNumber number) const noexcept {
         return *m_flattening.known_rules(number);
     }
+
+    /// By which the words of the state are read; its configuration was met, or is led to by one.
+    [[nodiscard]] Layout const& layout_of(Word const* state) const noexcept {
+        return *m_layouts[configuration_of(state)];
+    }
+    [[nodiscard]] Configurations const& configurations() const noexcept { return m_configurations; }
 
     /// The leaves in the slots of a configuration.
     [[nodiscard]] std::vector<std::uint32_t> leaves(ConfigurationNumber number) const {

@@ -13,8 +13,6 @@ struct RunOptions : ExplorationOptions {
     /// How many threads work, at least 1. One of them numbers the states; the others find
     /// successors for it. The result does not depend on it.
     unsigned threads = 1;
-    /// Of a machine: a leaf with more states refuses it.
-    StateNumber max_leaf_states = 1'000'000;
 };
 
 struct Run {

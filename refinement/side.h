@@ -1,0 +1,78 @@
+#pragma once
+
+#include "state_space/machine/machine_exploration.h"
+#include "state_space/machine/run/steps.h"
+
+#include <memory>
+
+namespace Calder::Refinement {
+
+using StateSpace::SearchMonitor;
+using StateSpace::StateNumber;
+using StateSpace::Steps;
+using StateSpace::Word;
+
+/// A machine and the tables by which it runs.
+struct RunningMachine {
+    std::unique_ptr<StateSpace::Machine const> machine;
+    std::unique_ptr<StateSpace::ConfigurationTables> tables;
+};
+
+/// A side of a question as it runs: a state is some words, and its steps are found anew from these
+/// each time. It stores no states itself, unless words could not hold them.
+class Side {
+  public:
+    Side() = default;
+    virtual ~Side() = default;
+    Side(Side const&) = delete;
+    Side& operator=(Side const&) = delete;
+
+    /// Of each state, at least 1. Grows in `prepare` at most; states known before then end in as
+    /// many words of zeros more.
+    [[nodiscard]] virtual std::uint32_t width() const noexcept = 0;
+
+    /// How many of the upper bits of the last word are zero in every state. Where there are any, the
+    /// width never grows.
+    [[nodiscard]] virtual unsigned spare_bits() const noexcept = 0;
+
+    [[nodiscard]] virtual std::vector<Word> start() const = 0;
+
+    /// Makes what `append_steps` needs for this state. Throws what the search of an engine throws:
+    /// SearchEnded, MachineRefusal, NestedTooDeeply, std::bad_alloc.
+    virtual void prepare(Word const* state) = 0;
+
+    /// Appends the steps of a state that was prepared to `steps`, which are as wide as `width`. An
+    /// engine gives them in the same order every time. Throws as `prepare` does.
+    virtual void append_steps(Word const* state, Steps& steps) = 0;
+
+    /// What would be allocated besides what there is, while so many steps are found, in bytes.
+    [[nodiscard]] virtual std::uint64_t growth_bytes(std::uint64_t steps) const noexcept = 0;
+
+    /// Null where the side goes from term to term.
+    [[nodiscard]] virtual RunningMachine const* machine() const noexcept = 0;
+    /// The state as a term; null where a machine runs.
+    [[nodiscard]] virtual ProcessCompiler::ProcessPointer term(Word const* state) const = 0;
+    /// Hands the machine over; nothing may be asked of the side afterwards.
+    [[nodiscard]] virtual RunningMachine take_machine() noexcept = 0;
+};
+
+/// Why a side has no machine although one was wanted; empty where it has one, or is one leaf.
+struct NoMachine {
+    std::string reason{};
+    std::vector<StateSpace::RefusedRecursion> refused{};
+};
+
+struct MadeSide {
+    std::unique_ptr<Side> side;
+    NoMachine no_machine{};
+};
+
+/// By the machine that the term compiles to if it is wanted and there is one; otherwise term by
+/// term. `options` bound the compilation as they bound an exploration's. Throws SearchEnded when
+/// whoever watches ends it.
+[[nodiscard]] MadeSide make_side(ProcessCompiler::ProcessPointer const& term,
+                                 ProcessCompiler::NamedProcessSource const& source,
+                                 StateSpace::ExplorationOptions const& options, bool by_machine,
+                                 SearchMonitor& monitor);
+
+} // namespace Calder::Refinement

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "refinement/side.h"
+#include "state_space/stack_guard.h"
+#include "state_space/state_table.h"
+
+namespace Calder::Refinement {
+
+/// A side that goes from term to term. The word of a state is the number of its term, in the order
+/// in which the terms were reached.
+class TermSide final : public Side {
+  public:
+    TermSide(ProcessCompiler::ProcessPointer const& start,
+             ProcessCompiler::NamedProcessSource const& source, SearchMonitor& monitor);
+
+    std::uint32_t width() const noexcept override { return 1; }
+    unsigned spare_bits() const noexcept override { return 32; }
+    std::vector<Word> start() const override { return {0}; }
+    void prepare(Word const*) override {}
+    void append_steps(Word const* state, Steps& steps) override;
+    std::uint64_t growth_bytes(std::uint64_t steps) const noexcept override {
+        return m_terms.growth_bytes(steps);
+    }
+    RunningMachine const* machine() const noexcept override { return nullptr; }
+    ProcessCompiler::ProcessPointer term(Word const* state) const override;
+    RunningMachine take_machine() noexcept override { return {}; }
+
+  private:
+    StateNumber number(ProcessCompiler::ProcessPointer const& term);
+
+    ProcessCompiler::NamedProcessSource const& m_source;
+    SearchMonitor& m_monitor;
+    StateSpace::StackGuard const m_stack{};
+    StateSpace::StateTable m_terms;
+};
+
+} // namespace Calder::Refinement

@@ -1,0 +1,159 @@
+#include "state_space/memory.h"
+#include "tests/refinement/random_systems.h"
+
+#include <gtest/gtest.h>
+
+namespace Calder::Refinement::Testing {
+namespace {
+
+using ProcessCompiler::tau;
+using StateSpace::Outcome;
+using namespace StateSpace::Testing;
+
+NamedProcessSource const source;
+
+/// Some rings side by side, all different, of two to the `count` states or more.
+ProcessPointer rings(unsigned count, unsigned size = 2) {
+    std::vector<ProcessPointer> leaves;
+    for (unsigned i = 0; i < count; ++i) {
+        leaves.push_back(ring("ring" + std::to_string(i), size, a + i));
+    }
+    return construct("rings", leaves);
+}
+
+Rows chain(unsigned length) {
+    Rows rows(length);
+    for (unsigned state = 0; state + 1 < length; ++state) {
+        rows[state].emplace_back(a, state + 1);
+    }
+    return rows;
+}
+
+TEST(Limits, OnStatesCountForEachSide) {
+    ProcessPointer const machine = rings(4);
+    for (StateNumber const most : {1U, 15U, 16U}) {
+        QuestionOptions options;
+        options.max_states = most;
+        Answer const answer = deadlock_free(machine, source, options);
+        EXPECT_EQ(answer.verdict, most == 16 ? Verdict::holds : Verdict::undecided);
+        EXPECT_EQ(answer.outcome, most == 16 ? Outcome::complete : Outcome::state_limit);
+        EXPECT_EQ(answer.state_count, most);
+    }
+    // The other side alone has too many.
+    QuestionOptions options;
+    options.max_states = 5;
+    Rows many = chain(3);
+    for (unsigned i = 0; i < 7; ++i) {
+        many[0].emplace_back(tau, 3 + i);
+        many.emplace_back();
+    }
+    EXPECT_EQ(refinement(term_of(many, "A"), term_of(chain(3), "C"), Model::traces, source, options)
+                  .outcome,
+              Outcome::state_limit);
+}
+
+TEST(Limits, WhatIsFoundBeforeALimitDecides) {
+    QuestionOptions options;
+    options.max_states = 600;
+    EXPECT_EQ(never(rings(16), BitSet{a + 3}, source, options).verdict, Verdict::fails);
+    EXPECT_EQ(never(rings(16), BitSet{a + 40}, source, options).outcome, Outcome::state_limit);
+}
+
+TEST(Limits, OnMemoryAndTheWishOfWhoWatches) {
+    for (bool const by_machine : {true, false}) {
+        QuestionOptions options;
+        options.by_machine = by_machine;
+        ProcessPointer const process = by_machine ? rings(22) : term_of(chain(300'000), "chain");
+        unsigned looks = 0;
+        options.progress = [&looks](StateSpace::Progress const&) { return ++looks < 5; };
+        Answer const interrupted = divergence_free(process, source, options);
+        EXPECT_EQ(interrupted.verdict, Verdict::undecided);
+        EXPECT_EQ(interrupted.outcome, Outcome::interrupted);
+        EXPECT_EQ(looks, 5U);
+        options.progress = nullptr;
+        options.max_memory = StateSpace::resident_bytes() + (std::uint64_t{4} << 20);
+        EXPECT_EQ(divergence_free(process, source, options).outcome, Outcome::memory_limit);
+    }
+}
+
+/// Loops are told before everything is explored.
+TEST(Limits, ALoopNearTheStartIsFoundWithinALimit) {
+    std::vector<ProcessPointer> leaves{leaf("loop", {{{tau, 1}}, {{tau, 0}}})};
+    for (unsigned i = 0; i < 16; ++i) {
+        leaves.push_back(ring("ring" + std::to_string(i), 2, a + i));
+    }
+    QuestionOptions options;
+    options.max_states = 20'000;
+    Answer const answer = divergence_free(construct("rings", leaves), source, options);
+    EXPECT_EQ(answer.verdict, Verdict::fails);
+    EXPECT_TRUE(answer.evidence.steps.empty());
+    EXPECT_EQ(answer.evidence.loop.size(), 2U);
+}
+
+/// What a machine meets on the way, and cannot flatten, ends the machine and not the question.
+TEST(Limits, AMachineThatCannotGoOnIsLeftForTerms) {
+    NamedProcessSource endless;
+    ProcessPointer const p = endless.reference("P");
+    endless.define("P", construct("Endless", {ring("a", 2, a), p}));
+    ProcessPointer const process =
+        construct("C", {ring("a", 2, a), p},
+                  always({format_of({0}, {{b, 1, {{0, a}}}}), format_of({1}, {{b, 1, {{1, a}}}})}));
+    Answer const answer = deadlock_free(process, endless);
+    EXPECT_EQ(answer.verdict, Verdict::fails); // by its transitions, of which it has none
+    EXPECT_FALSE(answer.machine.machine);
+    EXPECT_EQ(answer.concrete_without_machine.reason, "it nests too deeply for the stack");
+}
+
+/// The second format runs three leaves of 10 bits each besides the first, and the third as many more:
+/// the states become wider while there are narrow ones around, with nodes in them and beside them.
+TEST(Limits, StatesMayGrowWiderOnTheWay) {
+    std::vector<ProcessPointer> arguments{leaf("first", {{{a, 1}}, {{b, 0}, {tau, 1}}})};
+    std::vector<unsigned> active{0};
+    std::vector<PlainRule> rules{{a, 0, {{0, a}}}, {b, 1, {{0, b}}}, {tau, 0, {{0, tau}}}};
+    std::vector<UnCompiledFormat> formats{format_of(active, rules)};
+    for (unsigned format = 1; format < 3; ++format) {
+        Participants together;
+        for (unsigned argument = 3 * format - 2; argument <= 3 * format; ++argument) {
+            arguments.push_back(ring("ring" + std::to_string(argument), 600, a));
+            active.push_back(argument);
+            together.emplace_back(argument, a);
+        }
+        rules.push_back({a, format, together});
+        for (PlainRule& rule : rules) {
+            rule.target_format = format;
+        }
+        rules[1].target_format = std::min(format + 1, 2U);
+        formats.push_back(format_of(active, rules));
+    }
+    ProcessPointer const machine = construct("growing", arguments, always(formats));
+    QuestionOptions options;
+    options.max_states = 3'000;
+    for (Rows const& abstract :
+         {Rows{{{a, 0}, {b, 0}}}, Rows{{{a, 1}, {b, 0}}, {{a, 1}, {b, 0}}}}) {
+        Answer const answer =
+            refinement(term_of(abstract, "A"), machine, Model::traces, source, options);
+        EXPECT_EQ(answer.outcome, Outcome::state_limit);
+    }
+    // Up to where b has led through all formats: what is found is found in wide states, too.
+    Rows const twice{{{a, 0}, {b, 1}}, {{a, 1}, {b, 2}}, {{a, 2}}};
+    Answer const answer = refinement(term_of(twice, "A"), machine, Model::traces, source);
+    ASSERT_EQ(answer.verdict, Verdict::fails);
+    std::vector<unsigned> events;
+    for (EvidenceStep const& step : answer.evidence.steps) {
+        events.push_back(step.event);
+    }
+    EXPECT_EQ(events, (Trace{a, b, a, b, a, b}));
+    EXPECT_EQ(answer.evidence.end.slots.size(), 7U);
+    // As the abstract side it has this trace, but not without its last a.
+    Rows rows(events.size() + 1);
+    for (unsigned i = 0; i < events.size(); ++i) {
+        rows[i].emplace_back(events[i], i + 1);
+    }
+    ProcessPointer const trace = term_of(rows, "C");
+    EXPECT_EQ(refinement(machine, trace, Model::traces, source).verdict, Verdict::holds);
+    rows[4].emplace_back(b, 5);
+    EXPECT_EQ(refinement(machine, term_of(rows, "D"), Model::traces, source).evidence.event, b);
+}
+
+} // namespace
+} // namespace Calder::Refinement::Testing

@@ -1,0 +1,198 @@
+#include "tests/refinement/random_systems.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace Calder::Refinement::Testing {
+
+using namespace StateSpace::Testing;
+using ProcessCompiler::tau;
+using ProcessCompiler::tick;
+
+unsigned below(Random& random, std::size_t end) {
+    return static_cast<unsigned>(random() % end);
+}
+
+namespace {
+
+unsigned random_event(Random& random) {
+    constexpr std::array<unsigned, 12> events{tau, tau, tick, a, a, a, a, a, b, b, b, b};
+    return events[below(random, events.size())];
+}
+
+void add_step(Rows& rows, Random& random) {
+    rows[below(random, rows.size())].emplace_back(random_event(random), below(random, rows.size()));
+}
+
+void mutate(Rows& rows, Random& random) {
+    Row& row = rows[below(random, rows.size())];
+    if (row.empty()) {
+        add_step(rows, random);
+        return;
+    }
+    auto& step = row[below(random, row.size())];
+    switch (below(random, 4)) {
+    case 0: step.first = random_event(random); break;
+    case 1: step.second = below(random, rows.size()); break;
+    case 2: row.erase(row.begin() + (&step - row.data())); break;
+    default: add_step(rows, random); break;
+    }
+}
+
+/// The rows of `more` behind those of `rows`; returns where they begin.
+unsigned append(Rows& rows, Rows const& more) {
+    auto const first = static_cast<unsigned>(rows.size());
+    for (Row row : more) {
+        for (auto& step : row) {
+            step.second += first;
+        }
+        rows.push_back(std::move(row));
+    }
+    return first;
+}
+
+} // namespace
+
+Rows random_rows(Random& random, unsigned most_states) {
+    Rows rows(1 + below(random, most_states));
+    for (std::size_t steps = rows.size() + below(random, rows.size() + 1); steps > 0; --steps) {
+        add_step(rows, random);
+    }
+    return rows;
+}
+
+Rows internal_choice(Rows const& left, Rows const& right) {
+    Rows rows{{}};
+    for (Rows const* const side : {&left, &right}) {
+        unsigned const first = append(rows, *side);
+        rows[0].emplace_back(tau, first);
+    }
+    return rows;
+}
+
+Rows external_choice(Rows const& left, Rows const& right) {
+    Rows rows{{}};
+    for (Rows const* const side : {&left, &right}) {
+        unsigned const first = append(rows, *side);
+        rows[0].insert(rows[0].end(), rows[first].begin(), rows[first].end());
+    }
+    return rows; // a choice that a silent first step makes, as in sliding
+}
+
+Rows hidden(Rows rows, unsigned event) {
+    for (Row& row : rows) {
+        for (auto& step : row) {
+            step.first = step.first == event ? tau : step.first;
+        }
+    }
+    return rows;
+}
+
+Rows relative_of(Rows const& rows, Random& random) {
+    Rows relative = rows;
+    switch (below(random, 9)) {
+    case 0: return rows;
+    case 1: return random_rows(random, 4);
+    case 2: return internal_choice(rows, random_rows(random, 2));
+    case 3: return external_choice(rows, random_rows(random, 2));
+    case 4: return hidden(rows, below(random, 2) == 0 ? a : b);
+    case 5: return internal_choice(rows, rows);
+    case 6: mutate(relative, random); [[fallthrough]];
+    default: mutate(relative, random); return relative;
+    }
+}
+
+ProcessPointer term_of(Rows const& rows, std::string const& label) {
+    return leaf(label, rows);
+}
+
+namespace {
+
+/// Joined on a; b and tau by each alone; tick together.
+Formats joined(Alphabets const& alphabets) {
+    Formats formats(1);
+    activate_first_components(formats[0], static_cast<unsigned>(alphabets.size()));
+    for (unsigned const event : {a, tick}) {
+        append_rule(formats[0], event, 0, {std::pair(0, event), std::pair(1, event)});
+    }
+    for (unsigned argument = 0; argument < 2; ++argument) {
+        for (unsigned const event : {tau, b}) {
+            append_rule(formats[0], event, 0, {std::pair(argument, event)});
+        }
+    }
+    return formats;
+}
+
+/// The tick of the first argument is silent and starts the second.
+Formats in_sequence(Alphabets const&) {
+    Formats formats(2);
+    formats[0].active_components = {0};
+    formats[1].active_components = {1};
+    for (unsigned const event : {tau, a, b}) {
+        append_rule(formats[0], event, 0, {std::pair(0, event)});
+    }
+    append_rule(formats[0], tau, 1, {std::pair(0, tick)});
+    for (unsigned const event : {tau, tick, a, b}) {
+        append_rule(formats[1], event, 1, {std::pair(1, event)});
+    }
+    return formats;
+}
+
+/// b is silent.
+Formats hiding(Alphabets const&) {
+    return Formats{format_of(
+        {0}, {{tau, 0, {{0, tau}}}, {tau, 0, {{0, b}}}, {tick, 0, {{0, tick}}}, {a, 0, {{0, a}}}})};
+}
+
+} // namespace
+
+ProcessPointer machine_over(Rows const& rows, std::string const& label) {
+    return construct("over " + label, {leaf(label, rows)});
+}
+
+ProcessPointer random_machine(Random& random) {
+    ProcessPointer const first = leaf("first", random_rows(random, 3));
+    ProcessPointer const second = leaf("second", random_rows(random, 3));
+    switch (below(random, 4)) {
+    case 0: return construct("joined", {first, second}, joined);
+    case 1: return construct("sequence", {first, second}, in_sequence);
+    case 2: return construct("hiding", {first}, hiding);
+    default:
+        return construct("sequence", {construct("hiding", {first}, hiding), second}, in_sequence);
+    }
+}
+
+Rows rows_of_machine(ProcessPointer const& term) {
+    NamedProcessSource const source;
+    StateSpace::MachineExploration const explored =
+        StateSpace::explore_by_machine(term, source, {});
+    EXPECT_TRUE(explored.machine) << explored.run.refusal;
+    return rows_of(explored.run.lts);
+}
+
+std::string text_of(Rows const& rows) {
+    std::string text;
+    for (std::size_t state = 0; state < rows.size(); ++state) {
+        text += std::to_string(state) + ":";
+        for (auto const& [event, target] : rows[state]) {
+            text += " " + text_of(std::vector<unsigned>{event}) + ">" + std::to_string(target);
+        }
+        text += "; ";
+    }
+    return text;
+}
+
+std::string text_of(std::vector<unsigned> const& events) {
+    std::string text;
+    for (unsigned const event : events) {
+        text += event == tau    ? "~"
+                : event == tick ? "!"
+                : event == a    ? "a"
+                : event == b    ? "b"
+                                : "?";
+    }
+    return text;
+}
+
+} // namespace Calder::Refinement::Testing

@@ -1,0 +1,185 @@
+#include "tools/evidence_json.h"
+
+#include "process_compiler/event_numbers.h"
+#include "tools/run_names.h"
+
+namespace Calder::Tools {
+
+using Refinement::EvidenceStep;
+using Refinement::Reason;
+using StateSpace::Outcome;
+
+namespace {
+
+/// What ended the question early; null where nothing did.
+char const* limit_name(Outcome outcome) {
+    switch (outcome) {
+    case Outcome::complete: return nullptr;
+    case Outcome::state_limit: return "state limit";
+    case Outcome::memory_limit: return "memory limit";
+    case Outcome::nesting_limit: return "nesting limit";
+    case Outcome::interrupted: return "interrupted";
+    }
+    return nullptr;
+}
+
+/// Null where there is nothing to show.
+char const* reason_name(Reason reason) {
+    switch (reason) {
+    case Reason::none: return nullptr;
+    case Reason::event: return "event";
+    case Reason::refusal: return "refusal";
+    case Reason::divergence: return "divergence";
+    case Reason::deadlock: return "deadlock";
+    case Reason::nondeterminism: return "nondeterminism";
+    }
+    return nullptr;
+}
+
+class EvidenceWriter {
+  public:
+    EvidenceWriter(Answered const& answered, JsonWriter& json)
+        : m_question(answered.assertion.question), m_answer(answered.answer),
+          m_evidence(m_answer.evidence), m_json(json), m_names(answered.script, m_answer.machine) {}
+
+    void run() {
+        char const* const limit = limit_name(m_answer.outcome);
+        char const* const reason = limit != nullptr ? limit : reason_name(m_evidence.reason);
+        m_json.key("reason");
+        if (reason == nullptr) {
+            m_json.null();
+        } else {
+            m_json.value(std::string(reason));
+        }
+        write_steps("steps", m_evidence.steps);
+        write_end();
+        if (std::string const term = m_names.term(m_evidence.end); !term.empty()) {
+            m_json.member("state", term);
+        }
+    }
+
+  private:
+    /// What matters where the steps end.
+    void write_end() {
+        switch (m_evidence.reason) {
+        case Reason::none: break;
+        case Reason::event:
+            write_event();
+            if (m_question == Script::Question::has_trace) {
+                write_events("offered", m_evidence.offered);
+            } else if (m_question != Script::Question::never) {
+                write_events("allowed", m_evidence.allowed);
+            }
+            break;
+        case Reason::refusal:
+            write_events("offered", m_evidence.offered);
+            m_json.key("demanded");
+            m_json.begin_array();
+            for (std::vector<unsigned> const& set : m_evidence.demanded) {
+                write_array(m_names.events(set));
+            }
+            m_json.end_array();
+            break;
+        case Reason::divergence: write_steps("loop", m_evidence.loop); break;
+        case Reason::deadlock: write_waiting(); break;
+        case Reason::nondeterminism:
+            write_event();
+            write_events("offered", m_evidence.offered);
+            write_steps("other", m_evidence.other);
+            m_json.member("performs", std::string(m_evidence.other_performs ? "other" : "steps"));
+            break;
+        }
+    }
+
+    void write_event() { m_json.member("event", m_names.event(m_evidence.event)); }
+
+    void write_steps(char const* name, std::vector<EvidenceStep> const& steps) {
+        m_json.key(name);
+        m_json.begin_array();
+        for (EvidenceStep const& step : steps) {
+            m_json.begin_object();
+            m_json.member("event", m_names.event(step.event));
+            if (!step.inner_events.empty()) {
+                write_events("inner", step.inner_events);
+            }
+            m_json.key("participants");
+            write_array(m_names.participants(step));
+            m_json.end_object();
+        }
+        m_json.end_array();
+    }
+
+    void write_waiting() {
+        auto const waiting = waiting_in(m_answer.machine, m_evidence.end);
+        if (waiting.empty()) {
+            return;
+        }
+        std::vector<std::string> const& components = m_names.components(m_evidence.end);
+        m_json.key("waiting");
+        m_json.begin_array();
+        for (Refinement::Waiting const& each : waiting) {
+            m_json.begin_object();
+            m_json.member("component", components[each.slot]);
+            m_json.key("wanted");
+            m_json.begin_array();
+            for (Refinement::Wanted const& wanted : each.wanted) {
+                write_wanted(wanted, components);
+            }
+            m_json.end_array();
+            m_json.end_object();
+        }
+        m_json.end_array();
+        write_components("cycle", waiting_cycle(waiting), components);
+    }
+
+    void write_wanted(Refinement::Wanted const& wanted,
+                      std::vector<std::string> const& components) {
+        m_json.begin_object();
+        m_json.member("event", m_names.event(wanted.part_event));
+        m_json.key("as");
+        if (wanted.event == ProcessCompiler::no_event) {
+            m_json.null();
+        } else {
+            m_json.value(m_names.event(wanted.event));
+        }
+        write_components("with", wanted.missing, components);
+        m_json.end_object();
+    }
+
+    void write_components(char const* name, std::vector<std::uint32_t> const& slots,
+                          std::vector<std::string> const& components) {
+        m_json.key(name);
+        m_json.begin_array();
+        for (std::uint32_t const slot : slots) {
+            m_json.value(components[slot]);
+        }
+        m_json.end_array();
+    }
+
+    void write_events(char const* name, std::vector<unsigned> const& events) {
+        m_json.key(name);
+        write_array(m_names.events(events));
+    }
+
+    void write_array(std::vector<std::string> const& words) {
+        m_json.begin_array();
+        for (std::string const& word : words) {
+            m_json.value(word);
+        }
+        m_json.end_array();
+    }
+
+    Script::Question m_question;
+    Refinement::Answer const& m_answer;
+    Refinement::Evidence const& m_evidence;
+    JsonWriter& m_json;
+    RunNames m_names;
+};
+
+} // namespace
+
+void write_evidence_json(Answered const& answered, JsonWriter& json) {
+    EvidenceWriter(answered, json).run();
+}
+
+} // namespace Calder::Tools
