@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/large_pages.h"
+#include "core/large_array.h"
 #include "process_compiler/named_process_source.h"
 #include "script/call_graph.h"
 #include "values/call_table.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/large_pages.h"
+#include "core/large_array.h"
 #include "values/arena.h"
 #include "values/value.h"
 

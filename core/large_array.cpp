@@ -1,10 +1,10 @@
-#include "state_space/machine/run/large_array.h"
+#include "core/large_array.h"
 
 #include <cstdint>
 #include <new>
 #include <sys/mman.h>
 
-namespace Calder::StateSpace {
+namespace Calder {
 
 namespace {
 
@@ -55,4 +55,4 @@ void free_large(void* storage, std::size_t bytes) noexcept {
     }
 }
 
-} // namespace Calder::StateSpace
+} // namespace Calder

@@ -1,18 +1,21 @@
 #pragma once
 
+#include "core/export.h"
+
 #include <cstddef>
 #include <memory>
+#include <vector>
 
-namespace Calder::StateSpace {
+namespace Calder {
 
 /// Storage for `bytes`, not initialised, aligned to a cache line. What is at least 2 MiB is mapped
 /// for itself, aligned to that, and asks the system for pages of that size: a table that is entered
 /// at random touches more small pages than the processor keeps translations for. Pages never
 /// written to take no memory. Throws std::bad_alloc.
-[[nodiscard]] void* allocate_large(std::size_t bytes);
+[[nodiscard]] CALDER_CORE_EXPORT void* allocate_large(std::size_t bytes);
 
 /// `bytes` as it was asked for.
-void free_large(void* storage, std::size_t bytes) noexcept;
+CALDER_CORE_EXPORT void free_large(void* storage, std::size_t bytes) noexcept;
 
 struct FreeLarge {
     std::size_t bytes = 0;
@@ -28,4 +31,21 @@ template <typename T> [[nodiscard]] LargeArray<T> make_large_array(std::size_t c
     return LargeArray<T>(static_cast<T*>(allocate_large(bytes)), FreeLarge{bytes});
 }
 
-} // namespace Calder::StateSpace
+template <typename T> struct LargeAllocator {
+    using value_type = T;
+
+    LargeAllocator() = default;
+    template <typename Other> LargeAllocator(LargeAllocator<Other> const&) noexcept {}
+
+    T* allocate(std::size_t count) { return static_cast<T*>(allocate_large(count * sizeof(T))); }
+    void deallocate(T* storage, std::size_t count) noexcept {
+        free_large(storage, count * sizeof(T));
+    }
+
+    friend bool operator==(LargeAllocator const&, LargeAllocator const&) { return true; }
+};
+
+/// A vector that may come to millions of elements.
+template <typename T> using LargeVector = std::vector<T, LargeAllocator<T>>;
+
+} // namespace Calder
