@@ -29,9 +29,10 @@ class QuestionReading : private ErrorSurroundings {
 
     std::optional<Hint> hint() const {
         using Try = std::optional<Hint> (QuestionReading::*)() const;
-        for (Try const attempt : {&QuestionReading::of_outside, &QuestionReading::of_refinement,
-                                  &QuestionReading::of_words, &QuestionReading::of_argument,
-                                  &QuestionReading::of_second, &QuestionReading::of_missing}) {
+        for (Try const attempt : {&QuestionReading::of_outside, &QuestionReading::of_repetition,
+                                  &QuestionReading::of_refinement, &QuestionReading::of_words,
+                                  &QuestionReading::of_argument, &QuestionReading::of_second,
+                                  &QuestionReading::of_missing}) {
             if (std::optional<Hint> found = (this->*attempt)()) {
                 return found;
             }
@@ -64,6 +65,19 @@ class QuestionReading : private ErrorSurroundings {
                         "a question stands behind 'assert', as in 'assert P [T= Q'");
         }
         return std::nullopt;
+    }
+
+    /// `assert assert P [T= Q`; of a text beside the script the first one is not written
+    std::optional<Hint> of_repetition() const {
+        if (kind(0) != Token::ASSERT || kind(-1) != Token::ASSERT) {
+            return std::nullopt;
+        }
+        unsigned const line = m_tokens[at(-1)].line;
+        if (line == 0) {
+            return here(0, "write only what stands behind 'assert'");
+        }
+        return line == m_tokens[at(0)].line ? std::optional(here(0, "one 'assert' is enough"))
+                                            : std::nullopt;
     }
 
     /// `P [R= Q`, `P [T = Q`, `P [= Q`, `P |= Q`, `P = Q`
