@@ -102,9 +102,13 @@ class EvidenceText {
             return;
         }
         bool const is_never = m_answered.assertion.question == Question::never;
+        std::string const wrong =
+            !is_never ? "which " + m_abstract + " does not allow there"
+            : m_answered.assertion.is_negated // whoever asks so wants it, or expects it
+                ? "one of the events asked about"
+                : "which must never happen";
         tell("event",
-             fmt::format("{} {} performs {}, which {}", after(steps - 1), m_concrete, event,
-                         is_never ? "must never happen" : m_abstract + " does not allow there"));
+             fmt::format("{} {} performs {}, {}", after(steps - 1), m_concrete, event, wrong));
         tell_steps("", m_evidence.steps);
         if (!is_never) {
             tell("allowed", fmt::format("by {}: {}", m_abstract, event_list(m_evidence.allowed)));
