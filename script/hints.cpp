@@ -2,6 +2,7 @@
 
 #include "script/error_surroundings.h"
 #include "script/question_hints.h"
+#include "script/suggestion.h"
 
 #include <algorithm>
 #include <array>
@@ -91,9 +92,10 @@ class Reading : private ErrorSurroundings {
     std::optional<Hint> hint() const {
         using Try = std::optional<Hint> (Reading::*)() const;
         for (Try const attempt :
-             {&Reading::of_word, &Reading::of_definition, &Reading::of_comparison, &Reading::of_let,
-              &Reading::of_text, &Reading::of_comment, &Reading::of_field, &Reading::of_bracket,
-              &Reading::of_choice, &Reading::of_renaming, &Reading::of_operator}) {
+             {&Reading::of_word, &Reading::of_misspelt_word, &Reading::of_definition,
+              &Reading::of_comparison, &Reading::of_let, &Reading::of_text, &Reading::of_comment,
+              &Reading::of_field, &Reading::of_bracket, &Reading::of_choice, &Reading::of_renaming,
+              &Reading::of_operator}) {
             if (std::optional<Hint> found = (this->*attempt)()) {
                 return found;
             }
@@ -139,6 +141,25 @@ class Reading : private ErrorSurroundings {
             }
         }
         return std::nullopt;
+    }
+
+    /// `asert P [T= Q`, `chanel a`: at the beginning of a line
+    std::optional<Hint> of_misspelt_word() const {
+        bool const begins_line =
+            kind(0) == Token::NAME &&
+            (m_context.token == 0 || m_tokens[at(-1)].source != m_tokens[at(0)].source ||
+             m_tokens[at(-1)].line != m_tokens[at(0)].line);
+        if (!begins_line) {
+            return std::nullopt;
+        }
+        unsigned budget = suggestion_budget;
+        Suggestion suggestion(text(0), budget);
+        for (char const* const word : {"assert", "channel", "datatype", "include"}) {
+            suggestion.consider(word);
+        }
+        std::string const meant = suggestion.text();
+        return meant.empty() ? std::nullopt
+                             : std::optional(here(0, "unexpected " + in_quotes(text(0)) + meant));
     }
 
     /// `P == Q`, `P := Q`, `channel a = {0}`

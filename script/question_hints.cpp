@@ -10,6 +10,7 @@ namespace {
 using Token = Parser::token;
 
 constexpr char const* a_refinement = "a refinement is written 'P [T= Q', 'P [F= Q' or 'P [FD= Q'";
+constexpr char const* a_question = "what is asked of one process is written 'P :[deadlock free]'";
 
 bool is_refinement(TokenKind kind) {
     return kind == Token::REFINES_TRACES || kind == Token::REFINES_FAILURES ||
@@ -29,8 +30,9 @@ class QuestionReading : private ErrorSurroundings {
 
     std::optional<Hint> hint() const {
         using Try = std::optional<Hint> (QuestionReading::*)() const;
-        for (Try const attempt : {&QuestionReading::of_outside, &QuestionReading::of_refinement,
-                                  &QuestionReading::of_words, &QuestionReading::of_argument,
+        for (Try const attempt : {&QuestionReading::of_outside, &QuestionReading::of_repetition,
+                                  &QuestionReading::of_refinement, &QuestionReading::of_words,
+                                  &QuestionReading::of_brackets, &QuestionReading::of_argument,
                                   &QuestionReading::of_second, &QuestionReading::of_missing}) {
             if (std::optional<Hint> found = (this->*attempt)()) {
                 return found;
@@ -64,6 +66,19 @@ class QuestionReading : private ErrorSurroundings {
                         "a question stands behind 'assert', as in 'assert P [T= Q'");
         }
         return std::nullopt;
+    }
+
+    /// `assert assert P [T= Q`; of a text beside the script the first one is not written
+    std::optional<Hint> of_repetition() const {
+        if (kind(0) != Token::ASSERT || kind(-1) != Token::ASSERT) {
+            return std::nullopt;
+        }
+        unsigned const line = m_tokens[at(-1)].line;
+        if (line == 0) {
+            return here(0, "write only what stands behind 'assert'");
+        }
+        return line == m_tokens[at(0)].line ? std::optional(here(0, "one 'assert' is enough"))
+                                            : std::nullopt;
     }
 
     /// `P [R= Q`, `P [T = Q`, `P [= Q`, `P |= Q`, `P = Q`
@@ -116,6 +131,28 @@ class QuestionReading : private ErrorSurroundings {
                              : std::nullopt;
         }
         return Hint{m_question + 1, unknown_question(words)};
+    }
+
+    /// `P [T Q`, `P [T=] Q`, `P [: deadlock free]`, `P [deadlock free]`, `P :deadlock free`
+    std::optional<Hint> of_brackets() const {
+        if (!is_inside()) {
+            return std::nullopt;
+        }
+        if (kind(0) == Token::RIGHT_BRACKET && is_refinement(kind(-1))) {
+            return here(-1, a_refinement);
+        }
+        bool const is_colon = kind(0) == Token::COLON && !has_question();
+        if (is_colon && (m_context.follows_term || kind(-1) == Token::LEFT_BRACKET)) {
+            return here(0, a_question);
+        }
+        if (!has_question() && kind(-1) == Token::NAME && kind(-2) == Token::LEFT_BRACKET) {
+            std::string_view const word = text(-1);
+            if (word == "T" || word == "F" || word == "FD") {
+                return here(-2, a_refinement);
+            }
+            return kind(0) == Token::NAME ? std::optional(here(-2, a_question)) : std::nullopt;
+        }
+        return std::nullopt;
     }
 
     /// `:[has trace]: ` and nothing, `:[has trace] <a>`

@@ -82,7 +82,9 @@ class Reader {
         for (unsigned token = 0; token < model.tokens.size(); ++token) {
             Token const& each = model.tokens[token];
             bool const is_added = each.source >= first && each.source < m_end_added;
-            if (is_added && each.line > 0 && starts_item(each.kind)) {
+            bool const is_repeated = // which is told by the grammar
+                token > 0 && model.tokens[token - 1].kind == Parser::token::ASSERT;
+            if (is_added && each.line > 0 && starts_item(each.kind) && !is_repeated) {
                 m_diagnostics.push_back(
                     {model.tokens.location(token), "one question stands here, and nothing else"});
             }

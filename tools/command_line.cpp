@@ -51,6 +51,18 @@ std::string suggestion_among(std::vector<std::string> const& known, std::string 
     return suggestion.text();
 }
 
+/// "; it is an option of explore", if other commands have it; otherwise empty.
+std::string owners_of(CLI::App const& app, std::string const& option) {
+    std::vector<std::string> owners;
+    for (std::string const& name : names_of_commands(app)) {
+        std::vector<std::string> const options = names_of_options(*app.get_subcommand(name));
+        if (std::find(options.begin(), options.end(), option) != options.end()) {
+            owners.push_back(name);
+        }
+    }
+    return owners.empty() ? "" : "; it is an option of " + alternatives(owners);
+}
+
 /// Words that nobody takes; empty when there are none. More can be said of them than of what is
 /// missing in their stead.
 std::string words_about_leftovers(CLI::App const& app, CLI::App const& command) {
@@ -66,8 +78,10 @@ std::string words_about_leftovers(CLI::App const& app, CLI::App const& command) 
     });
     if (option != left.end()) {
         std::string const name = option->substr(0, option->find('='));
+        std::string const owners = owners_of(app, name);
         return fmt::format("unknown option '{}' of '{}'{}", name, command.get_display_name(),
-                           suggestion_among(names_of_options(command), name));
+                           owners.empty() ? suggestion_among(names_of_options(command), name)
+                                          : owners);
     }
     if (&command == &app) {
         std::string const meant = suggestion_among(names_of_commands(app), left[0]);

@@ -8,6 +8,8 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
+
 namespace Calder::Tools {
 
 using ProcessCompiler::tick;
@@ -100,9 +102,13 @@ class EvidenceText {
             return;
         }
         bool const is_never = m_answered.assertion.question == Question::never;
+        std::string const wrong =
+            !is_never ? "which " + m_abstract + " does not allow there"
+            : m_answered.assertion.is_negated // whoever asks so wants it, or expects it
+                ? "one of the events asked about"
+                : "which must never happen";
         tell("event",
-             fmt::format("{} {} performs {}, which {}", after(steps - 1), m_concrete, event,
-                         is_never ? "must never happen" : m_abstract + " does not allow there"));
+             fmt::format("{} {} performs {}, {}", after(steps - 1), m_concrete, event, wrong));
         tell_steps("", m_evidence.steps);
         if (!is_never) {
             tell("allowed", fmt::format("by {}: {}", m_abstract, event_list(m_evidence.allowed)));
@@ -123,9 +129,26 @@ class EvidenceText {
         }
         std::vector<std::string> sets;
         for (std::vector<unsigned> const& set : m_evidence.demanded) {
-            sets.push_back("{" + listed(m_names.events(set)) + "}");
+            sets.push_back("{" + demand_text(set) + "}");
         }
         tell("demanded", fmt::format("by {} at least: {}", m_abstract, listed(sets, " or ")));
+    }
+
+    /// A long set has in front what is refused of it, which would be cut among what is offered.
+    std::string demand_text(std::vector<unsigned> const& set) const {
+        if (set.size() <= most_listed) {
+            return listed(m_names.events(set));
+        }
+        std::vector<unsigned> refused;
+        for (unsigned const event : set) {
+            if (std::find(m_evidence.offered.begin(), m_evidence.offered.end(), event) ==
+                m_evidence.offered.end()) {
+                refused.push_back(event);
+            }
+        }
+        std::size_t const offered = set.size() - refused.size();
+        return listed(m_names.events(refused)) +
+               (offered == 0 ? "" : fmt::format(", and {} of the offered", offered));
     }
 
     void tell_divergence() {

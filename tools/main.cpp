@@ -40,6 +40,7 @@ void add_definitions(CLI::App& command, Input& input) {
                     "Define a constant of the script, in the place of what it says; any number")
         ->type_name("NAME=VALUE")
         ->expected(1)
+        ->allow_extra_args(false) // FILE may stand behind it
         ->take_all();
 }
 
@@ -116,6 +117,7 @@ void add_check(CLI::App& app, CheckOptions& options, Work& work) {
         ->type_name("TEXT")
         ->check(not_empty("nothing is asked"))
         ->expected(1)
+        ->allow_extra_args(false) // FILE may stand behind it
         ->take_all();
     command
         ->add_option("--only", options.only,

@@ -107,7 +107,9 @@ std::string waiting_text(std::vector<Waiting> const& waiting, Refinement::RunSta
     }
     std::vector<std::string> cycle;
     for (std::uint32_t const slot : Refinement::waiting_cycle(waiting)) {
-        cycle.push_back(components[slot]);
+        std::string const& component = components[slot];
+        bool const has_arrow = component.find(" -> ") != std::string::npos; // of a prefix
+        cycle.push_back(has_arrow ? "(" + component + ")" : component);
     }
     if (!cycle.empty()) {
         cycle.push_back(cycle.front());

@@ -6,7 +6,6 @@ namespace Calder::Tools {
 
 namespace {
 
-constexpr std::size_t most_listed = 20;
 constexpr std::size_t most_bytes = 40;
 
 bool is_inside_character(char byte) {

@@ -230,6 +230,7 @@ TEST(Assertions, beside_the_script_are_told_where_they_stand) {
         {"P\n[T= )", "2:5+1 unexpected ')', expected a process\n"},
         {"P [T= Q R = STOP", "1:9+1 one question stands here, and nothing else\n"},
         {"P [T= Q assert P [T= Q", "1:9+6 one question stands here, and nothing else\n"},
+        {"assert P [T= Q", "1:1+6 write only what stands behind 'assert'\n"},
         {"P [T= Q channel c", "1:9+7 one question stands here, and nothing else\n"},
     };
     for (auto const& row : rows) {
