@@ -83,8 +83,24 @@ void Script::Model::add_callers(unsigned reference, Diagnostic& diagnostic) cons
 
 std::string Script::Model::name(unsigned number) const {
     unsigned const call = host.instance(number).call;
-    std::string text = translation.program.definitions[host.calls().definition(call)].name;
-    std::span<Value const> const arguments = host.calls().arguments(call);
+    return text_of_call(host.calls().definition(call), host.calls().arguments(call));
+}
+
+void Script::Model::name_calls(NamesOfTerms& terms) const {
+    evaluator.visit_remembered([&](Values::Evaluator::Remembered const& call) {
+        if (call.arguments.empty() || !host.is_kept(call.result)) {
+            return;
+        }
+        auto const wanted = terms.find(host.term(call.result).get());
+        if (wanted != terms.end() && wanted->second.empty()) {
+            wanted->second = text_of_call(call.definition, call.arguments);
+        }
+    });
+}
+
+std::string Script::Model::text_of_call(unsigned definition,
+                                        std::span<Value const> arguments) const {
+    std::string text = translation.program.definitions[definition].name;
     for (std::size_t index = 0; index < arguments.size(); ++index) {
         text += (index == 0 ? "(" : ", ") + Values::text_of(channels, arguments[index]);
     }

@@ -20,6 +20,7 @@ class Script::Model final : public ProcessCompiler::ProcessMaker {
     ProcessCompiler::ProcessPointer make(unsigned number) override;
     std::string name(unsigned number) const override;
 
+    void name_calls(NamesOfTerms& terms) const;
     /// The term of a process of the script without parameters. Throws as the evaluator does.
     ProcessCompiler::ProcessPointer body_of(unsigned definition);
     /// What an assertion asks. Throws ScriptError.
@@ -49,6 +50,7 @@ class Script::Model final : public ProcessCompiler::ProcessMaker {
         Model& m_model;
     };
 
+    std::string text_of_call(unsigned definition, std::span<Values::Value const> arguments) const;
     Telling telling() const;
     template <typename Use> auto part_of_assertion(unsigned definition, Use const& use);
     void add_callers(unsigned reference, Diagnostic& diagnostic) const;

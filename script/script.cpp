@@ -284,6 +284,10 @@ std::string_view Script::process_with_parameters() const {
     return {};
 }
 
+void Script::name_calls(NamesOfTerms& names) const {
+    m_model->name_calls(names);
+}
+
 std::string Script::reason_against(std::string_view name) const {
     auto const found = m_model->names.by_name.find(std::string(name));
     if (found == m_model->names.by_name.end()) {

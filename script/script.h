@@ -77,6 +77,10 @@ class Script {
     /// Makes its terms, which the script keeps: the same ones every time. Throws ScriptError.
     Assertion assertion(std::size_t number) const;
 
+    using NamesOfTerms = std::unordered_map<ProcessCompiler::Process const*, std::string>;
+    /// Says of each of these very terms that has no name yet whether it stands for a call of a process
+    /// that has parameters and no recursion: `R(0)`. One pass over those calls.
+    void name_calls(NamesOfTerms& names) const;
     /// Where the name of a process or an instance is defined.
     Location location_of(ProcessCompiler::NamedProcess const& reference) const;
 

@@ -328,6 +328,10 @@ TermHost::Storage TermHost::storage_of(Value value) {
     return static_cast<Storage>(value.as_foreign() % 4);
 }
 
+bool TermHost::is_kept(Value value) {
+    return value.is(Value::Kind::foreign) && storage_of(value) == Storage::kept;
+}
+
 std::size_t TermHost::number_of(Value value) {
     return value.as_foreign() / 4;
 }

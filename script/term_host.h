@@ -38,6 +38,8 @@ class TermHost final : public Values::Host {
     /// when nothing is being evaluated.
     ProcessCompiler::ProcessPointer const& term(Values::Value value) const;
     void forget() { m_built.clear(); }
+    /// Whether the value is a term that is kept as long as the script.
+    static bool is_kept(Values::Value value);
 
     /// What a value stands for where a set of events is wanted, or a trace, in which `tick` may stand
     /// at the end. Throws ValueError.

@@ -6,27 +6,19 @@
 
 namespace Calder::Tools {
 
-namespace {
-
-using NamesOfTerms = std::unordered_map<ProcessCompiler::Process const*, std::string>;
-
-NamesOfTerms names_of_terms(Script::Script const& script) {
-    NamesOfTerms names;
+LeafNames::LeafNames(Script::Script const& script, StateSpace::Machine const& machine) {
+    Script::Script::NamesOfTerms names;
     for (Script::Script::Definition const& definition : script.definitions()) {
         names.try_emplace(definition.term.get(), definition.name);
         names.try_emplace(definition.body.get(), definition.name);
     }
-    return names;
-}
-
-} // namespace
-
-LeafNames::LeafNames(Script::Script const& script, StateSpace::Machine const& machine) {
-    NamesOfTerms const names = names_of_terms(script);
     for (auto const& leaf : machine.leaves) {
-        auto const found = names.find(leaf->term().get());
-        m_names.push_back(found != names.end() ? found->second
-                                               : short_text(*leaf->term(), script.session()));
+        names.try_emplace(leaf->term().get());
+    }
+    script.name_calls(names);
+    for (auto const& leaf : machine.leaves) {
+        std::string const& name = names.at(leaf->term().get());
+        m_names.push_back(!name.empty() ? name : short_text(*leaf->term(), script.session()));
     }
 }
 

@@ -32,6 +32,15 @@ void Interpreter::step_call(Task& task) {
     }
 }
 
+void Interpreter::visit_remembered(
+    std::function<void(Evaluator::Remembered const&)> const& visit) const {
+    for (unsigned call = 0; call < m_results.size(); ++call) {
+        if (m_results[call]) {
+            visit({m_calls.definition(call), m_calls.arguments(call), m_results[call]});
+        }
+    }
+}
+
 /// The body, unless it is known what it computes.
 void Interpreter::begin_remembered(unsigned definition, unsigned first, Place place) {
     CallTable::Entry const entry = m_calls.insert(definition, values_from(first));

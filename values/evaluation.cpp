@@ -18,4 +18,8 @@ Value Evaluator::evaluate(unsigned expression, unsigned slot_count) {
     return m_interpreter->evaluate(expression, slot_count);
 }
 
+void Evaluator::visit_remembered(std::function<void(Remembered const&)> const& visit) const {
+    m_interpreter->visit_remembered(visit);
+}
+
 } // namespace Calder::Values

@@ -3,6 +3,7 @@
 #include "values/expression.h"
 
 #include <exception>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -77,6 +78,15 @@ class Evaluator {
     /// Of an expression without variables, but for those of its own comprehensions, which need so
     /// many slots.
     Value evaluate(unsigned expression, unsigned slot_count = 0);
+
+    /// What a call of mode `remember` gave.
+    struct Remembered {
+        unsigned definition;
+        std::span<Value const> arguments;
+        Value result;
+    };
+    /// In the order in which they were first made. Nothing may be evaluated meanwhile.
+    void visit_remembered(std::function<void(Remembered const&)> const& visit) const;
 
   private:
     std::unique_ptr<Interpreter> m_interpreter;

@@ -22,6 +22,7 @@ class Interpreter {
 
     Value call(unsigned definition, std::span<Value const> arguments, Place place);
     Value evaluate(unsigned expression, unsigned slot_count);
+    void visit_remembered(std::function<void(Evaluator::Remembered const&)> const& visit) const;
 
   private:
     /// An expression under way. References end with the next one that is begun.
