@@ -51,6 +51,14 @@ std::vector<PlainStep> plain(std::vector<EvidenceStep> const& steps) {
     return result;
 }
 
+Trace events(std::vector<EvidenceStep> const& steps) {
+    Trace result;
+    for (EvidenceStep const& step : steps) {
+        result.push_back(step.event);
+    }
+    return result;
+}
+
 std::vector<SlotState> states_of(RunState const& state) {
     return state.slots;
 }
@@ -165,6 +173,20 @@ TEST(Evidence, WhatEndsTheQuestionSoonestIsShown) {
         EXPECT_EQ(answer.evidence.reason, row.reason) << row.what;
         EXPECT_EQ(answer.evidence.steps.size(), row.steps) << row.what;
     }
+}
+
+/// Choices made beforehand lead to the state that does a; that which does b instead is far. But a is
+/// done where it need not be, at once.
+TEST(Evidence, RunsThatDifferSoonerAreFound) {
+    Rows const rows{{{c, 1}}, {{a, 1}, {tau, 2}, {tau, 3}}, {{a, 2}}, {{tau, 4}}, {{tau, 5}},
+                    {{b, 5}}};
+    Answer const answer = deterministic(term_of(rows, "P"), source);
+    ASSERT_EQ(answer.evidence.reason, Reason::nondeterminism);
+    EXPECT_EQ(events(answer.evidence.steps), (Trace{c, a}));
+    EXPECT_EQ(events(answer.evidence.other), (Trace{c, tau, tau, tau}));
+    EXPECT_EQ(answer.evidence.event, a);
+    EXPECT_EQ(answer.evidence.offered, (std::vector<unsigned>{b}));
+    EXPECT_FALSE(answer.evidence.other_performs);
 }
 
 TEST(Evidence, IsTheFirstOfItsLevel) {
