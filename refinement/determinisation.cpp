@@ -14,7 +14,7 @@ using StateSpace::no_state;
 
 NodeNumber Determinisation::after(NodeNumber node, unsigned event) {
     if (diverges(node)) {
-        return nothing_matters;
+        return event == tick ? nothing_matters : node;
     }
     auto const row = m_states.row(m_nodes[node].state);
     auto const steps = NumberedStates::with_event(row, event);

@@ -20,7 +20,8 @@ class Determinisation {
     Determinisation(Side& side, SearchMonitor& monitor) : m_states(side, monitor) {}
 
     NodeNumber start() { return settled(NumberedStates::start); }
-    /// `nothing_matters` behind a tick, and below a node that diverges.
+    /// `nothing_matters` behind a tick. Below a node that diverges it is that node: of the loops that
+    /// decide the question then, a nearer one may stand behind other events.
     NodeNumber after(NodeNumber node, unsigned event);
 
     /// Going on silently it comes round; everything is allowed then, as the process diverges.

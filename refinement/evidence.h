@@ -58,9 +58,9 @@ struct EvidenceStep {
 };
 
 /// A shortest run of the concrete side, by number of steps, to where a question is decided, and what
-/// matters there. The same every time. Nondeterminism is looked for beside one run for each trace (see
-/// `Determinisation`): it is a shortest one to where one differs from those, and there may be shorter
-/// ones that show it beside others.
+/// matters there. The same every time. Longer than others only where showing these would take more than
+/// deciding the question did: of a loop that closes far beyond (see `PairSearch`), and of nondeterminism
+/// where sets of states are many (see `UniformityObserver`).
 struct Evidence {
     Reason reason = Reason::none;
     std::vector<EvidenceStep> steps{};

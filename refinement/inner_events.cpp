@@ -60,10 +60,12 @@ class Derivation {
             }
             wanted[place] = participant.event;
         }
+        std::size_t const noted = m_inner.size();
         for (std::size_t place = 0; place < children.size(); ++place) {
             std::uint32_t const slots = m_configurations.slot_count(children[place]);
             if (wanted[place] == no_event ? has_participant(first_slot, slots)
                                           : !performs(children[place], first_slot, wanted[place])) {
+                m_inner.resize(noted); // what led nowhere was not it
                 return false;
             }
             first_slot += slots;

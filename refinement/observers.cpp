@@ -27,11 +27,57 @@ bool DeterminismObserver::allows_offer(NodeNumber node, std::span<unsigned const
     return std::includes(accepted->begin(), accepted->end(), demanded.begin(), demanded.end());
 }
 
+NodeNumber UniformityObserver::after(NodeNumber node, unsigned event) {
+    auto const& least = m_normal_form.acceptance_sets().sets(m_normal_form.acceptances(node));
+    bool const is_refused = std::any_of(least.begin(), least.end(), [event](Events const& set) {
+        return !std::binary_search(set.begin(), set.end(), event);
+    });
+    return is_refused ? forbidden : counted(m_normal_form.after(node, event));
+}
+
+bool UniformityObserver::allows_offer(NodeNumber node, std::span<unsigned const> events) {
+    auto const accepted = acceptance_of(events);
+    return !accepted || std::includes(accepted->begin(), accepted->end(), m_events[node].begin(),
+                                      m_events[node].end());
+}
+
+unsigned UniformityObserver::first_refused(NodeNumber node, std::span<unsigned const> accepted) {
+    return *std::find_if(m_events[node].begin(), m_events[node].end(), [accepted](unsigned event) {
+        return !std::binary_search(accepted.begin(), accepted.end(), event);
+    });
+}
+
+/// Each step to a node looks at its members anew.
+NodeNumber UniformityObserver::counted(NodeNumber node) {
+    if (!is_node(node)) {
+        return node;
+    }
+    std::uint64_t const members = m_normal_form.members(node).size();
+    if (members > m_members_left) {
+        throw StateSpace::SearchEnded();
+    }
+    m_members_left -= members;
+    if (node == m_events.size()) {
+        m_events.push_back(m_normal_form.events(node));
+    }
+    return node;
+}
+
 NodeNumber TraceObserver::after(NodeNumber node, unsigned event) {
     if (m_trace[node] != event) {
         return nothing_matters;
     }
     return node + 1 == m_trace.size() ? forbidden : node + 1;
+}
+
+NodeNumber RefusalObserver::after(NodeNumber node, unsigned event) {
+    return node < m_trace.size() && m_trace[node] == event ? node + 1 : nothing_matters;
+}
+
+bool RefusalObserver::allows_offer(NodeNumber node, std::span<unsigned const> events) {
+    auto const accepted = acceptance_of(events);
+    return node < m_trace.size() || !accepted ||
+           std::binary_search(accepted->begin(), accepted->end(), m_event);
 }
 
 } // namespace Calder::Refinement

@@ -54,6 +54,32 @@ class DeterminismObserver final : public Observer {
     Determinisation m_determinisation;
 };
 
+/// Determinism by its definition, beside all runs with the same trace at once: forbids an event that one
+/// of them refuses, and a state that refuses what one of them performs. It sees the soonest of both, where
+/// the determinisation sees what differs from its own run; but of a process that is not deterministic
+/// the sets of states can be many and large.
+class UniformityObserver final : public Observer {
+  public:
+    /// Throws SearchEnded when it has looked at so many members of nodes.
+    UniformityObserver(Side& process, SearchMonitor& monitor, std::uint64_t most_members)
+        : m_normal_form(process, monitor), m_members_left(most_members) {}
+
+    NodeNumber start() override { return counted(m_normal_form.start()); }
+    NodeNumber after(NodeNumber node, unsigned event) override;
+    Offers looks_at() const noexcept override { return Offers::all; }
+    bool allows_offer(NodeNumber node, std::span<unsigned const> events) override;
+
+    /// The first event that can come and is not among these.
+    [[nodiscard]] unsigned first_refused(NodeNumber node, std::span<unsigned const> accepted);
+
+  private:
+    NodeNumber counted(NodeNumber node);
+
+    NormalForm m_normal_form;
+    std::uint64_t m_members_left;
+    std::vector<Events> m_events; // by node: what can come
+};
+
 /// One node, whatever happened.
 class ForgetfulObserver : public Observer {
   public:
@@ -95,6 +121,22 @@ class TraceObserver final : public Observer {
 
   private:
     std::span<unsigned const> m_trace;
+};
+
+/// Forbids to refuse an event after a trace: a search for a run that does. The node is as above.
+class RefusalObserver final : public Observer {
+  public:
+    RefusalObserver(std::span<unsigned const> trace, unsigned event)
+        : m_trace(trace), m_event(event) {}
+
+    NodeNumber start() override { return 0; }
+    NodeNumber after(NodeNumber node, unsigned event) override;
+    Offers looks_at() const noexcept override { return Offers::all; }
+    bool allows_offer(NodeNumber node, std::span<unsigned const> events) override;
+
+  private:
+    std::span<unsigned const> m_trace;
+    unsigned m_event;
 };
 
 } // namespace Calder::Refinement

@@ -20,26 +20,29 @@ constexpr std::size_t bucket_distance = 32;
 /// Of one batch: what stays in a core's own cache.
 constexpr std::size_t steps_wanted = 4096;
 
+/// So many pairs more cost less than starting does.
+constexpr StateNumber least_silent_pairs = 1024;
+
 } // namespace
 
 PairSearch::PairSearch(Side& side, Observer& observer, SearchMonitor& monitor)
     : m_side(side), m_observer(observer), m_monitor(monitor),
       m_pairs(side.width(), side.spare_bits()) {}
 
-std::optional<Finding> PairSearch::run() {
+std::optional<Finding> PairSearch::run(StateNumber most_depth) {
     NodeNumber const start = m_observer.start();
     if (!is_node(start)) {
         return std::nullopt;
     }
     add_start(start);
-    while (m_explored < m_pairs.size()) {
+    while (m_explored < m_pairs.size() && m_depth < most_depth) {
         if (auto found = explore_level()) {
             return find_loop_before(std::move(*found));
         }
         if (m_pairs.size() / 2 >= m_searched_for_loops) {
             m_searched_for_loops = m_pairs.size();
             if (auto loop = find_loop()) {
-                return loop;
+                return find_loop_before(std::move(*loop));
             }
         }
     }
@@ -294,14 +297,48 @@ std::optional<Finding> PairSearch::find_loop() {
     return Finding{Finding::Kind::loop, loop.front(), 0, {}, std::move(loop)};
 }
 
-/// A loop goes before what takes more steps to get to. Of explored pairs an event takes more than
-/// any; pairs of lower numbers take no more than those of higher ones.
+/// A loop goes before what takes more steps to get to. Of the pairs before the end of the level an event
+/// takes more than any; pairs of lower numbers take no more than those of higher ones. Where a limit is met what
+/// was found is enough.
 std::optional<Finding> PairSearch::find_loop_before(Finding found) {
-    auto loop = find_loop();
-    if (loop && (found.kind == Finding::Kind::event || loop->pair < found.pair)) {
-        return loop;
+    m_is_decided = true;
+    if (!m_observer.forbids_loops() || (found.kind == Finding::Kind::loop && found.pair == 0)) {
+        return found;
     }
-    return found;
+    StateNumber const end = found.kind == Finding::Kind::event ? m_level_end : found.pair;
+    auto const without_limits = [this](auto const& work) {
+        try {
+            work();
+        } catch (StateSpace::SearchEnded const&) {
+            if (!m_monitor.do_without()) {
+                throw;
+            }
+        }
+    };
+    std::optional<Finding> loop;
+    without_limits([&] { follow_silent_steps(std::max(m_pairs.size() / 2, least_silent_pairs)); });
+    without_limits([&] { loop = find_loop(); });
+    return loop && loop->pair < end ? std::move(loop) : std::optional(std::move(found));
+}
+
+/// From the pairs that are not explored yet, until there are so many more.
+void PairSearch::follow_silent_steps(StateNumber most_more) {
+    std::uint64_t const enough = std::uint64_t{m_pairs.size()} + most_more;
+    while (m_explored < m_pairs.size() && m_pairs.size() < enough) {
+        m_level_end = m_pairs.size();
+        fill_batch();
+        make_room_to_follow();
+        for (std::size_t source = 0; source < m_row_ends.size(); ++source) {
+            for (std::size_t step = row_begin(source); step < m_row_ends[source]; ++step) {
+                if (m_steps.event(step) == tau) {
+                    follow(source, step, m_source_nodes[source]);
+                }
+            }
+        }
+        insert_batch();
+        m_explored += static_cast<StateNumber>(m_row_ends.size());
+        look_around(m_steps.size() + m_row_ends.size());
+    }
 }
 
 void PairSearch::look_around(std::uint64_t work) {

@@ -38,14 +38,18 @@ struct PairSteps {
 ///
 /// A loop is only seen once every silent step around it is explored, and is looked for whenever the
 /// number of pairs has doubled, between two levels, and at the end: this takes as much as one pass over
-/// the silent steps that may be on one. It goes before what takes more steps to get to.
+/// the silent steps that may be on one. It goes before what takes more steps to get to. What it takes to
+/// come round does not count; so where something is found, silent steps alone are followed on until half
+/// as many pairs more, or 1024, are reached, and only a loop that closes beyond them is missed.
 class PairSearch {
   public:
     PairSearch(Side& side, Observer& observer, SearchMonitor& monitor);
 
-    /// What was found; nothing when every pair is explored. Throws what Side does, SearchEnded at the
-    /// limits.
-    [[nodiscard]] std::optional<Finding> run();
+    /// What was found; nothing when every pair is explored that takes fewer steps than `most_depth`.
+    /// Throws what Side does, SearchEnded at the limits.
+    [[nodiscard]] std::optional<Finding> run(StateNumber most_depth = StateSpace::no_state);
+    /// Something is found, though an interruption may have ended the search for a loop that is nearer.
+    [[nodiscard]] bool is_decided() const noexcept { return m_is_decided; }
 
     [[nodiscard]] VisitedPairs const& pairs() const noexcept { return m_pairs; }
     /// Explored ones: steps that the search did not follow, such as ticks, as often as they were
@@ -87,6 +91,7 @@ class PairSearch {
     bool is_first(Followed const& followed, StateNumber target);
     std::optional<Finding> find_loop();
     std::optional<Finding> find_loop_before(Finding found);
+    void follow_silent_steps(StateNumber most_more);
     void look_around(std::uint64_t work);
 
     [[nodiscard]] std::size_t row_begin(std::size_t source) const noexcept {
@@ -107,6 +112,7 @@ class PairSearch {
     /// Pairs that a silent step leads to from themselves or a later one: the first of each loop is one.
     std::vector<StateNumber> m_loop_heads;
     StateNumber m_searched_for_loops = 1024; // how many pairs there were then
+    bool m_is_decided = false;
 
     static constexpr StateNumber no_pair = StateSpace::no_state;
     static constexpr std::size_t pair_distance = 16;

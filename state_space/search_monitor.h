@@ -79,6 +79,13 @@ class SearchMonitor {
         return false;
     }
 
+    /// For a caller who can do without what a limit ended: forgets that one was met. False when the wish
+    /// of whoever watches ended it, which stays.
+    [[nodiscard]] bool do_without() noexcept {
+        m_outcome = m_outcome == Outcome::interrupted ? m_outcome : Outcome::complete;
+        return m_outcome == Outcome::complete;
+    }
+
     /// Counts work; whether it is time to look around.
     [[nodiscard]] bool is_due(std::uint64_t work = 1) noexcept {
         m_until_look -= std::min(work, m_until_look);

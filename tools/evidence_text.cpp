@@ -38,7 +38,7 @@ class EvidenceText {
         if (m_answered.answer.verdict == Verdict::undecided) {
             tell("reason", std::string(describe(outcome)));
         } else if (outcome != StateSpace::Outcome::complete) {
-            tell("evidence", fmt::format("none: {} while it was put together", describe(outcome)));
+            tell("evidence", fmt::format("none: {} before it was put together", describe(outcome)));
         } else {
             tell_evidence();
         }

@@ -51,6 +51,14 @@ std::vector<PlainStep> plain(std::vector<EvidenceStep> const& steps) {
     return result;
 }
 
+Trace events(std::vector<EvidenceStep> const& steps) {
+    Trace result;
+    for (EvidenceStep const& step : steps) {
+        result.push_back(step.event);
+    }
+    return result;
+}
+
 std::vector<SlotState> states_of(RunState const& state) {
     return state.slots;
 }
@@ -97,6 +105,21 @@ TEST(Evidence, TellsWhatAllParticipantsDid) {
               (std::vector<PlainStep>{{tau, {{0, a}, {1, b}}, {a, b}}}));
 }
 
+/// The left could have hidden its a, as c; but the right took part, too.
+TEST(Evidence, TellsNothingOfRulesThatLedNowhere) {
+    ProcessPointer const twice =
+        construct("a or hidden c", {leaf("left", {{{a, 1}}, {}})},
+                  always({format_of({0}, {{a, 0, {{0, a}}}, {c, 0, {{0, a}}}})}));
+    ProcessPointer const left = construct(
+        "hidden", {twice}, always({format_of({0}, {{a, 0, {{0, a}}}, {tau, 0, {{0, c}}}})}));
+    ProcessPointer const process = construct(
+        "linked", {left, leaf("right", {{{b, 1}, {c, 0}}, {}})},
+        always({format_of({0, 1},
+                          {{tau, 0, {{0, tau}}}, {tau, 0, {{0, a}, {1, b}}}, {c, 0, {{1, c}}}})}));
+    EXPECT_EQ(plain(deadlock_free(process, source).evidence.steps),
+              (std::vector<PlainStep>{{tau, {{0, a}, {1, b}}, {a, b}}}));
+}
+
 TEST(Evidence, TermsHaveNoParticipantsAndStandForTheirStates) {
     QuestionOptions options;
     options.by_machine = false;
@@ -135,6 +158,10 @@ TEST(Evidence, WhatEndsTheQuestionSoonestIsShown) {
          {{{a, 1}, {c, 2}}, {{b, 0}, {a, 1}}, {{tau, 2}}},
          Reason::divergence,
          1},
+        {"a loop at the start that closes behind an event",
+         {{{tau, 1}, {c, 4}}, {{tau, 2}}, {{tau, 3}}, {{tau, 0}}, {{a, 4}, {b, 4}}},
+         Reason::divergence,
+         0},
         {"a refusal before a loop behind it",
          {{{a, 1}, {c, 0}}, {{b, 1}, {a, 2}}, {{tau, 2}}},
          Reason::event,
@@ -146,6 +173,20 @@ TEST(Evidence, WhatEndsTheQuestionSoonestIsShown) {
         EXPECT_EQ(answer.evidence.reason, row.reason) << row.what;
         EXPECT_EQ(answer.evidence.steps.size(), row.steps) << row.what;
     }
+}
+
+/// Choices made beforehand lead to the state that does a; that which does b instead is far. But a is
+/// done where it need not be, at once.
+TEST(Evidence, RunsThatDifferSoonerAreFound) {
+    Rows const rows{{{c, 1}}, {{a, 1}, {tau, 2}, {tau, 3}}, {{a, 2}}, {{tau, 4}}, {{tau, 5}},
+                    {{b, 5}}};
+    Answer const answer = deterministic(term_of(rows, "P"), source);
+    ASSERT_EQ(answer.evidence.reason, Reason::nondeterminism);
+    EXPECT_EQ(events(answer.evidence.steps), (Trace{c, a}));
+    EXPECT_EQ(events(answer.evidence.other), (Trace{c, tau, tau, tau}));
+    EXPECT_EQ(answer.evidence.event, a);
+    EXPECT_EQ(answer.evidence.offered, (std::vector<unsigned>{b}));
+    EXPECT_FALSE(answer.evidence.other_performs);
 }
 
 TEST(Evidence, IsTheFirstOfItsLevel) {

@@ -76,6 +76,63 @@ TEST(Limits, OnMemoryAndTheWishOfWhoWatches) {
     }
 }
 
+/// What the search for something nearer meets takes nothing from what was found.
+TEST(Limits, WhatIsFoundIsShownThoughALimitIsNear) {
+    Rows rows = chain(3'000);
+    rows[2].emplace_back(b, 0);
+    rows[2].emplace_back(a, 2);
+    for (unsigned state = 3; state + 1 < rows.size(); ++state) {
+        rows[state] = {{tau, state + 1}};
+    }
+    for (bool const by_machine : {true, false}) {
+        ProcessPointer const process =
+            by_machine ? machine_over(rows, "chain") : term_of(rows, "chain");
+        for (StateNumber const most : {4U, 5U, 40U, 2'000U}) {
+            QuestionOptions options;
+            options.by_machine = by_machine;
+            options.max_states = most;
+            Answer const event = refinement(term_of({{{a, 0}, {tau, 1}}, {}}, "A"), process,
+                                            Model::failures_divergences, source, options);
+            EXPECT_EQ(event.outcome, Outcome::complete) << most;
+            EXPECT_EQ(event.evidence.reason, Reason::event) << most;
+            EXPECT_EQ(event.evidence.steps.size(), 3U) << most;
+            Rows choice = rows;
+            choice[0] = {{tau, 1}, {tau, 2}};
+            choice[1] = {{a, 1}};
+            choice[2] = {{tau, 3}, {b, 0}};
+            Answer const runs = deterministic(by_machine ? machine_over(choice, "choice")
+                                                         : term_of(choice, "choice"),
+                                              source, options);
+            EXPECT_EQ(runs.outcome, Outcome::complete) << most;
+            EXPECT_EQ(runs.evidence.steps.size(), 2U) << most;
+            EXPECT_EQ(runs.evidence.other.size(), 1U) << most;
+        }
+    }
+}
+
+TEST(Limits, WhatIsFoundIsToldThoughItsEvidenceIsNot) {
+    std::vector<ProcessPointer> leaves;
+    for (unsigned i = 0; i < 18; ++i) {
+        leaves.push_back(leaf("once" + std::to_string(i), {{{tau, 1}}, {{a + i, 1}}}));
+    }
+    ProcessPointer const process = construct("side by side", leaves);
+    bool is_told = false;
+    for (unsigned most_looks = 1; !is_told && most_looks < 4'000; ++most_looks) {
+        unsigned looks = 0;
+        QuestionOptions options;
+        options.progress = [&](StateSpace::Progress const&) { return ++looks < most_looks; };
+        Answer const answer = refinement(term_of({{{a, 0}}}, "A"), process,
+                                         Model::failures_divergences, source, options);
+        is_told = answer.verdict == Verdict::fails;
+        if (is_told) {
+            EXPECT_EQ(answer.outcome, Outcome::interrupted);
+            EXPECT_TRUE(answer.evidence.steps.empty());
+            EXPECT_EQ(answer.evidence.reason, Reason::none);
+        }
+    }
+    EXPECT_TRUE(is_told);
+}
+
 /// Loops are told before everything is explored.
 TEST(Limits, ALoopNearTheStartIsFoundWithinALimit) {
     std::vector<ProcessPointer> leaves{leaf("loop", {{{tau, 1}}, {{tau, 0}}})};

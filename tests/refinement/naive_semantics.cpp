@@ -233,6 +233,26 @@ FewestSteps fewest_steps(Rows const& concrete, Denotation const& abstract, Model
     return fewest;
 }
 
+Denotation deterministic_part(Denotation const& process) {
+    Denotation part;
+    for (auto const& [trace, refusals] : process.failures) {
+        Trace const before(trace.begin(), trace.empty() ? trace.end() : trace.end() - 1);
+        if (!trace.empty() && process.failures.at(before)[bit_of(trace.back())]) {
+            continue;
+        }
+        unsigned possible = 0;
+        for (unsigned const event : {a, b, tick}) {
+            Trace longer = trace;
+            longer.push_back(event);
+            possible |= process.failures.count(longer) != 0 ? set_of({event}) : 0;
+        }
+        for (unsigned set = 0; set < 8; ++set) {
+            part.failures[trace][set] = (set & possible) == 0;
+        }
+    }
+    return part;
+}
+
 std::set<unsigned> states_after(Rows const& rows, std::vector<unsigned> const& events) {
     std::set<unsigned> states{0};
     for (unsigned const wanted : events) {

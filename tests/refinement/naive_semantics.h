@@ -46,9 +46,18 @@ bool performs(Denotation const& process, unsigned event);
 struct FewestSteps {
     std::optional<std::size_t> any_other;
     std::optional<std::size_t> divergence;
+
+    std::optional<std::size_t> any() const {
+        return any_other && divergence ? std::min(any_other, divergence)
+                                       : (any_other ? any_other : divergence);
+    }
 };
 FewestSteps fewest_steps(Rows const& concrete, Denotation const& abstract, Model model,
                          std::size_t longest);
+
+/// What of a process is deterministic: no event that can be refused in its place, and nothing refused that
+/// can come. A process is where it does more than may be that it is not deterministic.
+Denotation deterministic_part(Denotation const& process);
 
 /// The states in which the concrete side can be after exactly these events, tau among them.
 std::set<unsigned> states_after(Rows const& rows, std::vector<unsigned> const& events);
