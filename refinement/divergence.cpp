@@ -33,8 +33,10 @@ void Divergence::decide(std::vector<StateNumber> const& unknown) {
                 successors[vertex].push_back(static_cast<std::uint32_t>(place - unknown.begin()));
             }
         }
+        m_monitor.go_on(successors[vertex].size() + 1);
     }
     auto const successors_of = [&](std::uint32_t vertex) -> std::vector<std::uint32_t> const& {
+        m_monitor.go_on(1);
         return successors[vertex];
     };
     for_each_cycle(static_cast<std::uint32_t>(unknown.size()), successors_of,

@@ -17,7 +17,8 @@ namespace {
 class SilentGraph {
   public:
     SilentGraph(PairSearch& search, SearchMonitor& monitor) : m_search(search), m_monitor(monitor) {
-        monitor.go_on(1, std::uint64_t{search.explored_count()} * sizeof(std::uint32_t));
+        monitor.go_on(search.explored_count(),
+                      std::uint64_t{search.explored_count()} * sizeof(std::uint32_t));
         m_vertices.resize(search.explored_count(), no_state);
     }
 
@@ -73,11 +74,20 @@ class SilentGraph {
     std::vector<std::uint64_t> m_row_ends; // by vertex
 };
 
+/// What the search for cycles may take for a vertex: its numbers, its place on the path and among
+/// what is open.
+constexpr std::uint64_t cycle_search_bytes = 6 * sizeof(std::uint32_t);
+
 /// The lowest pair on a loop; no_state where there is none.
-StateNumber lowest_on_loop(SilentGraph const& graph) {
+StateNumber lowest_on_loop(SilentGraph const& graph, SearchMonitor& monitor) {
     StateNumber lowest = no_state;
+    monitor.go_on(graph.size(), graph.size() * cycle_search_bytes);
     for_each_cycle(
-        graph.size(), [&graph](std::uint32_t vertex) { return graph.successors(vertex); },
+        graph.size(),
+        [&](std::uint32_t vertex) {
+            monitor.go_on(1);
+            return graph.successors(vertex);
+        },
         [&](std::span<std::uint32_t const> cycle) {
             auto const successors = graph.successors(cycle.front());
             bool const leads_round =
@@ -91,11 +101,15 @@ StateNumber lowest_on_loop(SilentGraph const& graph) {
 }
 
 /// Breadth-first from the start back to it.
-std::vector<StateNumber> shortest_loop(SilentGraph const& graph, std::uint32_t start) {
+std::vector<StateNumber> shortest_loop(SilentGraph const& graph, std::uint32_t start,
+                                       SearchMonitor& monitor) {
+    monitor.go_on(graph.size(), graph.size() * std::uint64_t{sizeof(std::uint32_t)});
     std::vector<std::uint32_t> parents(graph.size(), no_state);
     std::vector<std::uint32_t> reached{start};
     for (std::size_t next = 0; next < reached.size(); ++next) {
-        for (std::uint32_t const target : graph.successors(reached[next])) {
+        auto const successors = graph.successors(reached[next]);
+        monitor.go_on(successors.size() + 1, StateSpace::growth_bytes(reached, successors.size()));
+        for (std::uint32_t const target : successors) {
             if (target == start) {
                 std::vector<StateNumber> loop;
                 for (std::uint32_t v = reached[next]; v != start; v = parents[v]) {
@@ -120,9 +134,9 @@ std::vector<StateNumber> first_loop(PairSearch& search, std::vector<StateNumber>
                                     SearchMonitor& monitor) {
     SilentGraph graph(search, monitor);
     graph.reach_from(heads);
-    StateNumber const lowest = lowest_on_loop(graph);
+    StateNumber const lowest = lowest_on_loop(graph, monitor);
     return lowest == no_state ? std::vector<StateNumber>()
-                              : shortest_loop(graph, graph.vertex_of(lowest));
+                              : shortest_loop(graph, graph.vertex_of(lowest), monitor);
 }
 
 } // namespace Calder::Refinement

@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <ctime>
+#include <utility>
+
 namespace Calder::Refinement::Testing {
 namespace {
 
@@ -134,6 +138,33 @@ TEST(Limits, WhatIsFoundIsToldThoughItsEvidenceIsNot) {
 }
 
 /// Loops are told before everything is explored.
+/// One closure holds the whole of the abstract side: the search for loops in it must not keep who
+/// watches waiting. Processor time, as others may keep both waiting.
+TEST(Limits, WhoWatchesIsAskedWhileLoopsAreSearchedFor) {
+    constexpr unsigned length = 100'000;
+    Rows silent(length);
+    for (unsigned state = 0; state < length; ++state) {
+        for (unsigned next = state + 1; next < std::min(state + 30, length); ++next) {
+            silent[state].emplace_back(tau, next);
+        }
+    }
+    ProcessPointer const abstract = term_of(silent, "A");
+    QuestionOptions options;
+    std::clock_t const start = std::clock();
+    std::clock_t last = start;
+    std::clock_t longest = 0;
+    options.progress = [&](StateSpace::Progress const&) {
+        longest = std::max(longest, std::clock() - std::exchange(last, std::clock()));
+        return true;
+    };
+    EXPECT_EQ(
+        refinement(abstract, term_of(chain(1), "C"), Model::failures_divergences, source, options)
+            .verdict,
+        Verdict::holds);
+    longest = std::max(longest, std::clock() - last);
+    EXPECT_LT(longest * 10, std::clock() - start);
+}
+
 TEST(Limits, ALoopNearTheStartIsFoundWithinALimit) {
     std::vector<ProcessPointer> leaves{leaf("loop", {{{tau, 1}}, {{tau, 0}}})};
     for (unsigned i = 0; i < 16; ++i) {
