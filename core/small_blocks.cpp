@@ -45,6 +45,7 @@ struct AtHand {
     Lists lists;
     char* next; // of the piece from which blocks are cut
     char* end;
+    bool is_noted; // that `leave` is to be called
 };
 
 #if defined(__GNUC__)
@@ -66,11 +67,13 @@ void leave(void*) noexcept {
             *end = left;
         }
     }
+    at_hand.is_noted = false;
 }
 
 /// Has `leave` called when the thread ends. A thread-local object with a destructor would do so,
 /// too, but the C library ends the program where it lacks the memory to note it.
 void leave_at_end() noexcept {
+    at_hand.is_noted = true;
     static pthread_key_t key;
     static bool const is_made = pthread_key_create(&key, leave) == 0;
     if (is_made) {
@@ -99,7 +102,9 @@ char* new_piece(Shared& all, std::size_t& bytes) {
     if (SmallBlocks::are_of_their_own()) {
         return ::operator new(size* grain);
     }
-    leave_at_end();
+    if (!at_hand.is_noted) {
+        leave_at_end();
+    }
     Shared& all = shared();
     std::scoped_lock const lock(all.mutex);
     if (Block* const block = all.left[size]) {
@@ -143,6 +148,9 @@ void SmallBlocks::free(void* block, std::size_t bytes) noexcept {
         return;
     }
     AtHand& mine = at_hand;
+    if (!mine.is_noted) [[unlikely]] {
+        leave_at_end();
+    }
     std::size_t const size = (bytes + grain - 1) / grain;
     mine.lists[size] = ::new (block) Block{mine.lists[size]};
 }

@@ -37,9 +37,8 @@ class Determinisation {
     /// Its only run of a trace, up to where it settles; and with a `last` event besides, unless that is
     /// no_event, up to behind that. It must be able to perform them without diverging.
     [[nodiscard]] std::vector<Step> run_of(std::span<unsigned const> trace, unsigned last);
-    [[nodiscard]] Word const* words(StateNumber state) const noexcept {
-        return m_states.words(state);
-    }
+    /// As wide as the process is by now.
+    [[nodiscard]] std::vector<Word> words(StateNumber state) const { return m_states.words(state); }
 
   private:
     struct Node {

@@ -22,6 +22,13 @@ NumberedStates::NumberedStates(Side& side, SearchMonitor& monitor)
     add(side.start().data());
 }
 
+std::vector<Word> NumberedStates::words(StateNumber state) const {
+    Word const* const known = m_states.words(state);
+    std::vector<Word> words(known, known + m_states.width());
+    words.resize(m_side.width());
+    return words;
+}
+
 std::span<Transition const> NumberedStates::row(StateNumber state) {
     if (m_rows[state].length == unknown) {
         explore(state);
@@ -42,7 +49,7 @@ std::span<Transition const> NumberedStates::with_event(std::span<Transition cons
 }
 
 void NumberedStates::explore(StateNumber state) {
-    m_words.assign(words(state), words(state) + m_states.width());
+    m_words.assign(m_states.words(state), m_states.words(state) + m_states.width());
     m_side.prepare(m_words.data());
     if (m_side.width() != m_states.width()) {
         m_states.widen(m_side.width());

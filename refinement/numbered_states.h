@@ -19,9 +19,8 @@ class NumberedStates {
     static constexpr StateNumber start = 0;
 
     [[nodiscard]] StateNumber size() const noexcept { return m_states.size(); }
-    [[nodiscard]] Word const* words(StateNumber state) const noexcept {
-        return m_states.words(state);
-    }
+    /// As wide as the side is by now.
+    [[nodiscard]] std::vector<Word> words(StateNumber state) const;
 
     /// Each once, ascending by event and then by target. Good until the next row is asked for. Throws
     /// as Side::prepare does, and SearchEnded at the limit on states.

@@ -191,12 +191,12 @@ void show_other_run(Evidence& evidence, std::vector<unsigned> const& trace, unsi
                     Side const& side, Determinisation& determinisation) {
     StateNumber end = NumberedStates::start;
     for (auto const& step : determinisation.run_of(trace, last)) {
-        evidence.other.push_back(described_step(side, step.source,
-                                                determinisation.words(step.source), step.event,
-                                                step.target, determinisation.words(step.target)));
+        evidence.other.push_back(
+            described_step(side, step.source, determinisation.words(step.source).data(), step.event,
+                           step.target, determinisation.words(step.target).data()));
         end = step.target;
     }
-    evidence.other_end = described_state(side, end, determinisation.words(end));
+    evidence.other_end = described_state(side, end, determinisation.words(end).data());
     evidence.other_performs = last != no_event;
 }
 
