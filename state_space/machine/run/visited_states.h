@@ -1,7 +1,7 @@
 #pragma once
 
-#include "state_space/labelled_transition_system.h"
 #include "core/large_array.h"
+#include "state_space/labelled_transition_system.h"
 #include "state_space/machine/run/layout.h"
 #include "state_space/mix.h"
 
