@@ -39,11 +39,9 @@ class CALDER_CORE_EXPORT AtomicReferenceCounted {
         // Alone with the object there is nobody to race with, either, and a load is cheaper than a
         // read-modify-write.
         std::uintptr_t const count = m_count.load(std::memory_order_acquire);
-        if (count == 1) {
-            dispose();
-        } else if (is_alone()) {
+        if (count != 1 && is_alone()) {
             m_count.store(count - 1, std::memory_order_relaxed);
-        } else if (m_count.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        } else if (count == 1 || m_count.fetch_sub(1, std::memory_order_acq_rel) == 1) {
             dispose();
         }
     }
