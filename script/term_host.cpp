@@ -366,8 +366,10 @@ Value TermHost::add(ProcessPointer term, unsigned depth) {
 
 /// Every term is part of one other, or kept.
 ProcessPointer TermHost::take_term(Value value) {
-    return storage_of(value) == Storage::built ? std::move(m_built[number_of(value)].term)
-                                               : term(value);
+    if (storage_of(value) == Storage::built) {
+        return std::move(m_built[number_of(value)].term);
+    }
+    return term(value);
 }
 
 unsigned TermHost::depth_of_processes() const {
