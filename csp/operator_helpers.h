@@ -40,7 +40,7 @@ CALDER_CSP_EXPORT bool cart_product_synchronised_events(BitSet const& synchronis
                                                         OperatorPointer const& op);
 
 /// The scratch of cart_product for one visit, all of which goes when the visit ends.
-struct CartProductScratch {
+struct CALDER_CSP_EXPORT CartProductScratch {
     explicit CartProductScratch(std::size_t arguments)
         : joint_arguments(arguments), start(arguments), end(arguments), current(arguments) {}
 
@@ -57,7 +57,7 @@ struct CartProductScratch {
 
 /// One visit of an operator that synchronises, while it asks its arguments one after the other: a
 /// transition either is kept to be combined later or moves its argument alone, at once.
-struct SynchronisedVisit {
+struct CALDER_CSP_EXPORT SynchronisedVisit {
     SynchronisedVisit(OperatorPointer applied, ProcessArray const& its_arguments,
                       TransitionVisitor const& outer_visitor)
         : op(std::move(applied)), arguments(its_arguments), visitor(outer_visitor),

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "state_space/machine/flatten/flat_rules.h"
+#include "process_compiler/process.h"
+#include "state_space/labelled_transition_system.h"
+#include "state_space/machine/participant.h"
 
 #include <vector>
 

@@ -3,6 +3,7 @@
 #include "process_compiler/event_numbers.h"
 #include "refinement/offers.h"
 #include "state_space/memory.h"
+#include "state_space/mix.h"
 
 #include <algorithm>
 

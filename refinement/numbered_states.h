@@ -1,6 +1,7 @@
 #pragma once
 
 #include "refinement/side.h"
+#include "state_space/machine/run/visited_states.h"
 
 #include <span>
 

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "refinement/evidence.h"
-#include "refinement/side.h"
+#include "refinement/export.h"
+#include "refinement/running_machine.h"
 
 namespace Calder::Refinement {
 
@@ -45,36 +46,35 @@ struct Answer {
 /// Whether every trace of the concrete term is one of the abstract one; in `failures`, every stable
 /// failure, too; in `failures_divergences`, every failure and divergence, where below a divergence of
 /// the abstract term everything is allowed.
-[[nodiscard]] Answer refinement(ProcessCompiler::ProcessPointer const& abstract,
-                                ProcessCompiler::ProcessPointer const& concrete, Model model,
-                                ProcessCompiler::NamedProcessSource const& source,
-                                QuestionOptions const& options = {});
+[[nodiscard]] CALDER_REFINEMENT_EXPORT Answer
+refinement(ProcessCompiler::ProcessPointer const& abstract,
+           ProcessCompiler::ProcessPointer const& concrete, Model model,
+           ProcessCompiler::NamedProcessSource const& source, QuestionOptions const& options = {});
 
 /// No reachable state is without transitions, but for the end after a tick.
-[[nodiscard]] Answer deadlock_free(ProcessCompiler::ProcessPointer const& term,
-                                   ProcessCompiler::NamedProcessSource const& source,
-                                   QuestionOptions const& options = {});
+[[nodiscard]] CALDER_REFINEMENT_EXPORT Answer deadlock_free(
+    ProcessCompiler::ProcessPointer const& term, ProcessCompiler::NamedProcessSource const& source,
+    QuestionOptions const& options = {});
 
 /// No infinite sequence of silent steps is reachable.
-[[nodiscard]] Answer divergence_free(ProcessCompiler::ProcessPointer const& term,
-                                     ProcessCompiler::NamedProcessSource const& source,
-                                     QuestionOptions const& options = {});
+[[nodiscard]] CALDER_REFINEMENT_EXPORT Answer divergence_free(
+    ProcessCompiler::ProcessPointer const& term, ProcessCompiler::NamedProcessSource const& source,
+    QuestionOptions const& options = {});
 
 /// It does not diverge, and never can both do and refuse an event after the same trace.
-[[nodiscard]] Answer deterministic(ProcessCompiler::ProcessPointer const& term,
-                                   ProcessCompiler::NamedProcessSource const& source,
-                                   QuestionOptions const& options = {});
+[[nodiscard]] CALDER_REFINEMENT_EXPORT Answer deterministic(
+    ProcessCompiler::ProcessPointer const& term, ProcessCompiler::NamedProcessSource const& source,
+    QuestionOptions const& options = {});
 
 /// `trace` is a trace of the term: visible events, at the end perhaps tick. The evidence is a run that
 /// has it, with the reason `none`; otherwise one that has as much of it as any, and the reason `event`.
-[[nodiscard]] Answer has_trace(ProcessCompiler::ProcessPointer const& term,
-                               std::vector<unsigned> const& trace,
-                               ProcessCompiler::NamedProcessSource const& source,
-                               QuestionOptions const& options = {});
+[[nodiscard]] CALDER_REFINEMENT_EXPORT Answer
+has_trace(ProcessCompiler::ProcessPointer const& term, std::vector<unsigned> const& trace,
+          ProcessCompiler::NamedProcessSource const& source, QuestionOptions const& options = {});
 
 /// No reachable state performs one of the events, tick perhaps among them; tau is not looked at.
-[[nodiscard]] Answer never(ProcessCompiler::ProcessPointer const& term, BitSet const& events,
-                           ProcessCompiler::NamedProcessSource const& source,
-                           QuestionOptions const& options = {});
+[[nodiscard]] CALDER_REFINEMENT_EXPORT Answer
+never(ProcessCompiler::ProcessPointer const& term, BitSet const& events,
+      ProcessCompiler::NamedProcessSource const& source, QuestionOptions const& options = {});
 
 } // namespace Calder::Refinement

@@ -2,6 +2,7 @@
 
 #include "refinement/machine_side.h"
 #include "refinement/term_side.h"
+#include "state_space/machine/machine_exploration.h"
 #include "state_space/machine/machine_refusal.h"
 
 namespace Calder::Refinement {
@@ -27,7 +28,7 @@ std::unique_ptr<Side> machine_side(ProcessPointer const& term, NamedProcessSourc
         return nullptr;
     }
     try {
-        auto tables = std::make_unique<StateSpace::ConfigurationTables>(*made.machine);
+        auto tables = std::make_shared<StateSpace::ConfigurationTables>(*made.machine);
         return std::make_unique<MachineSide>(
             RunningMachine{std::move(made.machine), std::move(tables)}, monitor);
     } catch (StateSpace::MachineRefusal const& refusal) {

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "state_space/machine/machine_exploration.h"
+#include "refinement/running_machine.h"
+#include "state_space/machine/run/configuration_tables.h"
 #include "state_space/machine/run/steps.h"
 
 #include <memory>
@@ -11,12 +12,6 @@ using StateSpace::SearchMonitor;
 using StateSpace::StateNumber;
 using StateSpace::Steps;
 using StateSpace::Word;
-
-/// A machine and the tables by which it runs.
-struct RunningMachine {
-    std::unique_ptr<StateSpace::Machine const> machine;
-    std::unique_ptr<StateSpace::ConfigurationTables> tables;
-};
 
 /// A side of a question as it runs: a state is some words, and its steps are found anew from these
 /// each time. It stores no states itself, unless words could not hold them.
@@ -54,12 +49,6 @@ class Side {
     [[nodiscard]] virtual ProcessCompiler::ProcessPointer term(Word const* state) const = 0;
     /// Hands the machine over; nothing may be asked of the side afterwards.
     [[nodiscard]] virtual RunningMachine take_machine() noexcept = 0;
-};
-
-/// Why a side has no machine although one was wanted; empty where it has one, or is one leaf.
-struct NoMachine {
-    std::string reason{};
-    std::vector<StateSpace::RefusedRecursion> refused{};
 };
 
 struct MadeSide {

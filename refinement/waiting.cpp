@@ -2,6 +2,7 @@
 
 #include "process_compiler/event_numbers.h"
 #include "refinement/minimal_sets.h"
+#include "state_space/machine/run/configuration_tables.h"
 
 #include <algorithm>
 #include <tuple>

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "refinement/evidence.h"
-#include "refinement/side.h"
+#include "refinement/export.h"
+#include "refinement/running_machine.h"
 
 namespace Calder::Refinement {
 
@@ -31,12 +32,14 @@ struct Waiting {
 ///
 /// The rules of the constructs are gone through once, from below. Of one event of a construct and of
 /// one wish at most `most_ways` sets are kept, the smallest.
-[[nodiscard]] std::vector<Waiting> waiting_in(RunningMachine const& machine, RunState const& state);
+[[nodiscard]] CALDER_REFINEMENT_EXPORT std::vector<Waiting>
+waiting_in(RunningMachine const& machine, RunState const& state);
 
 constexpr std::size_t most_ways = 64;
 
 /// Slots each of which waits for the next one, the last for the first; empty where the waiting does
 /// not go round. A shortest such list, and of these the least.
-[[nodiscard]] std::vector<std::uint32_t> waiting_cycle(std::vector<Waiting> const& waiting);
+[[nodiscard]] CALDER_REFINEMENT_EXPORT std::vector<std::uint32_t>
+waiting_cycle(std::vector<Waiting> const& waiting);
 
 } // namespace Calder::Refinement

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "script/export.h"
 #include "script/sources.h"
 
 #include <cstddef>
@@ -43,19 +44,19 @@ using Diagnostics = std::vector<Diagnostic>;
 /// Tabs are kept in both lines, so that the caret stands in its place however wide they are; what
 /// cannot be shown stands as U+FFFD. Of a long line only the part around the caret is shown. Each
 /// call goes through the text up to the place.
-std::string render(Diagnostic const& diagnostic, Sources const& sources);
+CALDER_SCRIPT_EXPORT std::string render(Diagnostic const& diagnostic, Sources const& sources);
 
 /// So many are told in full: more is more than anybody reads.
 constexpr std::size_t most_told = 20;
 
 /// The renderings of the first most_told, one after the other, and a line that says how many more
 /// there are. Diagnostics in order of place cost one pass over the text in all.
-std::string render_all(Diagnostics const& diagnostics, Sources const& sources);
+CALDER_SCRIPT_EXPORT std::string render_all(Diagnostics const& diagnostics, Sources const& sources);
 
 /// Part of a script as it stands in a message: between single quotes, and cut when it is long.
-std::string in_quotes(std::string_view text);
+CALDER_SCRIPT_EXPORT std::string in_quotes(std::string_view text);
 
 /// By source and place, and each once.
-void sort_and_remove_repetitions(Diagnostics& diagnostics);
+CALDER_SCRIPT_EXPORT void sort_and_remove_repetitions(Diagnostics& diagnostics);
 
 } // namespace Calder::Script

@@ -4,6 +4,7 @@
 #include "process_compiler/session.h"
 #include "script/assertion.h"
 #include "script/diagnostics.h"
+#include "script/export.h"
 #include "script/limits.h"
 #include "script/sources.h"
 
@@ -19,7 +20,7 @@ namespace Calder::Script {
 
 /// What only values show, and only when a process is asked for what it does: the script was read
 /// before. Comes out of NamedProcessSource::process, and so out of exploring.
-class ScriptError : public std::exception {
+class CALDER_SCRIPT_EXPORT ScriptError : public std::exception {
   public:
     ScriptError(Diagnostic diagnostic, Sources const& sources)
         : m_diagnostic(std::move(diagnostic)), m_text(render(m_diagnostic, sources)) {}
@@ -35,7 +36,7 @@ class ScriptError : public std::exception {
 
 /// What a script says: the names of its events, and terms by name. Owns all of it; terms and
 /// references must not outlive it.
-class Script {
+class CALDER_SCRIPT_EXPORT Script {
   public:
     /// A process without parameters.
     struct Definition {
@@ -127,7 +128,7 @@ struct ReadResult {
 /// Reads a script of the notation, in UTF-8. Without values, time and memory are linear in its
 /// length, its events and its sets; the stack that is used is not longer for a longer script.
 /// Throws std::bad_alloc.
-ReadResult read_script(Source script, ReadOptions const& options);
-ReadResult read_script(std::string_view text);
+CALDER_SCRIPT_EXPORT ReadResult read_script(Source script, ReadOptions const& options);
+CALDER_SCRIPT_EXPORT ReadResult read_script(std::string_view text);
 
 } // namespace Calder::Script

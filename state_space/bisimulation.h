@@ -1,5 +1,6 @@
 #pragma once
 
+#include "state_space/export.h"
 #include "state_space/labelled_transition_system.h"
 
 #include <vector>
@@ -16,11 +17,12 @@ namespace Calder::StateSpace {
 /// target whose class has changed are looked at again, and of a class that is split the largest
 /// part keeps its number (Hopcroft, 1971), so a state's class changes at most log n times. Memory
 /// is linear in the system.
-[[nodiscard]] std::vector<StateNumber> bisimulation_classes(LabelledTransitionSystem const& lts);
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT std::vector<StateNumber>
+bisimulation_classes(LabelledTransitionSystem const& lts);
 
 /// Whether the starts of two systems are strongly bisimilar. A system without states has no start,
 /// and is like another one without.
-[[nodiscard]] bool are_bisimilar(LabelledTransitionSystem const& left,
-                                 LabelledTransitionSystem const& right);
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT bool are_bisimilar(LabelledTransitionSystem const& left,
+                                                           LabelledTransitionSystem const& right);
 
 } // namespace Calder::StateSpace

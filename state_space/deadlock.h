@@ -1,5 +1,6 @@
 #pragma once
 
+#include "state_space/export.h"
 #include "state_space/labelled_transition_system.h"
 
 #include <optional>
@@ -22,6 +23,7 @@ struct Deadlock {
 /// other than a tick leads to: what only a tick leads to has terminated. The system must be
 /// numbered breadth-first, as an exploration does it. One pass over the rows, up to the deadlock; 8
 /// bytes a state.
-[[nodiscard]] std::optional<Deadlock> find_deadlock(LabelledTransitionSystem const& lts);
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT std::optional<Deadlock>
+find_deadlock(LabelledTransitionSystem const& lts);
 
 } // namespace Calder::StateSpace

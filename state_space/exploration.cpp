@@ -4,6 +4,7 @@
 #include "state_space/lts_builder.h"
 #include "state_space/stack_guard.h"
 #include "state_space/state_table.h"
+#include "state_space/watched_exploration.h"
 
 #include <new>
 

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "process_compiler/named_process_source.h"
-#include "state_space/search_monitor.h"
+#include "state_space/exploration_options.h"
+#include "state_space/export.h"
 
 namespace Calder::StateSpace {
 
@@ -21,13 +22,8 @@ struct Exploration {
 /// There must be no recursion without a guard in `source`: asking for transitions would not end.
 /// Instances are made as they are reached. Exceptions other than std::bad_alloc, such as those of
 /// their maker, pass through.
-[[nodiscard]] Exploration explore(ProcessCompiler::ProcessPointer const& start,
-                                  ProcessCompiler::NamedProcessSource const& source,
-                                  ExplorationOptions const& options = {});
-
-/// The same as one of several searches that are watched together.
-[[nodiscard]] Exploration explore(ProcessCompiler::ProcessPointer const& start,
-                                  ProcessCompiler::NamedProcessSource const& source,
-                                  SearchMonitor& monitor);
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT Exploration
+explore(ProcessCompiler::ProcessPointer const& start,
+        ProcessCompiler::NamedProcessSource const& source, ExplorationOptions const& options = {});
 
 } // namespace Calder::StateSpace

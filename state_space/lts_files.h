@@ -1,6 +1,7 @@
 #pragma once
 
 #include "process_compiler/session.h"
+#include "state_space/export.h"
 #include "state_space/labelled_transition_system.h"
 #include "state_space/lts_file_error.h"
 
@@ -19,11 +20,11 @@ enum class LtsFormat {
 };
 
 /// The format that the ending of the name chooses. Another ending throws LtsFileError.
-LtsFormat lts_format_of(std::filesystem::path const& path);
+CALDER_STATE_SPACE_EXPORT LtsFormat lts_format_of(std::filesystem::path const& path);
 
 /// For asking before the work, not after it: throws LtsFileError when a file of this name could not
 /// be written now. Leaves everything as it is.
-void check_lts_file(std::filesystem::path const& path);
+CALDER_STATE_SPACE_EXPORT void check_lts_file(std::filesystem::path const& path);
 
 struct LtsFileOptions {
     /// How an .aut file writes tau; some tools read "i". A visible event of that name is an error.
@@ -36,7 +37,9 @@ struct LtsFileOptions {
 /// Writes what is explored of the system, with the names that the session has for its events. The
 /// file is replaced as a whole: after any failure, an existing one is as it was, and nothing else
 /// is left behind. Failures throw LtsFileError; so does an event that the session has no name for.
-void write_lts_file(std::filesystem::path const& path, LabelledTransitionSystem const& lts,
-                    ProcessCompiler::Session const& session, LtsFileOptions const& options = {});
+CALDER_STATE_SPACE_EXPORT void write_lts_file(std::filesystem::path const& path,
+                                              LabelledTransitionSystem const& lts,
+                                              ProcessCompiler::Session const& session,
+                                              LtsFileOptions const& options = {});
 
 } // namespace Calder::StateSpace

@@ -13,17 +13,6 @@ constexpr std::chrono::milliseconds wanted_between_looks(10);
 
 } // namespace
 
-std::string_view describe(Outcome outcome) {
-    switch (outcome) {
-    case Outcome::complete: return "every state was explored";
-    case Outcome::state_limit: return "the limit on states was reached";
-    case Outcome::memory_limit: return "the limit on memory was reached";
-    case Outcome::nesting_limit: return "the process nests too deeply for the stack";
-    case Outcome::interrupted: return "it was interrupted";
-    }
-    return "";
-}
-
 SearchMonitor::SearchMonitor(ExplorationOptions const& options, std::uint64_t longest_interval)
     : m_options(options), m_longest_interval(longest_interval) {
     m_progress.memory = options.max_memory == 0 ? 0 : resident_bytes();

@@ -1,65 +1,22 @@
 #pragma once
 
-#include "state_space/labelled_transition_system.h"
+#include "state_space/exploration_options.h"
+#include "state_space/export.h"
 
 #include <algorithm>
 #include <chrono>
-#include <functional>
-#include <string_view>
 
 namespace Calder::StateSpace {
 
-/// How a search ended.
-enum class Outcome {
-    /// Every state reachable from the start is explored.
-    complete,
-    state_limit,
-    /// The limit on memory was reached, or there was none left to be had.
-    memory_limit,
-    /// A term was nested so deeply that the stack would not have sufficed.
-    nesting_limit,
-    /// The progress function said so.
-    interrupted,
-};
-
-/// A part of a sentence for people, such as "the limit on states was reached".
-[[nodiscard]] std::string_view describe(Outcome outcome);
-
-/// How far a search has got.
-struct Progress {
-    StateNumber states = 0;
-    std::uint64_t transitions = 0;
-    /// States whose transitions are all known.
-    StateNumber explored = 0;
-    /// States that are still to be explored.
-    StateNumber frontier = 0;
-    /// How many steps the state that is being explored is from the start.
-    StateNumber depth = 0;
-    /// The resident set of the process, in bytes.
-    std::uint64_t memory = 0;
-};
-
-struct ExplorationOptions {
-    /// How many states are kept at most. A process with exactly that many is explored completely.
-    StateNumber max_states = no_state;
-    /// For the resident set of the process, in bytes; 0 means no limit. The moments when an array
-    /// is copied to grow are reckoned with.
-    std::uint64_t max_memory = 0;
-    /// Called about every 4096 transitions of terms, or 65536 of a machine, and more often where
-    /// they take long, also before the first of them; while a machine is made, as often. Answers
-    /// whether to go on.
-    std::function<bool(Progress const&)> progress = nullptr;
-};
-
 /// Thrown by work deep inside a search that is to end; the monitor knows why.
-struct SearchEnded {};
+struct CALDER_STATE_SPACE_EXPORT SearchEnded {};
 
 /// What ends a search early: its limits, and the wish of whoever watches its progress. It looks
 /// around after so much work: a transition explored, or an entry of a table written, counts one.
 ///
 /// Looks are made twice as often when two are more than 10 ms apart, since a unit of work may be a
 /// term of a megabyte, and half as often when they are closer.
-class SearchMonitor {
+class CALDER_STATE_SPACE_EXPORT SearchMonitor {
   public:
     /// A look costs some microseconds, so the longest interval should take a millisecond.
     static constexpr std::uint64_t longest_for_terms = 4096;

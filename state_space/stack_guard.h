@@ -1,5 +1,7 @@
 #pragma once
 
+#include "state_space/export.h"
+
 #include <cstdint>
 
 namespace Calder::StateSpace {
@@ -10,7 +12,7 @@ namespace Calder::StateSpace {
 /// Low means that less than half of the stack is left, and never less than 256 KiB: whoever finds
 /// it low may still go once more over the term whose depth used up the rest, to hash it or to
 /// compare it. Of a stack larger than 1 GiB, or without limit, only the first GiB is counted on.
-class StackGuard {
+class CALDER_STATE_SPACE_EXPORT StackGuard {
   public:
     StackGuard();
 

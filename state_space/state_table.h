@@ -1,6 +1,7 @@
 #pragma once
 
 #include "process_compiler/process.h"
+#include "state_space/export.h"
 #include "state_space/labelled_transition_system.h"
 
 namespace Calder::StateSpace {
@@ -12,7 +13,7 @@ namespace Calder::StateSpace {
 /// code, and a state number. The top of those 32 bits is also the slot to begin at, so growing
 /// reads the slots from first to last and touches no term. Terms are asked for equality only when
 /// all 64 bits of their codes agree. 20 to 32 bytes a state, besides the terms.
-class StateTable {
+class CALDER_STATE_SPACE_EXPORT StateTable {
   public:
     [[nodiscard]] StateNumber size() const noexcept {
         return static_cast<StateNumber>(m_terms.size());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "state_space/export.h"
 #include "state_space/labelled_transition_system.h"
 
 namespace Calder::StateSpace {
@@ -9,7 +10,7 @@ namespace Calder::StateSpace {
 ///
 /// Open addressing with linear probing; a slot counts as taken when it carries the stamp of the
 /// present filling.
-class TransitionSet {
+class CALDER_STATE_SPACE_EXPORT TransitionSet {
   public:
     /// False when it was there already. Constant time on average.
     bool insert(Transition transition);

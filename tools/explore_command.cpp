@@ -132,8 +132,8 @@ std::string engine_text(StateSpace::MachineExploration const& exploration) {
     if (!exploration.machine) {
         return "terms";
     }
-    std::size_t const leaves = exploration.tables->start_leaves().size();
-    std::size_t const configurations = exploration.tables->met();
+    std::size_t const leaves = start_leaves(exploration).size();
+    std::size_t const configurations = configurations_met(exploration);
     return fmt::format("machine of {} component{}{}", leaves, leaves == 1 ? "" : "s",
                        configurations <= 1
                            ? ""

@@ -1,6 +1,8 @@
 #include "state_space/machine/machine_exploration.h"
 
 #include "state_space/machine/machine_refusal.h"
+#include "state_space/machine/run/run.h"
+#include "state_space/machine/run/visited_states.h"
 #include "state_space/memory.h"
 
 #include <algorithm>
@@ -115,7 +117,7 @@ MachineExploration explore_by_machine(ProcessPointer const& start, NamedProcessS
     }
     result.machine = std::move(compilation.machine);
     try {
-        result.tables = std::make_unique<ConfigurationTables>(*result.machine);
+        result.tables = std::make_shared<ConfigurationTables>(*result.machine);
         result.run = run(*result.tables, options);
     } catch (MachineRefusal const& refusal) {
         result.run = refused(refusal.what());
@@ -126,6 +128,14 @@ MachineExploration explore_by_machine(ProcessPointer const& start, NamedProcessS
         result.machine.reset();
     }
     return result;
+}
+
+std::vector<std::uint32_t> start_leaves(MachineExploration const& exploration) {
+    return exploration.tables->start_leaves();
+}
+
+std::size_t configurations_met(MachineExploration const& exploration) {
+    return exploration.tables->met();
 }
 
 std::vector<std::uint32_t> leaves_in(MachineExploration const& exploration, StateNumber state) {

@@ -1,11 +1,14 @@
 #pragma once
 
+#include "state_space/export.h"
 #include "state_space/machine/compile/compile.h"
-#include "state_space/machine/run/run.h"
+#include "state_space/machine/run_result.h"
 
 #include <optional>
 
 namespace Calder::StateSpace {
+
+class ConfigurationTables;
 
 /// An exploration by the machine that a term compiles to.
 struct MachineExploration {
@@ -13,7 +16,7 @@ struct MachineExploration {
     /// Null when there is no machine to ask: the term was refused, or it is one leaf and was
     /// explored as it stands.
     std::unique_ptr<Machine const> machine;
-    std::unique_ptr<ConfigurationTables> tables;
+    std::shared_ptr<ConfigurationTables> tables;
     /// The recursion that no machine can follow, if that was the reason.
     std::vector<RefusedRecursion> refused;
     /// Why the terms were explored and there is no machine, a part of a sentence; empty where there
@@ -38,25 +41,33 @@ struct MachineCompilation {
 };
 
 /// Compiles the term within a part of the memory, so that there is enough left to do without.
-[[nodiscard]] MachineCompilation compile_for_run(ProcessCompiler::ProcessPointer const& start,
-                                                 ProcessCompiler::NamedProcessSource const& source,
-                                                 ExplorationOptions const& options);
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT MachineCompilation compile_for_run(
+    ProcessCompiler::ProcessPointer const& start, ProcessCompiler::NamedProcessSource const& source,
+    ExplorationOptions const& options);
 
 /// Compiles the term and runs the machine. Where that is refused, `run.refusal` says why, and
 /// nothing was explored. Exceptions of a maker of instances pass through; the machine runs when all
 /// are made.
-[[nodiscard]] MachineExploration
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT MachineExploration
 explore_by_machine(ProcessCompiler::ProcessPointer const& start,
                    ProcessCompiler::NamedProcessSource const& source, RunOptions const& options);
 
+/// The leaves that run at the start, slot by slot. There must be a machine.
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT std::vector<std::uint32_t>
+start_leaves(MachineExploration const& exploration);
+
+/// How many configurations were met; at least 1. There must be a machine.
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT std::size_t
+configurations_met(MachineExploration const& exploration);
+
 /// The leaves that run in a state, slot by slot. There must be a machine.
-[[nodiscard]] std::vector<std::uint32_t> leaves_in(MachineExploration const& exploration,
-                                                   StateNumber state);
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT std::vector<std::uint32_t>
+leaves_in(MachineExploration const& exploration, StateNumber state);
 
 /// Which of them take part in the step to `target` with `event`: the slots, ascending, by the first
 /// rule that leads so; it must be a step that was explored. Empty when no leaf takes part.
-[[nodiscard]] std::vector<std::uint32_t> slots_taking_part(MachineExploration const& exploration,
-                                                           StateNumber source, unsigned event,
-                                                           StateNumber target);
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT std::vector<std::uint32_t>
+slots_taking_part(MachineExploration const& exploration, StateNumber source, unsigned event,
+                  StateNumber target);
 
 } // namespace Calder::StateSpace

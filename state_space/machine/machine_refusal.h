@@ -1,5 +1,6 @@
 #pragma once
 
+#include "state_space/export.h"
 #include "state_space/stack_guard.h"
 
 #include <stdexcept>
@@ -8,7 +9,7 @@ namespace Calder::StateSpace {
 
 /// A term that no machine can follow, or a machine that cannot be run. The message says why, as a
 /// part of a sentence.
-class MachineRefusal : public std::runtime_error {
+class CALDER_STATE_SPACE_EXPORT MachineRefusal : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };

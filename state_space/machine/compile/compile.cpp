@@ -1,7 +1,7 @@
 #include "state_space/machine/compile/compile.h"
 
-#include "state_space/exploration.h"
 #include "state_space/machine/machine_refusal.h"
+#include "state_space/watched_exploration.h"
 
 #include <fmt/format.h>
 

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "state_space/exploration_options.h"
+#include "state_space/export.h"
 #include "state_space/machine/compile/machine.h"
 #include "state_space/machine/compile/term_graph.h"
-#include "state_space/search_monitor.h"
 
 #include <string>
 
@@ -31,8 +32,8 @@ struct CompilationOptions {
 /// Compiles the start of the graph by what the constructs say of themselves; no construct is known
 /// here. Refuses a graph in which recursion was refused or that is not whole, and events above
 /// `most_event`. The demands on `source` are those of `explore`.
-[[nodiscard]] Compilation compile(TermGraph graph,
-                                  ProcessCompiler::NamedProcessSource const& source,
-                                  CompilationOptions const& options = {});
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT Compilation
+compile(TermGraph graph, ProcessCompiler::NamedProcessSource const& source,
+        CompilationOptions const& options = {});
 
 } // namespace Calder::StateSpace

@@ -2,6 +2,7 @@
 
 #include "core/bit_set.h"
 #include "process_compiler/process.h"
+#include "state_space/export.h"
 #include "state_space/labelled_transition_system.h"
 
 #include <span>
@@ -13,7 +14,7 @@ namespace Calder::StateSpace {
 ///
 /// Of a small system, an event by which no state has two successors has a dense table. Otherwise
 /// the event is looked for in the state's row, which is sorted.
-class Leaf {
+class CALDER_STATE_SPACE_EXPORT Leaf {
   public:
     /// One event of the alphabet.
     struct Event {

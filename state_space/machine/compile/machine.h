@@ -1,6 +1,7 @@
 #pragma once
 
 #include "process_compiler/process.h"
+#include "state_space/export.h"
 #include "state_space/machine/compile/leaf.h"
 
 #include <memory>
@@ -15,8 +16,8 @@ constexpr std::uint32_t none = 0xFFFFFFFF;
 constexpr unsigned most_event = 0x7FFFFFFF;
 
 /// Where the argument stands among those that run in the format; `none` when it does not run.
-[[nodiscard]] std::uint32_t place_of(unsigned argument,
-                                     HighLevelMachine::UnCompiledFormat const& format) noexcept;
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT std::uint32_t
+place_of(unsigned argument, HighLevelMachine::UnCompiledFormat const& format) noexcept;
 
 /// A piece of a machine: a leaf, or a construct with its formats over other parts.
 struct Part {

@@ -4,6 +4,7 @@
 #include "process_compiler/kinds.h"
 #include "process_compiler/recursion_watch.h"
 #include "state_space/memory.h"
+#include "state_space/search_monitor.h"
 #include "state_space/stack_guard.h"
 #include "state_space/state_table.h"
 

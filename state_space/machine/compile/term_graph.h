@@ -1,7 +1,8 @@
 #pragma once
 
 #include "process_compiler/named_process_source.h"
-#include "state_space/search_monitor.h"
+#include "state_space/exploration_options.h"
+#include "state_space/export.h"
 
 #include <cstdint>
 #include <vector>
@@ -64,8 +65,8 @@ struct TermGraph {
 /// cycles. Asks for what every name stands for that is not sequential, so instances are made;
 /// `limits` are looked at meanwhile, those on states do not count. Does not recurse, so a long chain
 /// of names needs no stack.
-[[nodiscard]] TermGraph make_term_graph(ProcessCompiler::ProcessPointer const& start,
-                                        ProcessCompiler::NamedProcessSource const& source,
-                                        ExplorationOptions const& limits = {});
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT TermGraph make_term_graph(
+    ProcessCompiler::ProcessPointer const& start, ProcessCompiler::NamedProcessSource const& source,
+    ExplorationOptions const& limits = {});
 
 } // namespace Calder::StateSpace

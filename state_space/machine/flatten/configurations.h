@@ -1,6 +1,8 @@
 #pragma once
 
+#include "state_space/export.h"
 #include "state_space/machine/compile/machine.h"
+#include "state_space/machine/participant.h"
 #include "state_space/stack_guard.h"
 
 #include <deque>
@@ -8,8 +10,6 @@
 #include <unordered_map>
 
 namespace Calder::StateSpace {
-
-using ConfigurationNumber = std::uint32_t;
 
 /// The combinations of formats that a machine can be in, numbered: trees of constructs, each in one
 /// of its formats, over the parts that run there. Equal trees have one number. What leads from one
@@ -20,7 +20,7 @@ using ConfigurationNumber = std::uint32_t;
 /// configuration that is there already.
 ///
 /// The slots of a configuration are the leaves that run in it, from left to right.
-class Configurations {
+class CALDER_STATE_SPACE_EXPORT Configurations {
   public:
     explicit Configurations(Machine const& machine);
 

@@ -4,14 +4,6 @@
 
 namespace Calder::StateSpace {
 
-/// The leaf in one slot of a configuration performs an event of its alphabet.
-struct Participant {
-    bool operator==(Participant const&) const = default;
-
-    std::uint32_t slot;
-    unsigned event;
-};
-
 /// The rules of a whole configuration, flattened: whoever reads them walks no tree.
 struct FlatRules {
     struct Rule {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "state_space/export.h"
 #include "state_space/machine/flatten/flattening.h"
 #include "state_space/machine/run/successor_table.h"
 
@@ -12,7 +13,7 @@ namespace Calder::StateSpace {
 ///
 /// A machine that never leaves its first configuration has states that are nothing but their slots.
 /// In all others the first 32 bits of a state are the number of its configuration.
-class ConfigurationTables {
+class CALDER_STATE_SPACE_EXPORT ConfigurationTables {
   public:
     /// Throws MachineRefusal when the machine has no first configuration.
     explicit ConfigurationTables(Machine const& machine);

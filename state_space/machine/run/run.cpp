@@ -3,6 +3,7 @@
 #include "state_space/lts_builder.h"
 #include "state_space/machine/machine_refusal.h"
 #include "state_space/machine/run/successor_search.h"
+#include "state_space/machine/run/visited_states.h"
 
 #include <algorithm>
 #include <array>
@@ -63,7 +64,7 @@ class Runner {
     ConfigurationTables& m_tables;
     RunOptions const& m_options;
     SearchMonitor m_monitor{m_options, SearchMonitor::longest_for_machines};
-    std::unique_ptr<VisitedStates> m_states = std::make_unique<VisitedStates>(1);
+    std::shared_ptr<VisitedStates> m_states = std::make_shared<VisitedStates>(1);
     LtsBuilder m_builder; // when transitions are not kept, only of steps that may be repeated
     SuccessorSearch m_search;
     StateNumber m_handed_out = 0; // states whose successors are being looked for, or known

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "state_space/export.h"
 #include "state_space/machine/compile/machine.h"
 #include "state_space/machine/run/layout.h"
 
@@ -9,7 +10,7 @@ namespace Calder::StateSpace {
 
 /// Successors of states of a machine with the events that lead to them, in the order in which they
 /// were added. Keeps its storage when it is cleared.
-class Steps {
+class CALDER_STATE_SPACE_EXPORT Steps {
   public:
     /// Marks an event whose step one state may report twice; see SuccessorTable.
     static constexpr unsigned may_repeat = most_event + 1;

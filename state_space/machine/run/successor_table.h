@@ -1,5 +1,6 @@
 #pragma once
 
+#include "state_space/export.h"
 #include "state_space/machine/flatten/flat_rules.h"
 #include "state_space/machine/run/steps.h"
 #include "state_space/search_monitor.h"
@@ -21,7 +22,7 @@ namespace Calder::StateSpace {
 /// the configuration, which can forget what was chosen.
 ///
 /// After it is made it does not change, and threads may share it.
-class SuccessorTable {
+class CALDER_STATE_SPACE_EXPORT SuccessorTable {
   public:
     /// Where a rule leads: the layout of the target and its number, to be written to the first word
     /// when the machine has several configurations.

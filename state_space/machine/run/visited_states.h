@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/large_array.h"
+#include "state_space/export.h"
 #include "state_space/labelled_transition_system.h"
 #include "state_space/machine/run/layout.h"
 #include "state_space/mix.h"
@@ -26,7 +27,7 @@ namespace Calder::StateSpace {
 ///
 /// A search has three stages, of which the first two only ask for memory ahead of time:
 /// `prefetch_bucket`, `prefetch_state`, `find_or_add`.
-class VisitedStates {
+class CALDER_STATE_SPACE_EXPORT VisitedStates {
   public:
     explicit VisitedStates(std::uint32_t width) : m_width(width) {}
 

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "state_space/exploration.h"
+#include "state_space/export.h"
+
+#include <memory>
+#include <string>
+
+namespace Calder::StateSpace {
+
+class VisitedStates;
+
+struct RunOptions : ExplorationOptions {
+    /// Whether the transitions are wanted, and not only their number: 8 bytes each and 8 bytes a
+    /// state.
+    bool keep_transitions = true;
+    /// How many threads work, at least 1. One of them numbers the states; the others find
+    /// successors for it. The result does not depend on it.
+    unsigned threads = 1;
+};
+
+struct Run {
+    StateNumber state_count = 0;
+    std::uint64_t transition_count = 0;
+    Outcome outcome = Outcome::complete;
+    /// Empty when the transitions were not wanted.
+    LabelledTransitionSystem lts{};
+    /// Why the machine cannot be run, a part of a sentence; empty when it can.
+    std::string refusal{};
+    /// What the numbers of the states stand for.
+    std::shared_ptr<VisitedStates const> states{};
+};
+
+/// What an exploration term by term found, in the same form.
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT Run run_of(Exploration exploration);
+
+} // namespace Calder::StateSpace
