@@ -55,7 +55,8 @@ endfunction()
 function(calder_install_package)
   install(TARGETS calder RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command)
 
-  get_property(CALDER_COMPONENTS GLOBAL PROPERTY CALDER_COMPONENTS)
+  get_property(rooms GLOBAL PROPERTY CALDER_COMPONENTS)
+  list(JOIN rooms " " CALDER_COMPONENTS)
   set(package_directory ${CMAKE_INSTALL_LIBDIR}/cmake/calder)
   configure_package_config_file(cmake/calderConfig.cmake.in ${PROJECT_BINARY_DIR}/calderConfig.cmake
                                 INSTALL_DESTINATION ${package_directory})
@@ -67,7 +68,6 @@ function(calder_install_package)
   install(EXPORT calderTargets NAMESPACE calder:: DESTINATION ${package_directory}
           COMPONENT development)
 
-  set(rooms ${CALDER_COMPONENTS})
   list(REVERSE rooms) # a library stands before those that it needs
   list(TRANSFORM rooms PREPEND "-lcalder_")
   list(JOIN rooms " " CALDER_LINKED_LIBRARIES)
