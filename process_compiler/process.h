@@ -106,7 +106,7 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     virtual std::uint64_t hash_code() const = 0;
 
     /// Which class this is. The library's constructs have 10 to 19 (csp/constructs.h), the host's
-    /// own terms 20 and 21 (kinds.h).
+    /// own terms 20 and 21, other libraries' 100 and more (kinds.h).
     virtual unsigned kind() const = 0;
 
     /// The whole term, operands included.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "state_space/export.h"
+
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -23,7 +25,7 @@ struct Transition {
 ///
 /// Kept in compressed rows: 8 bytes a transition and 8 bytes a state. An LtsBuilder makes it; after
 /// that it does not change.
-class LabelledTransitionSystem {
+class CALDER_STATE_SPACE_EXPORT LabelledTransitionSystem {
   public:
     [[nodiscard]] StateNumber state_count() const noexcept { return m_state_count; }
     [[nodiscard]] std::uint64_t transition_count() const noexcept { return m_transitions.size(); }
