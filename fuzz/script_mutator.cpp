@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
-#include <cstring>
 #include <random>
 #include <string>
 #include <string_view>
@@ -133,7 +132,7 @@ std::string_view view(std::uint8_t const* data, std::size_t size) {
 
 std::size_t put(std::string const& text, std::uint8_t* data, std::size_t most) {
     std::size_t const size = std::min(text.size(), most);
-    std::memcpy(data, text.data(), size);
+    std::copy_n(text.begin(), size, data);
     return size;
 }
 
