@@ -10,6 +10,7 @@
 #include "tools/print_command.h"
 #include "tools/stack_limit.h"
 #include "tools/standard_streams.h"
+#include "tools/version.h"
 
 #include <CLI/CLI.hpp>
 
@@ -177,7 +178,7 @@ int run(int count, char** words) {
         "Exit codes: 0 done and what was asked for holds, 1 it does not hold,\n"
         "2 the input or the command line is wrong or results cannot be written, 3 stopped early.",
         "calder");
-    app.set_version_flag("--version", "calder " CALDER_VERSION);
+    app.set_version_flag("--version", std::string("calder ") + version);
     app.require_subcommand(1);
 
     app.failure_message(command_line_error);
