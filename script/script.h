@@ -21,9 +21,11 @@ namespace Calder::Script {
 /// before. Comes out of NamedProcessSource::process, and so out of exploring.
 class ScriptError : public std::exception {
   public:
+    /// Renders the text at once, as the sources may go.
     ScriptError(Diagnostic diagnostic, Sources const& sources)
         : m_diagnostic(std::move(diagnostic)), m_text(render(m_diagnostic, sources)) {}
 
+    /// With its place, for who shows it in a way of its own.
     Diagnostic const& diagnostic() const { return m_diagnostic; }
     /// As it is told: with its place and the line. Whoever catches it may not have the script.
     char const* what() const noexcept override { return m_text.c_str(); }
@@ -39,8 +41,10 @@ class Script {
   public:
     /// A process without parameters.
     struct Definition {
+        /// As it is written.
         std::string name;
-        Location location; // of the name
+        /// Of the name.
+        Location location;
         /// What stands for the name where an exploration starts: its reference when it is on a
         /// recursive cycle, otherwise the very same term as `body`.
         ProcessCompiler::ProcessPointer term;
@@ -52,6 +56,7 @@ class Script {
     Script(Script const&) = delete;
     Script& operator=(Script const&) = delete;
 
+    /// Events are numbered in the order of their declaration.
     ProcessCompiler::Session const& session() const { return m_session; }
     /// Makes what stands on recursive cycles: names, and the instances of definitions with
     /// parameters, each when it is first asked for. All others are replaced by what they stand for,
@@ -73,10 +78,12 @@ class Script {
     /// What it asks: its `assert` lines and those of the files that it includes in the order in which
     /// they stand, then the ones of ReadOptions.
     std::vector<AssertionHead> const& assertions() const { return m_assertions; }
+    /// Without making their terms.
     std::size_t assertion_count() const { return m_assertions.size(); }
     /// Makes its terms, which the script keeps: the same ones every time. Throws ScriptError.
     Assertion assertion(std::size_t number) const;
 
+    /// The names of terms, each by the very object.
     using NamesOfTerms = std::unordered_map<ProcessCompiler::Process const*, std::string>;
     /// Says of each of these very terms that has no name yet whether it stands for a call of a process
     /// that has parameters and no recursion: `R(0)`. One pass over those calls.
@@ -103,6 +110,7 @@ class Script {
     std::unordered_map<std::string_view, std::size_t> m_places; // of the definitions
 };
 
+/// What is read beside the script itself.
 struct ReadOptions {
     /// Names and what they are to be defined as, in the place of what the script says.
     std::vector<std::pair<std::string, std::string>> definitions{};
@@ -114,6 +122,7 @@ struct ReadOptions {
     Include include{};
 };
 
+/// A script, or what is wrong with it.
 struct ReadResult {
     /// Null when there are diagnostics.
     std::unique_ptr<Script> script;
@@ -128,6 +137,7 @@ struct ReadResult {
 /// length, its events and its sets; the stack that is used is not longer for a longer script.
 /// Throws std::bad_alloc.
 ReadResult read_script(Source script, ReadOptions const& options);
+/// The same of a text alone, which messages call "script".
 ReadResult read_script(std::string_view text);
 
 } // namespace Calder::Script
