@@ -9,7 +9,6 @@
 
 namespace Calder::StateSpace {
 
-/// Counts from 0, in the order in which trees come up.
 using ConfigurationNumber = std::uint32_t;
 
 /// The combinations of formats that a machine can be in, numbered: trees of constructs, each in one
@@ -23,10 +22,8 @@ using ConfigurationNumber = std::uint32_t;
 /// The slots of a configuration are the leaves that run in it, from left to right.
 class Configurations {
   public:
-    /// The machine must outlive it. Nothing is numbered yet.
     explicit Configurations(Machine const& machine);
 
-    /// What it was made for.
     [[nodiscard]] Machine const& machine() const noexcept { return m_machine; }
 
     /// In which the machine starts, every leaf in its state 0. This and the next throw
@@ -44,7 +41,6 @@ class Configurations {
     [[nodiscard]] PartNumber part(ConfigurationNumber number) const noexcept {
         return m_trees[number].key[0];
     }
-    /// The format that the construct at the root is in; of a leaf without a meaning.
     [[nodiscard]] std::uint32_t format(ConfigurationNumber number) const noexcept {
         return m_trees[number].key[1];
     }
@@ -53,14 +49,12 @@ class Configurations {
     children(ConfigurationNumber number) const noexcept {
         return std::span(m_trees[number].key).subspan(2);
     }
-    /// How many leaves run in it. Constant time.
     [[nodiscard]] std::uint32_t slot_count(ConfigurationNumber number) const noexcept {
         return m_trees[number].slot_count;
     }
     /// The numbers of the leaves, by slot.
     [[nodiscard]] std::vector<std::uint32_t> leaves(ConfigurationNumber number) const;
 
-    /// What has more is refused: see `start`.
     static constexpr std::uint32_t most_slots = 1U << 22;
 
   private:
