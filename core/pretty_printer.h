@@ -227,7 +227,7 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
 template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrintable {
   public:
     virtual ~PrettyPrintable() = default;
-    /// Prints the whole thing. Asks for nothing that changes it.
+    /// The whole of it, within the limits of the printer.
     virtual void pretty_print(PrettyPrinter<Session, Char>& printer) const = 0;
 
   protected:

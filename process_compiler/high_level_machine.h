@@ -49,7 +49,7 @@ struct UnCompiledFormat {
     /// Member by member, the rules in their order.
     bool operator==(UnCompiledFormat const&) const = default;
 
-    /// In the order in which a machine reports their steps.
+    /// In the construct's own order, which decides among those of one event.
     std::deque<UnCompiledRule> rules;
     /// The arguments that run while the machine is in this format.
     std::vector<unsigned> active_components;

@@ -12,7 +12,7 @@ namespace Calder::ProcessCompiler {
 class CALDER_PROCESS_COMPILER_EXPORT OperatorProcess : public CompilableProcess {
   public:
     /// @{
-    /// `applied` must be made for as many arguments as are given; neither is checked to be there.
+    /// The operator must be made for that many arguments, which is not checked.
     OperatorProcess(OperatorPointer applied, ProcessPointer const& only);
     OperatorProcess(OperatorPointer applied, ProcessPointer const& first,
                     ProcessPointer const& second);

@@ -34,7 +34,7 @@ using PrettyPrintable = Calder::PrettyPrinter::PrettyPrintable<Session const*, c
 
 /// How terms are held.
 using ProcessPointer = boost::intrusive_ptr<Process>;
-/// Never releases what it holds: for passing arguments on. Who keeps them has an OwningArray.
+/// Never releases what it holds (FixedArray): for passing arguments on.
 using ProcessArray = FixedArray<ProcessPointer>;
 
 /// Takes (event, successor) and says whether to go on. The successor is the caller's only for the
@@ -47,8 +47,7 @@ using TransitionVisitor = std::function<bool(unsigned, ProcessPointer const&)>;
 using HighLevelVisitor =
     std::function<void(std::vector<unsigned> const&, unsigned, ProcessPointer const&, bool)>;
 
-/// A deque, as rules are added to one format while others are referred to. Format 0 is the initial
-/// one.
+/// Format 0 is the initial one. References to formats stay good while more are appended.
 using Formats = std::deque<HighLevelMachine::UnCompiledFormat>;
 
 /// A term: what a process construct is to its host.

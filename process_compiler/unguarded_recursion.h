@@ -18,7 +18,7 @@ CALDER_PROCESS_COMPILER_EXPORT std::string describe(NameCycle const& cycle);
 /// for people, as a part of a sentence.
 class CALDER_PROCESS_COMPILER_EXPORT UnguardedRecursion : public std::runtime_error {
   public:
-    /// The message goes on after "recursion without a guard: ".
+    /// The message is kept as given; `describe` makes that of a cycle.
     UnguardedRecursion(std::string const& message, NameCycle names);
     ~UnguardedRecursion() override;
     /// Exceptions are copied as they are thrown.

@@ -32,7 +32,7 @@ class LabelledTransitionSystem {
   public:
     /// Those that were only reached are counted, too. At most `no_state`.
     [[nodiscard]] StateNumber state_count() const noexcept { return m_state_count; }
-    /// Of the explored states, all of them.
+    /// Of all explored states.
     [[nodiscard]] std::uint64_t transition_count() const noexcept { return m_transitions.size(); }
 
     /// How many states have their transitions here; they are the first ones. Less than
