@@ -175,8 +175,8 @@ class Subject {
         auto options = m_bounds.options<Refinement::QuestionOptions>();
         options.by_machine = by_machine;
         Refinement::Answer answer =
-            Tools::ask(assertion, m_script, options, [](std::string const& note) {
-                demand(note.ends_with('\n'), "a note is lines");
+            Tools::ask(assertion, m_script, options, [](Tools::Message const& note) {
+                demand(note.shown().ends_with('\n'), "a note is lines");
             });
         Tools::Answered const answered{m_script, assertion, answer, 0};
         Tools::evidence_text(answered);
