@@ -1,5 +1,8 @@
 #include "benchmarks/measurement.h"
 
+#include "state_space/machine/run/configuration_tables.h"
+#include "state_space/machine/run/visited_states.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <malloc.h>

@@ -1,5 +1,7 @@
 #include "tests/refinement/random_systems.h"
 
+#include "state_space/machine/machine_exploration.h"
+
 #include <gtest/gtest.h>
 
 #include <array>

@@ -1,5 +1,6 @@
 #include "state_space/exploration.h"
 #include "state_space/memory.h"
+#include "state_space/search_monitor.h"
 #include "tests/state_space/graph_terms.h"
 
 #include <gtest/gtest.h>
