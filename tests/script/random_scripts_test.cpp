@@ -110,9 +110,9 @@ std::vector<std::string> tokens_of(std::string const& text) {
 std::vector<std::vector<std::string>> examples() {
     std::vector<std::vector<std::string>> all;
     for (auto const& entry : std::filesystem::directory_iterator(CALDER_EXAMPLES)) {
-        std::ifstream file(entry.path());
-        std::string const text{std::istreambuf_iterator<char>(file), {}};
         if (entry.path().extension() == ".csp") {
+            std::ifstream file(entry.path());
+            std::string const text{std::istreambuf_iterator<char>(file), {}};
             all.push_back(tokens_of(text.substr(text.find("\n\n") + 1)));
         }
     }
