@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <tuple>
+#include <utility>
 
 namespace Calder::Script {
 
@@ -98,6 +99,10 @@ std::string heading(Diagnostic const& diagnostic, std::string_view file_name) {
 
 } // namespace
 
+Diagnostic diagnostic_at(Location const& location, Wording wording) {
+    return {location, std::move(wording.text), {}, std::move(wording.suggestion)};
+}
+
 std::string render(Diagnostic const& diagnostic, Sources const& sources) {
     return render_all({diagnostic}, sources);
 }
@@ -118,8 +123,8 @@ std::string render_all(Diagnostics const& diagnostics, Sources const& sources) {
             cursor = Cursor(sources[source]);
         }
         lines += heading(diagnostic, sources[source].name) + excerpt(location, cursor);
-        for (std::string const& note : diagnostic.notes) {
-            lines += "  " + note + "\n";
+        for (Note const& note : diagnostic.notes) {
+            lines += "  " + note.text + "\n";
         }
     }
     if (std::size_t const more = diagnostics.size() - told; more > 0) {

@@ -2,8 +2,10 @@
 
 #include "script/export.h"
 #include "script/sources.h"
+#include "script/wording.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,17 +25,31 @@ struct Location {
     bool operator==(Location const&) const = default;
 };
 
+/// A line below what is wrong: a call that led there.
+struct Note {
+    std::string text;
+    /// Where the call stands; the text says it, too.
+    std::optional<Location> location{};
+
+    bool operator==(Note const&) const = default;
+};
+
 /// What is wrong with a script, in words for the person who wrote it.
 struct Diagnostic {
     Location location;
     std::string message;
-    /// Lines that stand below: the calls that led there.
-    std::vector<std::string> notes{};
+    std::vector<Note> notes{};
+    /// What the message asks for: "did you mean", to be written in the place of what stands at the
+    /// location; empty where it does not ask.
+    std::string suggestion{};
 
     bool operator==(Diagnostic const&) const = default;
 };
 
 using Diagnostics = std::vector<Diagnostic>;
+
+/// With its suggestion, if it has one.
+Diagnostic diagnostic_at(Location const& location, Wording wording);
 
 /// The diagnostic as three lines for a terminal, and a line for each note:
 ///

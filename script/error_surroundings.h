@@ -23,9 +23,7 @@ class ErrorSurroundings {
     }
     std::string_view text(int distance) const { return m_tokens.text_of(at(distance)); }
 
-    Hint here(int distance, std::string message) const {
-        return {at(distance), std::move(message)};
-    }
+    Hint here(int distance, Wording message) const { return {at(distance), std::move(message)}; }
 
     /// Whether what is in front of a token has an end there.
     static bool ends_item(TokenKind kind) {

@@ -159,7 +159,7 @@ class Check {
         return name;
     }
 
-    std::string suggestion_for(std::string const& name, bool may_be_channel) {
+    Wording suggestion_for(std::string const& name, bool may_be_channel) {
         Suggestion suggestion(name, m_suggestion_budget);
         unsigned const bound = m_session.number_bound();
         for (unsigned number = first_visible_event; number < bound && suggestion.wants_more();
@@ -171,15 +171,15 @@ class Check {
                 suggestion.consider(known.substr(0, known.find('.')));
             }
         }
-        return suggestion.text();
+        return suggestion.wording();
     }
 
     std::string_view text_of(unsigned node) const {
         return m_telling.tokens.text_of(m_telling.tree[node].token);
     }
-    void report(unsigned node, std::string message) {
+    void report(unsigned node, Wording message) {
         m_diagnostics.push_back(
-            {location_of(m_telling.tokens, m_telling.tree, node), std::move(message)});
+            diagnostic_at(location_of(m_telling.tokens, m_telling.tree, node), std::move(message)));
     }
 
     Telling const& m_telling;

@@ -157,9 +157,10 @@ class Reading : private ErrorSurroundings {
         for (char const* const word : {"assert", "channel", "datatype", "include"}) {
             suggestion.consider(word);
         }
-        std::string const meant = suggestion.text();
-        return meant.empty() ? std::nullopt
-                             : std::optional(here(0, "unexpected " + in_quotes(text(0)) + meant));
+        Wording const meant = suggestion.wording();
+        return meant.suggestion.empty()
+                   ? std::nullopt
+                   : std::optional(here(0, "unexpected " + in_quotes(text(0)) + meant));
     }
 
     /// `P == Q`, `P := Q`, `channel a = {0}`

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "script/token_list.h"
+#include "script/wording.h"
 
 #include <optional>
 #include <string>
@@ -11,7 +12,7 @@ namespace Calder::Script {
 /// What to say, and where, to people who write what they know from elsewhere.
 struct Hint {
     unsigned token;
-    std::string message;
+    Wording message;
 };
 
 /// What the grammar knows at an error.

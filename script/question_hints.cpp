@@ -130,7 +130,11 @@ class QuestionReading : private ErrorSurroundings {
                                                            in_quotes(example_of(*entry))})
                              : std::nullopt;
         }
-        return Hint{m_question + 1, unknown_question(words)};
+        Wording message = unknown_question(words);
+        if (end > m_question + 2) {
+            message.suggestion.clear(); // it is for all the words, and one of them is pointed at
+        }
+        return Hint{m_question + 1, std::move(message)};
     }
 
     /// `P [T Q`, `P [T=] Q`, `P [: deadlock free]`, `P [deadlock free]`, `P :deadlock free`

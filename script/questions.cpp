@@ -28,7 +28,7 @@ QuestionEntry const* find_question(std::string_view words) {
     return found == entries.end() ? nullptr : &*found;
 }
 
-std::string unknown_question(std::string_view words) {
+Wording unknown_question(std::string_view words) {
     std::string const message =
         words.empty() ? "nothing is asked" : "there is no question " + in_quotes(words);
     // Livelock is nearer to deadlock by its letters alone.
@@ -40,8 +40,8 @@ std::string unknown_question(std::string_view words) {
     for (QuestionEntry const& entry : entries) {
         suggestion.consider(entry.words);
     }
-    if (std::string const text = suggestion.text(); !text.empty()) {
-        return message + text;
+    if (Wording const meant = suggestion.wording(); !meant.suggestion.empty()) {
+        return message + meant;
     }
     std::string all;
     for (std::size_t index = 0; index < entries.size(); ++index) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "script/assertion.h"
+#include "script/wording.h"
 
 #include <string>
 #include <string_view>
@@ -22,7 +23,7 @@ QuestionEntry const* find_question(std::string_view words);
 
 /// What to say of words that ask nothing, or of none: what they may have been meant for, or else what
 /// there is.
-std::string unknown_question(std::string_view words);
+Wording unknown_question(std::string_view words);
 
 /// How such a question is written with its argument: `:[never]: {a}`.
 std::string example_of(QuestionEntry const& entry);

@@ -120,9 +120,9 @@ class Reader {
                     suggestion.consider(definition.name);
                 }
             }
-            m_diagnostics.push_back(
-                {model.tokens.location(model.names.definitions[found->second].token),
-                 "the script neither defines nor uses " + in_quotes(name) + suggestion.text()});
+            m_diagnostics.push_back(diagnostic_at(
+                model.tokens.location(model.names.definitions[found->second].token),
+                "the script neither defines nor uses " + in_quotes(name) + suggestion.wording()));
         }
     }
 

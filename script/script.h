@@ -23,15 +23,22 @@ namespace Calder::Script {
 class CALDER_SCRIPT_EXPORT ScriptError : public std::exception {
   public:
     ScriptError(Diagnostic diagnostic, Sources const& sources)
-        : m_diagnostic(std::move(diagnostic)), m_text(render(m_diagnostic, sources)) {}
+        : m_diagnostic(std::move(diagnostic)), m_text(render(m_diagnostic, sources)) {
+        for (Source const& source : sources) {
+            m_files.push_back(source.name);
+        }
+    }
 
     Diagnostic const& diagnostic() const { return m_diagnostic; }
+    /// The names of the sources, by number.
+    std::vector<std::string> const& files() const { return m_files; }
     /// As it is told: with its place and the line. Whoever catches it may not have the script.
     char const* what() const noexcept override { return m_text.c_str(); }
 
   private:
     Diagnostic m_diagnostic;
     std::string m_text;
+    std::vector<std::string> m_files;
 };
 
 /// What a script says: the names of its events, and terms by name. Owns all of it; terms and

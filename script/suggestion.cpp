@@ -61,8 +61,11 @@ void Suggestion::consider(std::string_view name) {
     }
 }
 
-std::string Suggestion::text() const {
-    return m_nearest.empty() ? "" : "; did you mean " + in_quotes(m_nearest) + "?";
+Wording Suggestion::wording() const {
+    if (m_nearest.empty()) {
+        return "";
+    }
+    return {"; did you mean " + in_quotes(m_nearest) + "?", std::string(m_nearest)};
 }
 
 } // namespace Calder::Script

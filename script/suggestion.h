@@ -1,6 +1,7 @@
 #pragma once
 
-#include <string>
+#include "script/wording.h"
+
 #include <string_view>
 
 namespace Calder::Script {
@@ -16,11 +17,11 @@ class Suggestion {
 
     /// Whether it is still worth offering names.
     bool wants_more() const { return m_budget > 0; }
-    /// The text of the name must stay until `text` is called.
+    /// The text of the name must stay until `wording` is called.
     void consider(std::string_view name);
 
     /// "; did you mean 'NAME'?", or nothing.
-    std::string text() const;
+    Wording wording() const;
 
   private:
     std::string_view m_wrong;

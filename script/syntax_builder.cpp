@@ -113,7 +113,8 @@ unsigned SyntaxBuilder::question(unsigned process, unsigned open, unsigned last_
     }
     QuestionEntry const* const entry = find_question(words);
     if (entry == nullptr) {
-        m_diagnostics.push_back({m_tokens.location(open + 1, last_word), unknown_question(words)});
+        m_diagnostics.push_back(
+            diagnostic_at(m_tokens.location(open + 1, last_word), unknown_question(words)));
     } else if ((entry->argument == QuestionArgument::nothing) != (argument == none)) {
         m_diagnostics.push_back({m_tokens.location(open, last_word + 1),
                                  argument == none ? missing_argument(*entry)
@@ -330,11 +331,11 @@ unsigned SyntaxBuilder::parenthesised(unsigned term) {
     return term;
 }
 
-void SyntaxBuilder::report(unsigned token, std::string message) {
-    m_diagnostics.push_back({m_tokens.location(token), std::move(message)});
+void SyntaxBuilder::report(unsigned token, Wording message) {
+    m_diagnostics.push_back(diagnostic_at(m_tokens.location(token), std::move(message)));
 }
 
-void SyntaxBuilder::report_syntax_error(unsigned token, std::string message, unsigned shown) {
+void SyntaxBuilder::report_syntax_error(unsigned token, Wording message, unsigned shown) {
     // What the scanner could not read it has reported already.
     if (m_tokens[token].kind != Parser::token::BAD) {
         report(shown == none ? token : shown, std::move(message));

@@ -70,7 +70,7 @@ class SyntaxBuilder {
     /// Reports that the text cannot go on with a token, and takes note of the names that are lost
     /// with the definition or declaration around it. `shown` is the token that the message is about,
     /// by default the same.
-    void report_syntax_error(unsigned token, std::string message, unsigned shown = none);
+    void report_syntax_error(unsigned token, Wording message, unsigned shown = none);
     TokenList const& tokens() const { return m_tokens; }
 
     SyntaxTree take_tree() { return std::move(m_tree); }
@@ -82,7 +82,7 @@ class SyntaxBuilder {
     void lose_names_around(unsigned token);
     bool binds_names(unsigned name) const;
     std::vector<unsigned> roots_behind(unsigned name) const;
-    void report(unsigned token, std::string message);
+    void report(unsigned token, Wording message);
 
     TokenList const& m_tokens;
     Diagnostics& m_diagnostics;

@@ -180,7 +180,7 @@ void Translator::report_unknown(unsigned node) {
     }
 }
 
-std::string Translator::suggestion_for_value(std::string_view name) {
+Wording Translator::suggestion_for_value(std::string_view name) {
     if (std::string const hint = word_hint(name); !hint.empty()) {
         return ": " + hint;
     }
@@ -206,7 +206,7 @@ std::string Translator::suggestion_for_value(std::string_view name) {
     for (std::string_view const known : builtin_names()) {
         suggestion.consider(known);
     }
-    return suggestion.text();
+    return suggestion.wording();
 }
 
 } // namespace Calder::Script

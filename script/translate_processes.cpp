@@ -77,7 +77,7 @@ unsigned Translator::process_of_name(unsigned node) {
     return broken(node);
 }
 
-std::string Translator::hint_for_process(std::string_view name, bool is_call) {
+Wording Translator::hint_for_process(std::string_view name, bool is_call) {
     if (m_names.channels.contains(name)) {
         return ": " + in_quotes(name) + " is an event";
     }
@@ -100,7 +100,7 @@ std::string Translator::hint_for_process(std::string_view name, bool is_call) {
             suggestion.consider(builtin);
         }
     }
-    return suggestion.text();
+    return suggestion.wording();
 }
 
 unsigned Translator::process_of_construct(unsigned node) {

@@ -349,12 +349,13 @@ bool Translator::is_lost(unsigned node) const {
     return m_names.lost.contains(text_of(node)) || m_tokens.is_reported(m_tree[node].token);
 }
 
-void Translator::report(unsigned node, std::string message) {
-    m_diagnostics.push_back({location_of(m_tokens, m_tree, node), std::move(message)});
+void Translator::report(unsigned node, Wording message) {
+    m_diagnostics.push_back(diagnostic_at(location_of(m_tokens, m_tree, node), std::move(message)));
 }
 
-void Translator::report_token(unsigned node, std::string message) {
-    m_diagnostics.push_back({m_tokens.location(m_tree[node].token), std::move(message)});
+void Translator::report_token(unsigned node, Wording message) {
+    m_diagnostics.push_back(
+        diagnostic_at(m_tokens.location(m_tree[node].token), std::move(message)));
 }
 
 Location location_of(TokenList const& tokens, SyntaxTree const& tree, unsigned node) {

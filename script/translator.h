@@ -67,7 +67,7 @@ class Translator {
     unsigned add_declared(unsigned node);
     unsigned field(unsigned node, Fields& fields);
     void report_unknown(unsigned node);
-    std::string suggestion_for_value(std::string_view name);
+    Wording suggestion_for_value(std::string_view name);
 
     // translate_patterns.cpp
     unsigned pattern(unsigned node);
@@ -90,7 +90,7 @@ class Translator {
     unsigned inputs(unsigned node, unsigned item, Operands const& pieces, bool as_set);
     void append_input(unsigned item, Operands& known, Values::Comprehension& made);
     unsigned output(unsigned node, Fields& fields);
-    std::string hint_for_process(std::string_view name, bool is_call);
+    Wording hint_for_process(std::string_view name, bool is_call);
 
     // A call of a definition, from wherever it is seen.
     unsigned call(unsigned node, unsigned definition, unsigned arguments_node);
@@ -111,9 +111,9 @@ class Translator {
     unsigned first(unsigned node) const { return m_tree[node].first_child; }
     std::string_view text_of(unsigned node) const { return m_tokens.text_of(m_tree[node].token); }
     bool is_lost(unsigned node) const;
-    void report(unsigned node, std::string message);
+    void report(unsigned node, Wording message);
     /// At the node's own token alone: its name, or its operator.
-    void report_token(unsigned node, std::string message);
+    void report_token(unsigned node, Wording message);
 
     TokenList const& m_tokens;
     SyntaxTree const& m_tree;

@@ -25,11 +25,10 @@ std::string text_of_call(Telling const& telling, unsigned definition,
 
 /// `in BUFFER(<0, 1>), called at 7:14`; with the name of the source where that is not `source`, in
 /// which the error stands.
-std::string note_of_call(Telling const& telling, unsigned definition,
-                         std::span<Values::Value const> arguments, Values::Place place,
-                         unsigned source);
+Note note_of_call(Telling const& telling, unsigned definition,
+                  std::span<Values::Value const> arguments, Values::Place place, unsigned source);
 
 /// Of very many notes the first and the last ones, and how many there are between them.
-void fold(std::vector<std::string>& notes);
+void fold(std::vector<Note>& notes);
 
 } // namespace Calder::Script

@@ -289,8 +289,8 @@ TEST(Assertions, go_wrong_when_they_are_asked_for) {
             (void)script->assertion(0);
         } catch (ScriptError const& error) {
             told = lines_of({error.diagnostic()});
-            for (std::string const& note : error.diagnostic().notes) {
-                told += note + "\n";
+            for (Note const& note : error.diagnostic().notes) {
+                told += note.text + "\n";
             }
         }
         EXPECT_EQ(told, row.error) << row.assertion;
