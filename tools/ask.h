@@ -2,14 +2,14 @@
 
 #include "refinement/questions.h"
 #include "script/script.h"
+#include "tools/messages.h"
 
 #include <functional>
-#include <string>
 
 namespace Calder::Tools {
 
-/// Is told what is of interest beside the answer, each with its line ends.
-using TakeNote = std::function<void(std::string const& note)>;
+/// Is told what is of interest beside the answer.
+using TakeNote = std::function<void(Message const& note)>;
 
 /// Answers what an assertion asks, without its `not`. Where a component by itself comes to an error of
 /// values it asks again term by term: the process may never let it come so far. Throws ScriptError

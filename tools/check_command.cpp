@@ -6,8 +6,8 @@
 #include "tools/check_report.h"
 #include "tools/command_error.h"
 #include "tools/interruption.h"
+#include "tools/messages.h"
 #include "tools/progress_line.h"
-#include "tools/standard_streams.h"
 
 #include <fmt/core.h>
 
@@ -17,6 +17,7 @@
 #include <optional>
 #include <set>
 #include <string_view>
+#include <utility>
 
 namespace Calder::Tools {
 
@@ -33,8 +34,8 @@ std::vector<std::size_t> numbers_of(std::string_view text) {
         char const* const end = word.data() + word.size();
         auto const [rest, error] = std::from_chars(word.data(), end, number);
         if (error != std::errc() || rest != end) {
-            throw CommandError(fmt::format(
-                "calder: --only wants numbers of assertions, as in '1,3', and not '{}'", word));
+            throw CommandError(
+                fmt::format("--only wants numbers of assertions, as in '1,3', and not '{}'", word));
         }
         numbers.push_back(number);
     }
@@ -49,7 +50,7 @@ std::vector<std::size_t> selected(Script::Script const& script, Input const& inp
     std::size_t const count = script.assertion_count();
     if (count == 0) {
         throw CommandError(fmt::format(
-            "calder: {} asks nothing: it has no 'assert', and there is no --assert", input.name()));
+            "{} asks nothing: it has no 'assert', and there is no --assert", input.name()));
     }
     if (only.empty()) {
         for (std::size_t number = 1; number <= count; ++number) {
@@ -58,9 +59,9 @@ std::vector<std::size_t> selected(Script::Script const& script, Input const& inp
     }
     for (std::size_t& number : only) {
         if (number < 1 || number > count) {
-            throw CommandError(fmt::format(
-                "calder: --only: there is no assertion {}; {} asks {}, and the first one is 1",
-                number, input.name(), count));
+            throw CommandError(
+                fmt::format("--only: there is no assertion {}; {} asks {}, and the first one is 1",
+                            number, input.name(), count));
         }
         --number;
     }
@@ -81,7 +82,7 @@ std::vector<Script::Assertion> make_assertions(Script::Script const& script,
     }
     if (!errors.empty()) {
         sort_and_remove_repetitions(errors);
-        throw script_errors(errors, script.sources());
+        throw ScriptErrors(std::move(errors), script.sources());
     }
     return assertions;
 }
@@ -95,8 +96,7 @@ std::vector<Script::Assertion> make_assertions(Script::Script const& script,
         return make_assertions(script, numbers);
     } catch (std::bad_alloc const&) {
         throw CommandError(
-            fmt::format("calder: what {} asks was not read: the limit on memory was reached",
-                        input.name()),
+            fmt::format("what {} asks was not read: the limit on memory was reached", input.name()),
             exit_stopped_early);
     }
 }
@@ -153,9 +153,9 @@ class Check {
             line.update(found);
             return !watch.interrupted();
         };
-        return ask(assertion, m_script, bounds, [this](std::string const& note) {
-            if (!m_options.quiet && m_notes.insert(note).second) {
-                print_message(note);
+        return ask(assertion, m_script, bounds, [this](Message const& note) {
+            if (!m_options.quiet && m_notes.insert(note.shown()).second) {
+                tell_message(note);
             }
         });
     }

@@ -1,7 +1,9 @@
 #pragma once
 
-#include <stdexcept>
-#include <string>
+#include "script/wording.h"
+
+#include <exception>
+#include <utility>
 
 namespace Calder::Tools {
 
@@ -11,16 +13,18 @@ constexpr int exit_fails = 1;
 constexpr int exit_bad_input = 2;
 constexpr int exit_stopped_early = 3;
 
-/// Ends the command with a message for standard error. The message is complete: nothing is put in
-/// front of it.
-class CommandError : public std::runtime_error {
+/// Ends the command with an error for standard error.
+class CommandError : public std::exception {
   public:
-    explicit CommandError(std::string const& message, int exit_code = exit_bad_input)
-        : std::runtime_error(message), m_exit_code(exit_code) {}
+    explicit CommandError(Script::Wording wording, int exit_code = exit_bad_input)
+        : m_wording(std::move(wording)), m_exit_code(exit_code) {}
 
+    Script::Wording const& wording() const { return m_wording; }
+    char const* what() const noexcept override { return m_wording.text.c_str(); }
     int exit_code() const { return m_exit_code; }
 
   private:
+    Script::Wording m_wording;
     int m_exit_code;
 };
 

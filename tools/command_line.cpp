@@ -42,17 +42,17 @@ std::vector<std::string> names_of_options(CLI::App const& command) {
     return names;
 }
 
-std::string suggestion_among(std::vector<std::string> const& known, std::string const& wrong) {
+Script::Wording suggestion_among(std::vector<std::string> const& known, std::string const& wrong) {
     unsigned budget = Script::suggestion_budget;
     Script::Suggestion suggestion(wrong, budget);
     for (std::string const& name : known) {
         suggestion.consider(name);
     }
-    return suggestion.text();
+    return suggestion.wording();
 }
 
-/// "; it is an option of explore", if other commands have it; otherwise empty.
-std::string owners_of(CLI::App const& app, std::string const& option) {
+/// The commands that have an option.
+std::vector<std::string> owners_of(CLI::App const& app, std::string const& option) {
     std::vector<std::string> owners;
     for (std::string const& name : names_of_commands(app)) {
         std::vector<std::string> const options = names_of_options(*app.get_subcommand(name));
@@ -60,12 +60,16 @@ std::string owners_of(CLI::App const& app, std::string const& option) {
             owners.push_back(name);
         }
     }
-    return owners.empty() ? "" : "; it is an option of " + alternatives(owners);
+    return owners;
+}
+
+bool is_option(std::string const& word) {
+    return word.size() > 1 && word[0] == '-';
 }
 
 /// Words that nobody takes; empty when there are none. More can be said of them than of what is
 /// missing in their stead.
-std::string words_about_leftovers(CLI::App const& app, CLI::App const& command) {
+Script::Wording words_about_leftovers(CLI::App const& app, CLI::App const& command) {
     std::vector<std::string> left = app.remaining(false);
     std::vector<std::string> const of_command =
         &command == &app ? std::vector<std::string>{} : command.remaining(false);
@@ -73,29 +77,32 @@ std::string words_about_leftovers(CLI::App const& app, CLI::App const& command) 
     if (left.empty()) {
         return "";
     }
-    auto const option = std::find_if(left.begin(), left.end(), [](std::string const& word) {
-        return word.size() > 1 && word[0] == '-';
-    });
+    auto const option = std::find_if(left.begin(), left.end(), is_option);
     if (option != left.end()) {
         std::string const name = option->substr(0, option->find('='));
-        std::string const owners = owners_of(app, name);
-        return fmt::format("unknown option '{}' of '{}'{}", name, command.get_display_name(),
-                           owners.empty() ? suggestion_among(names_of_options(command), name)
-                                          : owners);
+        std::vector<std::string> const owners = owners_of(app, name);
+        // What every command takes is right behind any word that was meant for a command.
+        bool const fits_all = owners.size() == names_of_commands(app).size();
+        if (&command != &app || !fits_all || option == left.begin()) {
+            return fmt::format("unknown option '{}' of '{}'", name, command.get_display_name()) +
+                   (owners.empty() ? suggestion_among(names_of_options(command), name)
+                                   : "; it is an option of " + alternatives(owners));
+        }
     }
     if (&command == &app) {
-        std::string const meant = suggestion_among(names_of_commands(app), left[0]);
-        return fmt::format("unknown command '{}'{}", left[0],
-                           meant.empty() ? "; it must be " + alternatives(names_of_commands(app))
+        Script::Wording const meant = suggestion_among(names_of_commands(app), left[0]);
+        return fmt::format("unknown command '{}'", left[0]) +
+               (meant.suggestion.empty() ? "; it must be " + alternatives(names_of_commands(app))
                                          : meant);
     }
     return fmt::format("unexpected '{}': '{}' takes one FILE", left[0], command.get_display_name());
 }
 
 /// What CLI11 says in its own words, in ours.
-std::string words_about(CLI::App const& app, CLI::App const& command, CLI::Error const& error) {
+Script::Wording words_about(CLI::App const& app, CLI::App const& command, CLI::Error const& error) {
     if (error.get_name() != "ValidationError") {
-        if (std::string leftovers = words_about_leftovers(app, command); !leftovers.empty()) {
+        if (Script::Wording leftovers = words_about_leftovers(app, command);
+            !leftovers.text.empty()) {
             return leftovers;
         }
     }
@@ -151,12 +158,13 @@ CLI::Validator not_empty(std::string const& message) {
         [message](std::string& text) { return text.empty() ? message : std::string(); }, "");
 }
 
-std::string command_line_error(CLI::App const* app, CLI::Error const& error) {
-    std::vector<CLI::App*> const chosen = app->get_subcommands();
-    CLI::App const& command = chosen.empty() ? *app : *chosen.front();
-    return fmt::format("calder: {}\nRun '{} --help' for what there is.\n",
-                       words_about(*app, command, error),
-                       &command == app ? "calder" : "calder " + command.get_name());
+Message command_line_error(CLI::App const& app, CLI::Error const& error) {
+    std::vector<CLI::App*> const chosen = app.get_subcommands();
+    CLI::App const& command = chosen.empty() ? app : *chosen.front();
+    return {Severity::error,
+            words_about(app, command, error),
+            {remark(fmt::format("Run '{} --help' for what there is.",
+                                &command == &app ? "calder" : "calder " + command.get_name()))}};
 }
 
 } // namespace Calder::Tools

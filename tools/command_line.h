@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/messages.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -18,7 +20,7 @@ CLI::Validator whole_number(std::uint64_t least, std::uint64_t most);
 CLI::Validator one_of(std::vector<std::string> const& words);
 CLI::Validator not_empty(std::string const& message = "the name is empty");
 
-/// What is wrong with a command line, and where help is to be had: a hook for CLI::App.
-std::string command_line_error(CLI::App const* app, CLI::Error const& error);
+/// What is wrong with a command line, and where help is to be had.
+Message command_line_error(CLI::App const& app, CLI::Error const& error);
 
 } // namespace Calder::Tools

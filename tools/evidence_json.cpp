@@ -1,39 +1,27 @@
 #include "tools/evidence_json.h"
 
 #include "process_compiler/event_numbers.h"
+#include "tools/limit_name.h"
 #include "tools/run_names.h"
 
 namespace Calder::Tools {
 
 using Refinement::EvidenceStep;
 using Refinement::Reason;
-using StateSpace::Outcome;
 
 namespace {
 
-/// What ended the question early; null where nothing did.
-char const* limit_name(Outcome outcome) {
-    switch (outcome) {
-    case Outcome::complete: return nullptr;
-    case Outcome::state_limit: return "state limit";
-    case Outcome::memory_limit: return "memory limit";
-    case Outcome::nesting_limit: return "nesting limit";
-    case Outcome::interrupted: return "interrupted";
-    }
-    return nullptr;
-}
-
-/// Null where there is nothing to show.
+/// Empty where there is nothing to show.
 char const* reason_name(Reason reason) {
     switch (reason) {
-    case Reason::none: return nullptr;
+    case Reason::none: return "";
     case Reason::event: return "event";
     case Reason::refusal: return "refusal";
     case Reason::divergence: return "divergence";
     case Reason::deadlock: return "deadlock";
     case Reason::nondeterminism: return "nondeterminism";
     }
-    return nullptr;
+    return "";
 }
 
 class EvidenceWriter {
@@ -43,14 +31,9 @@ class EvidenceWriter {
           m_evidence(m_answer.evidence), m_json(json), m_names(answered.script, m_answer.machine) {}
 
     void run() {
-        char const* const limit = limit_name(m_answer.outcome);
-        char const* const reason = limit != nullptr ? limit : reason_name(m_evidence.reason);
+        std::string const limit = limit_name(m_answer.outcome);
         m_json.key("reason");
-        if (reason == nullptr) {
-            m_json.null();
-        } else {
-            m_json.value(std::string(reason));
-        }
+        m_json.text_or_null(limit.empty() ? reason_name(m_evidence.reason) : limit);
         write_steps("steps", m_evidence.steps);
         write_end();
         if (std::string const term = m_names.term(m_evidence.end); !term.empty()) {
@@ -76,7 +59,7 @@ class EvidenceWriter {
             m_json.key("demanded");
             m_json.begin_array();
             for (std::vector<unsigned> const& set : m_evidence.demanded) {
-                write_array(m_names.events(set));
+                m_json.value(m_names.events(set));
             }
             m_json.end_array();
             break;
@@ -102,8 +85,7 @@ class EvidenceWriter {
             if (!step.inner_events.empty()) {
                 write_events("inner", step.inner_events);
             }
-            m_json.key("participants");
-            write_array(m_names.participants(step));
+            m_json.member("participants", m_names.participants(step));
             m_json.end_object();
         }
         m_json.end_array();
@@ -157,16 +139,7 @@ class EvidenceWriter {
     }
 
     void write_events(char const* name, std::vector<unsigned> const& events) {
-        m_json.key(name);
-        write_array(m_names.events(events));
-    }
-
-    void write_array(std::vector<std::string> const& words) {
-        m_json.begin_array();
-        for (std::string const& word : words) {
-            m_json.value(word);
-        }
-        m_json.end_array();
+        m_json.member(name, m_names.events(events));
     }
 
     Script::Question m_question;

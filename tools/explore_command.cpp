@@ -1,20 +1,17 @@
 #include "tools/explore_command.h"
 
-#include "state_space/deadlock.h"
 #include "state_space/machine/machine_exploration.h"
 #include "tools/by_terms_note.h"
 #include "tools/command_error.h"
+#include "tools/explore_report.h"
 #include "tools/interruption.h"
-#include "tools/leaf_names.h"
+#include "tools/messages.h"
 #include "tools/progress_line.h"
-#include "tools/standard_streams.h"
-#include "tools/step_lines.h"
-#include "tools/summary.h"
 
 #include <fmt/core.h>
 
-#include <algorithm>
 #include <chrono>
+#include <optional>
 
 namespace Calder::Tools {
 
@@ -28,7 +25,7 @@ class Search {
         : m_script(script), m_definition(definition), m_bounds(std::move(bounds)) {}
 
     /// By the machine, if there is one; otherwise by terms, and `note` says why.
-    StateSpace::MachineExploration by_machine(std::string& note) const {
+    StateSpace::MachineExploration by_machine(std::optional<Message>& note) const {
         try {
             StateSpace::MachineExploration found =
                 StateSpace::explore_by_machine(m_definition.term, m_script.processes(), m_bounds);
@@ -75,69 +72,12 @@ StateSpace::MachineExploration explore(Script::Script const& script,
     if (options.search.engine == Engine::terms) {
         return search.by_terms();
     }
-    std::string note;
+    std::optional<Message> note;
     StateSpace::MachineExploration result = search.by_machine(note);
-    if (!note.empty() && !result.machine && !options.search.quiet) {
-        print_message(note);
+    if (note && !result.machine && !options.search.quiet) {
+        tell_message(*note);
     }
     return result;
-}
-
-std::string trace_text(StateSpace::Deadlock const& deadlock,
-                       ProcessCompiler::Session const& session) {
-    std::string text;
-    for (unsigned const event : deadlock.trace) {
-        text += (text.empty() ? "" : ", ") + session.event_object(event)->name();
-    }
-    return text.empty() ? "at the start" : "after " + text;
-}
-
-/// For each event of the trace, which leaves of the machine take part in it.
-void tell_steps(StateSpace::Deadlock const& deadlock,
-                StateSpace::MachineExploration const& exploration, Script::Script const& script) {
-    LeafNames const names(script, *exploration.machine);
-    std::size_t width = least_column_width;
-    for (unsigned const event : deadlock.trace) {
-        width = std::max(width, script.session().event_object(event)->name().size());
-    }
-    for (std::size_t step = 0; step < deadlock.trace.size(); ++step) {
-        StateSpace::StateNumber const source = deadlock.sources[step];
-        StateSpace::StateNumber const target =
-            step + 1 < deadlock.sources.size() ? deadlock.sources[step + 1] : deadlock.state;
-        std::string const event = script.session().event_object(deadlock.trace[step])->name();
-        tell("", fmt::format(
-                     "{:<{}} {}", event, width,
-                     names_taking_part(names, exploration, source, deadlock.trace[step], target)));
-    }
-}
-
-/// Tells whether there is a deadlock in what was explored; says whether none was found.
-bool tell_deadlock(StateSpace::MachineExploration const& exploration,
-                   Script::Script const& script) {
-    auto const deadlock = StateSpace::find_deadlock(exploration.run.lts);
-    if (!deadlock) {
-        bool const complete = exploration.run.outcome == StateSpace::Outcome::complete;
-        tell("deadlock", complete ? "none" : "none in what was explored");
-        return true;
-    }
-    tell("deadlock", trace_text(*deadlock, script.session()));
-    if (exploration.machine) {
-        tell_steps(*deadlock, exploration, script);
-    }
-    return false;
-}
-
-/// What explored: a machine tells its size.
-std::string engine_text(StateSpace::MachineExploration const& exploration) {
-    if (!exploration.machine) {
-        return "terms";
-    }
-    std::size_t const leaves = start_leaves(exploration).size();
-    std::size_t const configurations = configurations_met(exploration);
-    return fmt::format("machine of {} component{}{}", leaves, leaves == 1 ? "" : "s",
-                       configurations <= 1
-                           ? ""
-                           : fmt::format(" at the start, in {} configurations", configurations));
 }
 
 /// False, and told, when there is no such file.
@@ -155,7 +95,7 @@ bool write_file(ExploreOptions const& options, StateSpace::Run const& run,
             reason = "interrupted";
         }
     }
-    print_message(fmt::format("calder: {} was not written: {}\n", options.output, reason));
+    tell_error(fmt::format("{} was not written: {}", options.output, reason));
     return false;
 }
 
@@ -165,8 +105,8 @@ int exit_code(StateSpace::Run const& run, bool holds, bool is_written) {
     bool const complete = run.outcome == StateSpace::Outcome::complete;
     if (!holds) {
         if (!complete) {
-            print_message(fmt::format("calder: the search stopped early: {}\n",
-                                      StateSpace::describe(run.outcome)));
+            tell_message({Severity::warning, fmt::format("the search stopped early: {}",
+                                                         StateSpace::describe(run.outcome))});
         }
         return exit_fails;
     }
@@ -178,21 +118,24 @@ int explore_and_tell(Script::Script const& script, Script::Script::Definition co
     InterruptionWatch const watch;
     auto const start = std::chrono::steady_clock::now();
     StateSpace::MachineExploration const exploration = explore(script, definition, options, watch);
-    std::chrono::duration<double> const time = std::chrono::steady_clock::now() - start;
     StateSpace::Run const& run = exploration.run;
-    bool const complete = run.outcome == StateSpace::Outcome::complete;
+    Explored const explored{script, definition.name, exploration,
+                            std::chrono::steady_clock::now() - start, options.deadlock};
+    auto const report = options.json ? explore_json_report() : explore_text_report();
+    bool const holds = report->tell(explored);
 
-    tell("process", definition.name);
-    tell("engine", engine_text(exploration));
-    tell("states", fmt::format("{}", run.state_count));
-    tell("transitions", fmt::format("{}", run.transition_count));
-    tell("complete", complete ? "yes" : fmt::format("no: {}", StateSpace::describe(run.outcome)));
-    bool const holds = !options.deadlock || tell_deadlock(exploration, script);
-    tell_time_and_memory(time);
-    finish_results();
-
-    bool const is_written =
-        options.output.empty() || write_file(options, run, script.session(), watch);
+    bool is_written = true;
+    if (!options.output.empty()) {
+        try {
+            is_written = write_file(options, run, script.session(), watch);
+        } catch (...) { // whatever it is, what was found has been told, and its text has an end
+            report->tell_file("");
+            report->finish();
+            throw;
+        }
+        report->tell_file(is_written ? options.output : "");
+    }
+    report->finish();
     return exit_code(run, holds, is_written);
 }
 

@@ -14,6 +14,7 @@ struct ExploreOptions {
     /// How tau is written in an .aut file.
     std::string tau_label = "tau";
     bool deadlock = false;
+    bool json = false;
 };
 
 /// `calder explore`: explores the process, prints the counts, and writes the file asked for.

@@ -68,7 +68,7 @@ std::pair<std::string, std::string> definition_of(std::string const& text) {
     std::size_t const equals = text.find('=');
     if (equals == std::string::npos || equals == 0 || equals + 1 == text.size()) {
         throw CommandError(
-            fmt::format("calder: --define wants NAME=VALUE, as in 'N=9', and not '{}'", text));
+            fmt::format("--define wants NAME=VALUE, as in 'N=9', and not '{}'", text));
     }
     return {text.substr(0, equals), text.substr(equals + 1)};
 }
@@ -84,8 +84,7 @@ std::unique_ptr<Script::Script> read_script(Input const& input) {
     std::optional<std::string> text =
         contents_of(input.file == "-" ? stdin : std::fopen(input.file.c_str(), "rb"));
     if (!text) {
-        throw CommandError(
-            fmt::format("calder: cannot read {}: {}", input.name(), std::strerror(errno)));
+        throw CommandError(fmt::format("cannot read {}: {}", input.name(), std::strerror(errno)));
     }
     Script::ReadOptions options;
     for (std::string const& definition : input.definitions) {
@@ -106,11 +105,11 @@ std::unique_ptr<Script::Script> read_script(Input const& input) {
     if (result.script) {
         return std::move(result.script);
     }
-    throw script_errors(result.diagnostics, result.sources);
+    throw ScriptErrors(std::move(result.diagnostics), std::move(result.sources));
 }
 
 /// What there is instead: of a short script all, of a long one what was meant.
-std::string known_names(Script::Script const& script, std::string const& wrong) {
+Script::Wording known_names(Script::Script const& script, std::string const& wrong) {
     auto const& definitions = script.definitions();
     if (definitions.size() > most_listed) {
         unsigned budget = Script::suggestion_budget;
@@ -118,7 +117,7 @@ std::string known_names(Script::Script const& script, std::string const& wrong) 
         for (Script::Script::Definition const& definition : definitions) {
             suggestion.consider(definition.name);
         }
-        if (std::string meant = suggestion.text(); !meant.empty()) {
+        if (Script::Wording meant = suggestion.wording(); !meant.suggestion.empty()) {
             return meant;
         }
     }
@@ -132,14 +131,14 @@ std::string known_names(Script::Script const& script, std::string const& wrong) 
                : fmt::format("{} and {} more", names, definitions.size() - listed);
 }
 
-/// Throws CommandError with its errors, each at its place.
+/// Throws ScriptErrors and CommandError.
 std::unique_ptr<Script::Script> read_input(Input const& input, std::uint64_t max_memory) {
     try {
         AddressSpaceBound const bound(max_memory);
         return read_script(input);
     } catch (std::bad_alloc const&) {
         throw CommandError(
-            fmt::format("calder: {} was not read: the limit on memory was reached", input.name()),
+            fmt::format("{} was not read: the limit on memory was reached", input.name()),
             exit_stopped_early);
     }
 }
@@ -151,11 +150,10 @@ Script::Script::Definition const& chosen_process(Script::Script const& script, I
     }
     if (script.definitions().empty()) {
         std::string_view const other = script.process_with_parameters();
-        throw CommandError(other.empty()
-                               ? fmt::format("calder: {} defines no process", input.name())
-                               : fmt::format("calder: {} defines no process without parameters; "
-                                             "'{}' is asked for as in --process '{}(0)'",
-                                             input.name(), other, other));
+        throw CommandError(other.empty() ? fmt::format("{} defines no process", input.name())
+                                         : fmt::format("{} defines no process without parameters; "
+                                                       "'{}' is asked for as in --process '{}(0)'",
+                                                       input.name(), other, other));
     }
     if (input.process.empty()) {
         return script.definitions().back();
@@ -164,22 +162,16 @@ Script::Script::Definition const& chosen_process(Script::Script const& script, I
         return *found;
     }
     if (std::string const reason = script.reason_against(input.process); !reason.empty()) {
-        throw CommandError(fmt::format("calder: --process: {}", reason));
+        throw CommandError(fmt::format("--process: {}", reason));
     }
-    throw CommandError(fmt::format("calder: {} does not define '{}'{}", input.name(), input.process,
-                                   known_names(script, input.process)));
+    throw CommandError(fmt::format("{} does not define '{}'", input.name(), input.process) +
+                       known_names(script, input.process));
 }
 
 } // namespace
 
 std::uint64_t default_memory_limit() {
     return StateSpace::resident_bytes() + StateSpace::available_bytes() / 10 * 9;
-}
-
-CommandError script_errors(Script::Diagnostics const& diagnostics, Script::Sources const& sources) {
-    std::string text = Script::render_all(diagnostics, sources);
-    text.pop_back(); // whoever tells a CommandError ends the line
-    return CommandError(text);
 }
 
 int run_with_script(Input const& input, ScriptWork const& work, std::uint64_t max_memory) {

@@ -4,8 +4,10 @@
 #include "tools/command_error.h"
 
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Calder::Tools {
@@ -30,7 +32,19 @@ struct Input {
 std::uint64_t default_memory_limit();
 
 /// The errors of a script, of which there is one at least, each at its place.
-CommandError script_errors(Script::Diagnostics const& diagnostics, Script::Sources const& sources);
+class ScriptErrors : public std::exception {
+  public:
+    ScriptErrors(Script::Diagnostics diagnostics, Script::Sources sources)
+        : m_diagnostics(std::move(diagnostics)), m_sources(std::move(sources)) {}
+
+    Script::Diagnostics const& diagnostics() const { return m_diagnostics; }
+    Script::Sources const& sources() const { return m_sources; }
+    char const* what() const noexcept override { return m_diagnostics.front().message.c_str(); }
+
+  private:
+    Script::Diagnostics m_diagnostics;
+    Script::Sources m_sources;
+};
 
 /// What a command does with a script.
 using ScriptWork = std::function<int(Script::Script const& script)>;
@@ -39,9 +53,9 @@ using ScriptWork = std::function<int(Script::Script const& script)>;
 using ProcessWork =
     std::function<int(Script::Script const& script, Script::Script::Definition const& definition)>;
 
-/// Reads the script and does the work. Throws CommandError with the errors of the script, each at
-/// its place, and when the command would occupy more than so many bytes once the script is read. What
-/// values show only while the work is done is a ScriptError.
+/// Reads the script and does the work. Throws ScriptErrors with those of the script, and CommandError
+/// when it cannot be read or the command would occupy more than so many bytes once it is. What values
+/// show only while the work is done is a ScriptError.
 int run_with_script(Input const& input, ScriptWork const& work,
                     std::uint64_t max_memory = default_memory_limit());
 

@@ -33,9 +33,30 @@ void JsonWriter::value(std::string const& text) {
     m_pending += quoted(text);
 }
 
+void JsonWriter::value(std::vector<std::string> const& words) {
+    begin_array();
+    for (std::string const& word : words) {
+        value(word);
+    }
+    end_array();
+}
+
+void JsonWriter::text_or_null(std::string const& text) {
+    if (text.empty()) {
+        null();
+    } else {
+        value(text);
+    }
+}
+
 void JsonWriter::decimal(double number) {
     separate();
     m_pending += fmt::format("{:.3f}", number);
+}
+
+void JsonWriter::truth(bool value) {
+    separate();
+    m_pending += value ? "true" : "false";
 }
 
 void JsonWriter::null() {
@@ -63,8 +84,7 @@ void JsonWriter::begin(char bracket) {
 void JsonWriter::end(char bracket) {
     --m_depth;
     if (!m_is_first) {
-        m_pending += '\n';
-        m_pending.append(std::size_t{indentation} * m_depth, ' ');
+        break_line();
     }
     m_pending += bracket;
     m_is_first = false;
@@ -75,11 +95,20 @@ void JsonWriter::separate() {
         flush();
     }
     if (m_depth > 0 && !m_follows_key) {
-        m_pending += m_is_first ? "\n" : ",\n";
-        m_pending.append(std::size_t{indentation} * m_depth, ' ');
+        if (!m_is_first) {
+            m_pending += m_layout == Layout::line ? ", " : ",";
+        }
+        break_line();
     }
     m_is_first = false;
     m_follows_key = false;
+}
+
+void JsonWriter::break_line() {
+    if (m_layout == Layout::lines) {
+        m_pending += '\n';
+        m_pending.append(std::size_t{indentation} * m_depth, ' ');
+    }
 }
 
 } // namespace Calder::Tools

@@ -36,16 +36,16 @@ std::vector<std::string> LeafNames::names(std::vector<std::uint32_t> const& leav
     return result;
 }
 
-std::string names_taking_part(LeafNames const& names,
-                              StateSpace::MachineExploration const& exploration,
-                              StateSpace::StateNumber source, unsigned event,
-                              StateSpace::StateNumber target) {
+std::vector<std::string> names_taking_part(LeafNames const& names,
+                                           StateSpace::MachineExploration const& exploration,
+                                           StateSpace::StateNumber source, unsigned event,
+                                           StateSpace::StateNumber target) {
     std::vector<std::string> const all = names.names(leaves_in(exploration, source));
-    std::string text;
+    std::vector<std::string> taking_part;
     for (std::uint32_t const slot : slots_taking_part(exploration, source, event, target)) {
-        text += (text.empty() ? "" : ", ") + all[slot];
+        taking_part.push_back(all[slot]);
     }
-    return text;
+    return taking_part;
 }
 
 std::string short_text(ProcessCompiler::Process const& term,

@@ -24,12 +24,11 @@ class LeafNames {
     std::vector<std::string> m_names; // by leaf
 };
 
-/// The names of the leaves that take part in the step from a state to another with this event,
-/// with commas between.
-std::string names_taking_part(LeafNames const& names,
-                              StateSpace::MachineExploration const& exploration,
-                              StateSpace::StateNumber source, unsigned event,
-                              StateSpace::StateNumber target);
+/// The names of the leaves that take part in the step from a state to another with this event.
+std::vector<std::string> names_taking_part(LeafNames const& names,
+                                           StateSpace::MachineExploration const& exploration,
+                                           StateSpace::StateNumber source, unsigned event,
+                                           StateSpace::StateNumber target);
 
 /// The term as text, cut after about so many characters.
 std::string short_text(ProcessCompiler::Process const& term,

@@ -5,9 +5,12 @@
 #include "tools/interruption.h"
 #include "tools/machine_json.h"
 #include "tools/machine_text.h"
+#include "tools/messages.h"
 #include "tools/standard_streams.h"
 
 #include <fmt/core.h>
+
+#include <utility>
 
 namespace Calder::Tools {
 
@@ -16,7 +19,7 @@ namespace {
 int print_machine_of(Script::Script const& script, Script::Script::Definition const& definition,
                      bool as_json) {
     StateSpace::TermGraph graph = StateSpace::make_term_graph(definition.term, script.processes());
-    std::string const notes = recursion_notes(graph.refused, script);
+    std::vector<Remark> notes = recursion_notes(graph.refused, script);
     StateSpace::Compilation compilation;
     {
         InterruptionWatch const watch;
@@ -28,11 +31,12 @@ int print_machine_of(Script::Script const& script, Script::Script::Definition co
                                 script.processes(), bounds);
     }
     if (!compilation.machine) {
-        print_message(fmt::format("calder: {} has no machine: {}\n{}", definition.name,
-                                  compilation.refusal.empty()
-                                      ? std::string(describe(compilation.outcome))
-                                      : compilation.refusal,
-                                  notes));
+        tell_message(
+            {Severity::error,
+             fmt::format("{} has no machine: {}", definition.name,
+                         compilation.refusal.empty() ? std::string(describe(compilation.outcome))
+                                                     : compilation.refusal),
+             std::move(notes)});
         return compilation.outcome == StateSpace::Outcome::complete ? exit_bad_input
                                                                     : exit_stopped_early;
     }

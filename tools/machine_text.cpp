@@ -96,9 +96,9 @@ std::string machine_text(ShownMachine const& shown) {
                        machine.start, leaves, constructs.empty() ? "  none\n" : constructs);
 }
 
-std::string recursion_notes(std::vector<StateSpace::RefusedRecursion> const& all,
-                            Script::Script const& script) {
-    std::string notes;
+std::vector<Remark> recursion_notes(std::vector<StateSpace::RefusedRecursion> const& all,
+                                    Script::Script const& script) {
+    std::vector<Remark> notes;
     std::size_t count = 0;
     for (StateSpace::RefusedRecursion const& refused : all) {
         for (ProcessCompiler::NamedProcessPointer const& name : refused.names) {
@@ -106,13 +106,17 @@ std::string recursion_notes(std::vector<StateSpace::RefusedRecursion> const& all
                 continue;
             }
             Script::Location const place = script.location_of(*name);
-            notes += fmt::format("{}:{}:{}: note: '{}' comes back inside argument {} of '{}'\n",
-                                 script.sources()[place.source].name, place.line, place.column,
-                                 name->name(), refused.argument,
-                                 operator_text(*refused.construct, script.session()));
+            notes.push_back(
+                remark_at({script.sources()[place.source].name, place},
+                          fmt::format("'{}' comes back inside argument {} of '{}'", name->name(),
+                                      refused.argument,
+                                      operator_text(*refused.construct, script.session()))));
         }
     }
-    return count <= most_notes ? notes : fmt::format("{}and {} more\n", notes, count - most_notes);
+    if (count > most_notes) {
+        notes.push_back(remark(fmt::format("and {} more", count - most_notes)));
+    }
+    return notes;
 }
 
 } // namespace Calder::Tools

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/leaf_names.h"
+#include "tools/messages.h"
 
 #include <string>
 
@@ -17,9 +18,9 @@ struct ShownMachine {
 /// For people: the leaves, then each construct with its formats and rules.
 std::string machine_text(ShownMachine const& shown);
 
-/// Why recursion was refused: a line for each name on the cycles, with its place in the script; of
+/// Why recursion was refused: a remark for each name on the cycles, with its place in the script; of
 /// many, how many more there are.
-std::string recursion_notes(std::vector<StateSpace::RefusedRecursion> const& refused,
-                            Script::Script const& script);
+std::vector<Remark> recursion_notes(std::vector<StateSpace::RefusedRecursion> const& refused,
+                                    Script::Script const& script);
 
 } // namespace Calder::Tools

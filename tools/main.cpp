@@ -2,7 +2,9 @@
 #include "script/script.h"
 #include "tools/command_error.h"
 #include "tools/command_line.h"
+#include "tools/error_format.h"
 #include "tools/interruption.h"
+#include "tools/messages.h"
 #include "tools/options.h"
 #include "tools/out_of_memory.h"
 #include "tools/stack_limit.h"
@@ -11,8 +13,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstring>
 #include <new>
 #include <sstream>
+#include <string>
 
 using namespace Calder::Tools;
 
@@ -20,17 +24,24 @@ namespace {
 
 /// Help, the version, or what is wrong with the command line.
 int answer(CLI::App const& app, CLI::ParseError const& error) {
+    if (error.get_exit_code() != 0) {
+        tell_message(command_line_error(app, error));
+        return exit_bad_input;
+    }
     std::ostringstream results;
-    std::ostringstream messages;
     results.exceptions(std::ios_base::badbit);
-    messages.exceptions(std::ios_base::badbit);
-    int const result = app.exit(error, results, messages) == 0 ? exit_holds : exit_bad_input;
+    app.exit(error, results, results);
     if (failed_allocations() > 0) { // in the library's own streams, and half the help is missing
         throw std::bad_alloc();
     }
     print_result(results.str());
-    print_message(messages.str());
-    return result;
+    return exit_holds;
+}
+
+int tell_lost_results(ResultsLost const& lost) {
+    end_where_reader_has_gone(lost);
+    tell_error(std::string("cannot write standard output: ") + std::strerror(lost.error()));
+    return exit_bad_input;
 }
 
 int do_work(CommandLine const& line) {
@@ -47,7 +58,6 @@ int do_work(CommandLine const& line) {
 int run(int count, char** words) {
     CommandLine line;
     auto const parser = command_line_parser(line, std::string("calder ") + version);
-    parser->failure_message(command_line_error);
     try {
         parser->parse(count, words);
     } catch (CLI::ParseError const& error) {
@@ -65,24 +75,22 @@ int guarded_run(int count, char** words) {
     } catch (ResultsLost const& lost) {
         return tell_lost_results(lost);
     } catch (CommandError const& error) {
-        print_message(error.what());
-        print_message("\n");
+        tell_error(error.wording());
         return error.exit_code();
+    } catch (ScriptErrors const& errors) {
+        tell_script_errors(errors.diagnostics(), errors.sources());
+        return exit_bad_input;
     } catch (Calder::Script::ScriptError const& error) {
-        print_message(error.what());
+        tell_script_error(error);
         return exit_bad_input;
     } catch (std::bad_alloc const&) {
-        print_message(out_of_memory);
+        print_message(out_of_memory());
         return exit_stopped_early;
     } catch (Calder::ProcessCompiler::NestedTooDeeply const& error) {
-        print_message("calder: ");
-        print_message(error.what());
-        print_message("\n");
+        tell_error(error.what());
         return exit_stopped_early;
     } catch (std::exception const& error) {
-        print_message("calder: ");
-        print_message(error.what());
-        print_message("\n");
+        tell_error(error.what());
         return exit_bad_input;
     }
 }
@@ -92,5 +100,6 @@ int guarded_run(int count, char** words) {
 int main(int count, char** words) {
     prepare_standard_streams();
     end_when_interrupted();
+    choose_error_format(wanted_error_format(count, words));
     return guarded_run(count, words);
 }

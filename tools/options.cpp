@@ -1,6 +1,7 @@
 #include "tools/options.h"
 
 #include "tools/command_line.h"
+#include "tools/error_format.h"
 #include "tools/word_lists.h"
 
 #include <CLI/CLI.hpp>
@@ -84,6 +85,15 @@ void add_json(CLI::App& command, bool& json) {
     command.add_flag("--json", json, "As JSON");
 }
 
+void add_error_format(CLI::App& command) {
+    add_choice(
+        command, "--error-format", {"text", "json"},
+        [](std::string const& word) {
+            choose_error_format(word == "json" ? ErrorFormat::json : ErrorFormat::text);
+        },
+        "Write messages for people, or for programs, a line of JSON each");
+}
+
 void add_messages(CLI::App& command, SearchOptions& options) {
     command.add_flag("--progress", options.progress,
                      "Show how it gets on, also where standard error is no terminal");
@@ -105,6 +115,7 @@ void add_explore(CLI::App& command, ExploreOptions& options) {
     command.add_flag(
         "--deadlock", options.deadlock,
         "Look for a deadlock and tell a shortest way to it; exit with 1 if there is one");
+    add_json(command, options.json);
     add_messages(command, options.search);
 }
 
@@ -167,6 +178,9 @@ std::unique_ptr<CLI::App> command_line_parser(CommandLine& line, std::string con
               line.describe);
     add_machine(add("machine", Command::machine, "Print the machine that a process compiles to"),
                 line.machine);
+    for (CLI::App* const command : app->get_subcommands([](CLI::App*) { return true; })) {
+        add_error_format(*command);
+    }
     return app;
 }
 

@@ -1,6 +1,7 @@
 #include "tools/out_of_memory.h"
 
 #include "tools/command_error.h"
+#include "tools/error_format.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -38,8 +39,8 @@ bool ran_out_of_memory() {
     if (!ran_out_of_memory()) {
         std::abort(); // a fault of ours, for a core file
     }
-    [[maybe_unused]] ssize_t const written =
-        write(STDERR_FILENO, out_of_memory.data(), out_of_memory.size());
+    std::string_view const text = out_of_memory();
+    [[maybe_unused]] ssize_t const written = write(STDERR_FILENO, text.data(), text.size());
     _exit(exit_stopped_early);
 }
 
@@ -53,6 +54,15 @@ void install() {
 [[gnu::section(".preinit_array"), gnu::used]] void (*const install_first)() = install;
 
 } // namespace
+
+/// Literals, because nothing can be put together any more.
+std::string_view out_of_memory() noexcept {
+    return error_format() == ErrorFormat::text
+               ? "calder: out of memory\n"
+               : R"({"severity": "error", "file": null, "line": null, "column": null, "length": null, )"
+                 R"("message": "out of memory", "suggestion": null, "notes": []})"
+                 "\n";
+}
 
 unsigned failed_allocations() {
     return failures;

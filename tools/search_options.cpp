@@ -1,5 +1,6 @@
 #include "tools/search_options.h"
 
+#include "tools/error_format.h"
 #include "tools/input.h"
 #include "tools/summary.h"
 
@@ -21,7 +22,8 @@ unsigned SearchOptions::thread_count() const {
 }
 
 bool SearchOptions::shows_progress() const {
-    return !quiet && (progress || isatty(STDERR_FILENO) == 1);
+    return !quiet && error_format() == ErrorFormat::text &&
+           (progress || isatty(STDERR_FILENO) == 1);
 }
 
 } // namespace Calder::Tools

@@ -25,7 +25,7 @@ struct SearchOptions {
     /// What was asked for, otherwise most of what is free, in bytes.
     std::uint64_t memory_limit() const;
     unsigned thread_count() const;
-    /// A terminal is shown it without being asked for.
+    /// A terminal is shown it without being asked for. Programs are not: it is no message.
     bool shows_progress() const;
 };
 

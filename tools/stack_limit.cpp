@@ -20,7 +20,7 @@ void require_stack() {
     rlimit stack{};
     getrlimit(RLIMIT_STACK, &stack);
     if (rlim_t const kib = stack.rlim_cur / 1024; kib < least_kib) {
-        throw CommandError(fmt::format("calder: the stack is limited to {} KiB, and {} KiB are "
+        throw CommandError(fmt::format("the stack is limited to {} KiB, and {} KiB are "
                                        "needed; 'ulimit -s 8192' allows what is usual",
                                        kib, least_kib),
                            exit_stopped_early);

@@ -1,11 +1,8 @@
 #include "tools/standard_streams.h"
 
-#include "tools/command_error.h"
-
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -55,15 +52,11 @@ void print_message(std::string_view text) noexcept {
     std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
-int tell_lost_results(ResultsLost const& lost) {
+void end_where_reader_has_gone(ResultsLost const& lost) {
     if (lost.error() == EPIPE) {
         sigaction(SIGPIPE, &given_pipe_action, nullptr);
         std::raise(SIGPIPE); // comes back where our caller ignores it
     }
-    print_message("calder: cannot write standard output: ");
-    print_message(std::strerror(lost.error()));
-    print_message("\n");
-    return exit_bad_input;
 }
 
 ResultStream::Buffer::int_type ResultStream::Buffer::overflow(int_type letter) {

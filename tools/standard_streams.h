@@ -32,9 +32,9 @@ void finish_results();
 /// Writes to standard error as much as that takes; allocates nothing.
 void print_message(std::string_view text) noexcept;
 
-/// Says that results are lost, and gives the exit code. Where only their reader has gone, as in
-/// `calder print FILE | head -1`, the program ends by SIGPIPE, as programs do.
-int tell_lost_results(ResultsLost const& lost);
+/// Where only the reader of results has gone, as in `calder print FILE | head -1`, the program ends by
+/// SIGPIPE, as programs do. Otherwise it is for the caller to say that they are lost.
+void end_where_reader_has_gone(ResultsLost const& lost);
 
 /// Standard output for what prints itself to a stream. A failure is thrown as ResultsLost.
 class ResultStream : public std::ostream {
