@@ -18,10 +18,14 @@ namespace Calder {
 class CALDER_CORE_EXPORT BitSet {
   public:
     class const_iterator;
+    /// @{
+    /// What standard algorithms and containers ask for.
     using iterator = const_iterator;
     using value_type = unsigned;
+    /// @}
 
     BitSet() = default;
+    /// In any order; what is given twice counts once.
     BitSet(std::initializer_list<unsigned> events);
 
     /// Adds `event`; nothing happens when it is there already.
@@ -33,6 +37,7 @@ class CALDER_CORE_EXPORT BitSet {
     /// The members that are not in `other`.
     [[nodiscard]] BitSet without(BitSet const& other) const;
 
+    /// Constant time; no number is too large to be asked about.
     [[nodiscard]] bool member(unsigned event) const noexcept {
         std::size_t const word = event / word_bits;
         return word < m_words.size() && ((m_words[word] >> (event % word_bits)) & 1U) != 0;
@@ -40,17 +45,23 @@ class CALDER_CORE_EXPORT BitSet {
 
     /// How many events the set holds; linear in the words of the map.
     [[nodiscard]] std::size_t size() const noexcept;
+    /// Constant time, unlike a comparison of `size` with 0.
     [[nodiscard]] bool empty() const noexcept { return m_words.empty(); }
 
     /// The exclusive or of all words of the map: what a set contributes to a hash code.
     [[nodiscard]] std::uint64_t folded_words() const noexcept;
 
+    /// @{
+    /// Linear in the words of the maps.
     bool operator==(BitSet const& other) const noexcept { return m_words == other.m_words; }
     bool operator!=(BitSet const& other) const noexcept { return m_words != other.m_words; }
+    /// @}
 
+    /// @{
     /// Iteration is in ascending order; the set must not change meanwhile.
     [[nodiscard]] const_iterator begin() const noexcept;
     [[nodiscard]] const_iterator end() const noexcept;
+    /// @}
 
   private:
     static constexpr unsigned word_bits = 64;
@@ -58,23 +69,31 @@ class CALDER_CORE_EXPORT BitSet {
     std::vector<std::uint64_t> m_words;
 };
 
+/// Where an iteration stands: good until the set changes or goes. Members come as numbers, not as
+/// references.
 class BitSet::const_iterator {
   public:
-    // Forward, but for the older rules a forward iterator would have to refer to what it names.
+    /// @{
+    /// What standard algorithms ask for. Forward, but for the older rules a forward iterator would
+    /// have to refer to what it names.
     using iterator_concept = std::forward_iterator_tag;
     using iterator_category = std::input_iterator_tag;
     using value_type = unsigned;
     using difference_type = std::ptrdiff_t;
     using pointer = void;
     using reference = unsigned;
+    /// @}
 
     const_iterator() = default;
 
+    /// The member it stands at; there must be one.
     unsigned operator*() const noexcept {
         return static_cast<unsigned>(m_word) * word_bits +
                static_cast<unsigned>(std::countr_zero(m_rest));
     }
 
+    /// @{
+    /// To the next larger member; past the last one, to the end.
     const_iterator& operator++() noexcept {
         m_rest &= m_rest - 1;
         skip_empty_words();
@@ -86,11 +105,15 @@ class BitSet::const_iterator {
         ++*this;
         return before;
     }
+    /// @}
 
+    /// @{
+    /// Of iterators over the same set.
     bool operator==(const_iterator const& other) const noexcept {
         return m_word == other.m_word && m_rest == other.m_rest;
     }
     bool operator!=(const_iterator const& other) const noexcept { return !(*this == other); }
+    /// @}
 
   private:
     friend class BitSet;

@@ -24,6 +24,7 @@ class CachedHash {
 
     /// For who computes the code before it is asked for.
     void keep(std::uint64_t code) const noexcept { m_code.store(code, std::memory_order_relaxed); }
+    /// 0 when none was kept.
     [[nodiscard]] std::uint64_t kept() const noexcept {
         return m_code.load(std::memory_order_relaxed);
     }

@@ -29,6 +29,7 @@ template <typename T> class FixedArray {
     static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
 
   public:
+    /// What standard algorithms ask for.
     using value_type = T;
 
     FixedArray() noexcept = default;
@@ -38,10 +39,12 @@ template <typename T> class FixedArray {
         build(length, [](std::size_t) { return T(); });
     }
 
+    /// Copies of the elements, in order.
     FixedArray(std::initializer_list<T> elements) : m_elements(allocate(elements.size())) {
         build(elements.size(), [&](std::size_t i) -> T const& { return elements.begin()[i]; });
     }
 
+    /// Copies of its elements, in order.
     FixedArray(FixedArray const& other) : m_elements(allocate(other.m_length)) {
         build(other.m_length, [&](std::size_t i) -> T const& { return other[i]; });
     }
@@ -53,6 +56,7 @@ template <typename T> class FixedArray {
               [&](std::size_t i) -> T const& { return i == index ? replacement : other[i]; });
     }
 
+    /// Leaves `other` empty.
     FixedArray(FixedArray&& other) noexcept
         : m_length(std::exchange(other.m_length, 0)),
           m_elements(std::exchange(other.m_elements, nullptr)) {}
@@ -66,16 +70,25 @@ template <typename T> class FixedArray {
 
     ~FixedArray() { deallocate(m_elements, m_length); }
 
+    /// @{
+    /// The length that it was made with; 0 after it was moved from.
     [[nodiscard]] std::size_t size() const noexcept { return m_length; }
     [[nodiscard]] bool empty() const noexcept { return m_length == 0; }
+    /// @}
 
+    /// @{
+    /// The index is not checked.
     T& operator[](std::size_t index) noexcept { return m_elements[index]; }
     T const& operator[](std::size_t index) const noexcept { return m_elements[index]; }
+    /// @}
 
+    /// @{
+    /// The elements stay where they are as long as the array does, also when it is moved.
     T* begin() noexcept { return m_elements; }
     T* end() noexcept { return m_elements + m_length; }
     [[nodiscard]] T const* begin() const noexcept { return m_elements; }
     [[nodiscard]] T const* end() const noexcept { return m_elements + m_length; }
+    /// @}
 
   private:
     [[nodiscard]] static T* allocate(std::size_t length) {
@@ -117,8 +130,12 @@ template <typename T> class OwningArray : public FixedArray<T> {
     using FixedArray<T>::FixedArray;
 
     OwningArray() noexcept = default;
+    /// @{
+    /// As of the base, but both arrays release what they hold.
     OwningArray(OwningArray const&) = default;
     OwningArray(OwningArray&&) noexcept = default;
+    /// Copies what another array holds, which keeps its own.
+    /// @}
     explicit OwningArray(FixedArray<T> const& other) : FixedArray<T>(other) {}
     OwningArray& operator=(OwningArray const&) = delete;
     OwningArray& operator=(OwningArray&&) = delete;

@@ -21,6 +21,7 @@ CALDER_CORE_EXPORT void record_kept_reference(void const* object);
 template <typename T> class KeptReferences : public FixedArray<boost::intrusive_ptr<T>> {
   public:
     using FixedArray<boost::intrusive_ptr<T>>::FixedArray;
+    /// Retains what the other array holds.
     explicit KeptReferences(FixedArray<boost::intrusive_ptr<T>> const& other)
         : FixedArray<boost::intrusive_ptr<T>>(other) {}
 

@@ -30,11 +30,15 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
     static_assert(std::is_same_v<Char, char>, "texts are UTF-8 in char");
 
   public:
+    /// Bytes of UTF-8.
     using Text = std::basic_string<Char>;
 
+    /// @{
+    /// What `piece_budget`, `line_width` and `most_pending` are at first.
     static constexpr unsigned no_piece_budget = 0xFFFFFFFF;
     static constexpr unsigned no_line_width = std::numeric_limits<unsigned>::max();
     static constexpr std::size_t no_pending_limit = std::numeric_limits<std::size_t>::max();
+    /// @}
 
     /// A printer without a limit of any kind, writing to `stream`, which must outlive it.
     PrettyPrinter(std::basic_ostream<Char>& stream, Session printed_session)
@@ -67,6 +71,8 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
         return is_spent() || is_used_up || m_pieces_length + pending_text.size() >= most_pending;
     }
 
+    /// Adds to the line that is collected; each newline in the text ends one. Does nothing once the
+    /// budget is spent.
     PrettyPrinter& operator<<(Text const& text) {
         if (is_spent()) {
             return *this;
@@ -124,16 +130,22 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
         return stream.str();
     }
 
+    /// Where lines go; not owned.
     std::basic_ostream<Char>& output;
     /// Continuations and parameters are printed as "…".
     bool abbreviate = false;
     /// Characters that may still be written: 0 when the budget is spent, below 0 without limit.
     std::int32_t remaining_characters = -1;
+    /// Passed on by who prints; the stream itself does not look at it.
     Session session;
+    /// Of the piece that is being collected.
     Text pending_text;
+    /// Of the line that is being collected, those that have ended.
     std::vector<Text> pieces;
     /// Blanks at the start of every line that is written.
     unsigned indent = 0;
+    /// The blanks are written with the first text of a line, before it is known whether more
+    /// follows.
     bool indent_written = false;
     /// A line is broken before a piece that would end beyond this column.
     unsigned line_width = no_line_width;
@@ -215,12 +227,16 @@ template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrinte
 template <typename Session, typename Char> class CALDER_CORE_EXPORT PrettyPrintable {
   public:
     virtual ~PrettyPrintable() = default;
+    /// The whole of it, within the limits of the printer.
     virtual void pretty_print(PrettyPrinter<Session, Char>& printer) const = 0;
 
   protected:
     PrettyPrintable() = default;
+    /// @{
+    /// For those who derive from it: through the base, nothing is copied.
     PrettyPrintable(PrettyPrintable const&) = default;
     PrettyPrintable& operator=(PrettyPrintable const&) = default;
+    /// @}
 };
 
 } // namespace Calder::PrettyPrinter

@@ -22,11 +22,14 @@ class CALDER_CORE_EXPORT AtomicReferenceCounted {
   public:
     virtual ~AtomicReferenceCounted();
 
+    /// In small blocks, as there are very many objects.
     static void* operator new(std::size_t bytes) { return SmallBlocks::allocate(bytes); }
+    /// The size is that of the whole object, which the virtual destructor knows.
     static void operator delete(void* object, std::size_t bytes) noexcept {
         SmallBlocks::free(object, bytes);
     }
 
+    /// One pointer more. No fence: who retains holds a pointer already.
     void retain() const noexcept {
         if (is_alone()) {
             m_count.store(m_count.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
@@ -35,6 +38,8 @@ class CALDER_CORE_EXPORT AtomicReferenceCounted {
         }
     }
 
+    /// One pointer less; the last one destroys the object, or leaves that to the destructor that is
+    /// running.
     void release() const noexcept {
         // Alone with the object there is nobody to race with, either, and a load is cheaper than a
         // read-modify-write.
@@ -73,6 +78,8 @@ class CALDER_CORE_EXPORT AtomicReferenceCounted {
     mutable std::atomic<std::uintptr_t> m_count{0};
 };
 
+/// @{
+/// How boost::intrusive_ptr counts.
 inline void intrusive_ptr_add_ref(AtomicReferenceCounted const* object) noexcept {
     object->retain();
 }
@@ -80,5 +87,6 @@ inline void intrusive_ptr_add_ref(AtomicReferenceCounted const* object) noexcept
 inline void intrusive_ptr_release(AtomicReferenceCounted const* object) noexcept {
     object->release();
 }
+/// @}
 
 } // namespace Calder

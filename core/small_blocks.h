@@ -16,6 +16,7 @@ namespace Calder {
 /// block is one of its own, so that mistakes are found and allocations can be counted.
 class CALDER_CORE_EXPORT SmallBlocks {
   public:
+    /// A request of just so many bytes is small, too.
     static constexpr std::size_t most_small_bytes = 128;
 
     /// Of at least 1 byte, aligned to 16. Throws std::bad_alloc.
@@ -23,6 +24,7 @@ class CALDER_CORE_EXPORT SmallBlocks {
     /// With the size that was asked for; null is let be.
     static void free(void* block, std::size_t bytes) noexcept;
 
+    /// Whether every block is allocated by itself, for the sake of who looks for mistakes.
     [[nodiscard]] static bool are_of_their_own() noexcept;
 };
 

@@ -41,6 +41,7 @@ class CALDER_CSP_EXPORT AlphabetisedParallelOperator
     explicit AlphabetisedParallelOperator(std::vector<BitSet> const& alphabets);
     ~AlphabetisedParallelOperator() override;
 
+    /// By argument, each with tick.
     FixedArray<BitSet> const& alphabets() const { return m_alphabets; }
 
     bool visit_transitions(NamedProcessSource const& source, TransitionVisitor const& visitor,

@@ -53,11 +53,15 @@ template <typename Construct> class BinaryProcess : public ShapedProcess<Constru
   protected:
     /// Both arguments null until `set_arguments`.
     BinaryProcess() = default;
+    /// Retains both; neither is asked anything.
     BinaryProcess(ProcessPointer const& first, ProcessPointer const& second)
         : m_first(first), m_second(second) {}
 
+    /// @{
+    /// Null in a term that was built without arguments, until `set_arguments`.
     ProcessPointer m_first;
     ProcessPointer m_second;
+    /// @}
 };
 
 } // namespace Calder::ProcessCompiler::CSP

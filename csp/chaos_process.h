@@ -26,8 +26,11 @@ class CALDER_CSP_EXPORT ChaosProcess : public EventSetProcess<ChaosProcess> {
         .description = "Chaos over event set:",
     };
 
+    /// @{
+    /// Events that the session does not declare are left out.
     ChaosProcess(Session& session, EventSet const& events);
     explicit ChaosProcess(BitSet const& events);
+    /// @}
     ~ChaosProcess() override;
 
     bool visit_transitions(NamedProcessSource const& source,

@@ -34,14 +34,15 @@ template <typename... Constructs> constexpr auto table_of() {
     return rows;
 }
 
+/// What the numbers of a table must be: kinds are how terms are told apart.
 template <std::size_t size> constexpr bool no_kind_twice(std::array<Shape, size> const& table) {
     return std::adjacent_find(table.begin(), table.end(), [](auto const& left, auto const& right) {
                return left.kind == right.kind;
            }) == table.end();
 }
 
-// The table of the library: every construct has its row here.
-
+/// @{
+/// The table of the library: every construct has its row here, ascending by kind.
 constexpr auto process_shapes =
     table_of<PrefixProcess, EventSetPrefixProcess, ExternalChoiceProcess, InternalChoiceProcess,
              SlidingChoiceProcess, SequentialCompositionProcess, InterruptProcess,
@@ -51,6 +52,7 @@ constexpr auto operator_shapes =
     table_of<GeneralisedParallelOperator, AlphabetisedParallelOperator, LinkedParallelOperator,
              HideOperator, ProjectOperator, RenameOperator, ExceptionOperator,
              SynchronisingExternalChoiceOperator, SynchronisingInterruptOperator>();
+/// @}
 
 static_assert(no_kind_twice(process_shapes) && no_kind_twice(operator_shapes));
 static_assert(process_shapes.back().kind < operator_process_kind); // the host's own come above

@@ -41,10 +41,14 @@ template <typename Construct> class EventSetOperator : public ShapedOperator<Con
     }
 
   protected:
+    /// @{
+    /// Events that the session does not declare are left out.
     explicit EventSetOperator(BitSet const& events) : m_events(events) {}
     EventSetOperator(Session& session, EventSet const& events)
         : m_events(session.event_number_set(events)) {}
+    /// @}
 
+    /// What the operator does with them, its rules say.
     BitSet m_events;
 };
 

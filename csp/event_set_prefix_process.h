@@ -27,9 +27,11 @@ class CALDER_CSP_EXPORT EventSetPrefixProcess
         .description = "Prefix event set:",
     };
 
+    /// The continuation may be null until `set_arguments`.
     EventSetPrefixProcess(BitSet const& events, ProcessPointer const& destination);
     ~EventSetPrefixProcess() override;
 
+    /// What it offers; the numbers are the session's that made them.
     BitSet const& events() const { return m_offer; }
 
     bool visit_transitions(NamedProcessSource const& source,

@@ -49,10 +49,14 @@ template <typename Construct> class EventSetProcess : public ShapedProcess<Const
     }
 
   protected:
+    /// @{
+    /// Events that the session does not declare are left out.
     EventSetProcess(Session& session, EventSet const& events)
         : m_events(session.event_number_set(events)) {}
     explicit EventSetProcess(BitSet const& events) : m_events(events) {}
+    /// @}
 
+    /// What it offers.
     BitSet m_events;
 };
 

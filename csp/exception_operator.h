@@ -35,8 +35,11 @@ class CALDER_CSP_EXPORT ExceptionOperator : public EventSetOperator<ExceptionOpe
         .description = "Exception with event set:",
     };
 
+    /// @{
+    /// Events that the session does not declare are left out.
     explicit ExceptionOperator(BitSet const& exception_events);
     ExceptionOperator(Session& session, EventSet const& exception_events);
+    /// @}
     ~ExceptionOperator() override;
 
     bool visit_transitions(NamedProcessSource const& source, TransitionVisitor const& visitor,

@@ -32,8 +32,11 @@ class CALDER_CSP_EXPORT ExternalChoiceProcess : public NaryProcess<ExternalChoic
         .text_when_empty = "STOP",
     };
 
+    /// `count` arguments that are null until `set_arguments`.
     explicit ExternalChoiceProcess(unsigned count);
+    /// The arguments are never released (NaryProcess).
     explicit ExternalChoiceProcess(ProcessArray const& arguments);
+    /// The same arguments with the one at `index` replaced.
     ExternalChoiceProcess(ProcessArray const& arguments, unsigned index,
                           ProcessPointer const& replacement);
     ~ExternalChoiceProcess() override;

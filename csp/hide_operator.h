@@ -30,8 +30,11 @@ class CALDER_CSP_EXPORT HideOperator : public RelabellingOperator<HideOperator> 
         .description = "Hiding event set:",
     };
 
+    /// @{
+    /// Events that the session does not declare are left out.
     explicit HideOperator(BitSet const& hidden_events);
     HideOperator(Session& session, EventSet const& hidden_events);
+    /// @}
     ~HideOperator() override;
 
     /// The event of the whole when the argument performs `event`.

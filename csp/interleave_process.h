@@ -35,8 +35,11 @@ class CALDER_CSP_EXPORT InterleaveProcess : public NaryProcess<InterleaveProcess
         .text_when_empty = "SKIP",
     };
 
+    /// `count` arguments that are null until `set_arguments`.
     explicit InterleaveProcess(unsigned count);
+    /// The arguments are never released (NaryProcess).
     explicit InterleaveProcess(ProcessArray const& arguments);
+    /// The same arguments with the one at `index` replaced.
     InterleaveProcess(ProcessArray const& arguments, unsigned index,
                       ProcessPointer const& replacement);
     ~InterleaveProcess() override;

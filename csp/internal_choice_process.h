@@ -28,7 +28,9 @@ class CALDER_CSP_EXPORT InternalChoiceProcess : public NaryProcess<InternalChoic
         .text_when_empty = "STOP",
     };
 
+    /// `count` arguments that are null until `set_arguments`.
     explicit InternalChoiceProcess(unsigned count);
+    /// The arguments are never released (NaryProcess).
     explicit InternalChoiceProcess(ProcessArray const& arguments);
     ~InternalChoiceProcess() override;
 

@@ -34,8 +34,11 @@ class CALDER_CSP_EXPORT InterruptProcess : public BinaryProcess<InterruptProcess
         .description = "Interrupt",
     };
 
+    /// @{
+    /// Without arguments, both are null until `set_arguments`.
     InterruptProcess();
     InterruptProcess(ProcessPointer const& first, ProcessPointer const& second);
+    /// @}
     ~InterruptProcess() override;
 
     bool visit_transitions(NamedProcessSource const& source,

@@ -38,6 +38,7 @@ class CALDER_CSP_EXPORT LinkedParallelOperator : public ShapedOperator<LinkedPar
         .description = "Link Parallel synchronising:",
     };
 
+    /// Pairs (event of the first argument, event of the second).
     using Links = FixedArray<std::pair<unsigned, unsigned>>;
 
     /// Pairs (left event, right event); tick <-> tick is added as the last one.

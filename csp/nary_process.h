@@ -9,7 +9,7 @@
 namespace Calder::ProcessCompiler::CSP {
 
 /// What the process constructs with any number of arguments share: the arguments, their identity
-/// and the form `P1 op .. op Pn`. The arguments are never released (core/kept_references.h).
+/// and the form "P1 op .. op Pn". The arguments are never released (core/kept_references.h).
 template <typename Construct> class NaryProcess : public ShapedProcess<Construct> {
   public:
     unsigned argument_count() const override { return static_cast<unsigned>(m_arguments.size()); }
@@ -49,11 +49,13 @@ template <typename Construct> class NaryProcess : public ShapedProcess<Construct
   protected:
     /// `count` arguments that are null until `set_arguments`.
     explicit NaryProcess(unsigned count) : m_arguments(count) {}
+    /// The arguments in order; each is retained for good.
     explicit NaryProcess(ProcessArray const& arguments) : m_arguments(arguments) {}
     /// The same arguments with the one at `index` replaced.
     NaryProcess(ProcessArray const& arguments, unsigned index, ProcessPointer const& replacement)
         : m_arguments(arguments, index, replacement) {}
 
+    /// As many as the term was built for.
     KeptReferences<Process> m_arguments;
 };
 

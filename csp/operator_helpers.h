@@ -10,6 +10,7 @@ namespace Calder::ProcessCompiler::CSP {
 
 /// The transitions of one argument that are candidates for synchronisation: (event, successor).
 using SyncVector = std::vector<std::pair<unsigned, ProcessPointer>>;
+/// By argument. Who makes one releases what it holds: see OwningArray.
 using SyncVectors = FixedArray<SyncVector>;
 /// One position an argument.
 using IndexArray = FixedArray<unsigned>;
@@ -41,6 +42,7 @@ CALDER_CSP_EXPORT bool cart_product_synchronised_events(BitSet const& synchronis
 
 /// The scratch of cart_product for one visit, all of which goes when the visit ends.
 struct CALDER_CSP_EXPORT CartProductScratch {
+    /// For that many arguments, all null, and runs that are not found yet.
     explicit CartProductScratch(std::size_t arguments)
         : joint_arguments(arguments), start(arguments), end(arguments), current(arguments) {}
 
@@ -49,20 +51,27 @@ struct CALDER_CSP_EXPORT CartProductScratch {
     [[nodiscard]] bool find_run(SyncVectors const& vectors, std::size_t index, unsigned event,
                                 std::size_t left_out = 0);
 
+    /// The successors of the combination that is being offered.
     OwningArray<ProcessPointer> joint_arguments;
+    /// @{
+    /// By argument: the run that is combined, from `start` up to before `end`.
     IndexArray start;
     IndexArray end;
+    /// By argument: where in its run the combination is.
+    /// @}
     IndexArray current;
 };
 
 /// One visit of an operator that synchronises, while it asks its arguments one after the other: a
 /// transition either is kept to be combined later or moves its argument alone, at once.
 struct CALDER_CSP_EXPORT SynchronisedVisit {
+    /// Nothing is kept yet. What is passed by reference must outlive the visit.
     SynchronisedVisit(OperatorPointer applied, ProcessArray const& its_arguments,
                       TransitionVisitor const& outer_visitor)
         : op(std::move(applied)), arguments(its_arguments), visitor(outer_visitor),
           vectors(arguments.size()) {}
 
+    /// A transition of the argument that is asked, for later. Returns true: the argument goes on.
     bool keep(unsigned event, ProcessPointer const& successor) {
         if (vectors[moving].empty()) {
             vectors[moving].reserve(usual_candidates);
@@ -70,6 +79,7 @@ struct CALDER_CSP_EXPORT SynchronisedVisit {
         vectors[moving].emplace_back(event, successor);
         return true;
     }
+    /// The argument that is asked moves alone; returns what the visitor answers.
     bool move(unsigned event, ProcessPointer const& successor) const {
         return visitor(event, new OperatorProcess(op, arguments, moving, successor));
     }
@@ -88,10 +98,15 @@ struct CALDER_CSP_EXPORT SynchronisedVisit {
     /// Room made at once, so that most vectors are allocated once a visit.
     static constexpr std::size_t usual_candidates = 16;
 
+    /// What successors apply.
     OperatorPointer const op;
+    /// Those of the term that is visited.
     ProcessArray const& arguments;
+    /// Who asked for the transitions.
     TransitionVisitor const& visitor;
+    /// What was kept, by argument.
     OwningArray<SyncVector> vectors;
+    /// The argument that is asked: set before it is.
     unsigned moving = 0;
 };
 

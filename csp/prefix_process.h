@@ -29,10 +29,13 @@ class CALDER_CSP_EXPORT PrefixProcess : public PrefixedProcess<PrefixProcess, un
         .description = "Prefix ",
     };
 
+    /// The event's number in the session; no_event where it is not declared.
     PrefixProcess(Session& session, EventPointer const& event);
+    /// The event by its number. The continuation may be null until `set_arguments`.
     PrefixProcess(unsigned const& event, ProcessPointer const& destination);
     ~PrefixProcess() override;
 
+    /// Its number.
     unsigned event() const { return m_offer; }
 
     bool visit_transitions(NamedProcessSource const& source,

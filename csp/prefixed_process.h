@@ -12,12 +12,14 @@ namespace Calder::ProcessCompiler::CSP {
 template <typename Construct, typename Offer> class PrefixedProcess
     : public ShapedProcess<Construct> {
   public:
+    /// The continuation.
     ProcessPointer const& destination() const { return m_destination; }
     unsigned argument_count() const override { return 1; }
     /// The continuation, whatever the index.
     ProcessPointer const& argument(unsigned) const override { return m_destination; }
     void set_arguments(ProcessArray const& arguments) override { m_destination = arguments[0]; }
 
+    /// False: asking costs nothing.
     bool needs_memoisation() const override { return false; }
 
     std::uint64_t hash_code() const override {
@@ -44,6 +46,7 @@ template <typename Construct, typename Offer> class PrefixedProcess
     }
 
   protected:
+    /// The continuation may be null until `set_arguments`.
     PrefixedProcess(Offer const& offer, ProcessPointer const& destination)
         : m_offer(offer), m_destination(destination) {}
 
@@ -55,7 +58,9 @@ template <typename Construct, typename Offer> class PrefixedProcess
         return formats;
     }
 
+    /// An event or a set of events, by number.
     Offer m_offer;
+    /// Null until `set_arguments` in a term that was built without.
     ProcessPointer m_destination;
 
   private:

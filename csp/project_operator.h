@@ -30,8 +30,11 @@ class CALDER_CSP_EXPORT ProjectOperator : public RelabellingOperator<ProjectOper
         .description = "Projecting event set:",
     };
 
+    /// @{
+    /// Events that the session does not declare are left out.
     explicit ProjectOperator(BitSet const& projected_events);
     ProjectOperator(Session& session, EventSet const& projected_events);
+    /// @}
     ~ProjectOperator() override;
 
     /// The event of the whole when the argument performs `event`.

@@ -26,8 +26,11 @@ class CALDER_CSP_EXPORT RunProcess : public EventSetProcess<RunProcess> {
         .description = "Run over event set:",
     };
 
+    /// @{
+    /// Events that the session does not declare are left out.
     RunProcess(Session& session, EventSet const& events);
     explicit RunProcess(BitSet const& events);
+    /// @}
     ~RunProcess() override;
 
     bool visit_transitions(NamedProcessSource const& source,

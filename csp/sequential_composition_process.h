@@ -29,8 +29,11 @@ class CALDER_CSP_EXPORT SequentialCompositionProcess
         .description = "Sequential Composition",
     };
 
+    /// @{
+    /// Without arguments, both are null until `set_arguments`.
     SequentialCompositionProcess();
     SequentialCompositionProcess(ProcessPointer const& first, ProcessPointer const& second);
+    /// @}
     ~SequentialCompositionProcess() override;
 
     bool visit_transitions(NamedProcessSource const& source,

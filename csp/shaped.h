@@ -11,6 +11,8 @@ namespace Calder::ProcessCompiler::CSP {
 /// Answers from `Construct::shape` what processes and operators are asked alike.
 template <typename Construct, typename Base> class Shaped : public Base {
   public:
+    /// @{
+    /// What the contract asks of every construct, from the row.
     RecursionType recursion_type() const override { return Construct::shape.recursion_type; }
     bool allows_recursion(unsigned index) const override {
         return holds_for(answer_of(Construct::shape.allow_recursion), index);
@@ -34,6 +36,7 @@ template <typename Construct, typename Base> class Shaped : public Base {
     std::pair<unsigned, unsigned> pretty_print_information() const override {
         return {Construct::shape.precedence, Construct::shape.associativity};
     }
+    /// @}
 };
 
 /// The rest of what a row answers for a construct that holds its own arguments.
@@ -52,6 +55,7 @@ template <typename Construct> class ShapedProcess : public Shaped<Construct, Com
     }
 
   protected:
+    /// `other` as what it is; its kind must be this one, which is not checked.
     static Construct const& same_kind(Process const& other) {
         return static_cast<Construct const&>(other);
     }
@@ -71,6 +75,7 @@ template <typename Construct> class ShapedOperator : public Shaped<Construct, Op
     }
 
   protected:
+    /// `other` as what it is; its kind must be this one, which is not checked.
     static Construct const& same_kind(Operator const& other) {
         return static_cast<Construct const&>(other);
     }

@@ -30,8 +30,11 @@ class CALDER_CSP_EXPORT SlidingChoiceProcess : public BinaryProcess<SlidingChoic
         .description = "Sliding Choice",
     };
 
+    /// @{
+    /// Without arguments, both are null until `set_arguments`.
     SlidingChoiceProcess();
     SlidingChoiceProcess(ProcessPointer const& first, ProcessPointer const& second);
+    /// @}
     ~SlidingChoiceProcess() override;
 
     bool visit_transitions(NamedProcessSource const& source,

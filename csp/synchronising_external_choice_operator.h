@@ -44,6 +44,7 @@ class CALDER_CSP_EXPORT SynchronisingExternalChoiceOperator
         .same_operator = SameOperator::with_equal_parameters,
     };
 
+    /// By event number; tick may be among them.
     explicit SynchronisingExternalChoiceOperator(BitSet const& synchronised_events);
     ~SynchronisingExternalChoiceOperator() override;
 

@@ -50,6 +50,7 @@ class CALDER_CSP_EXPORT SynchronisingInterruptOperator
         .same_operator = SameOperator::with_equal_parameters,
     };
 
+    /// By event number; tick may be among them.
     explicit SynchronisingInterruptOperator(BitSet const& synchronised_events);
     ~SynchronisingInterruptOperator() override;
 

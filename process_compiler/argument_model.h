@@ -38,9 +38,12 @@ constexpr CompilationLevel as_wished(bool high_wished) {
     return high_wished ? CompilationLevel::high : CompilationLevel::low;
 }
 
-// The second half of pretty_print_information.
+/// @{
+/// The second half of Process::pretty_print_information: on which side the same operator may
+/// nest without parentheses.
 constexpr unsigned left_associative = 0;
 constexpr unsigned right_associative = 1;
 constexpr unsigned non_associative = 2;
+/// @}
 
 } // namespace Calder::ProcessCompiler

@@ -9,6 +9,7 @@ constexpr unsigned no_event = 0;
 constexpr unsigned tau = 1;
 /// Successful termination.
 constexpr unsigned tick = 2;
+/// What a session gives to the first event that is declared.
 constexpr unsigned first_visible_event = 3;
 
 } // namespace Calder::ProcessCompiler

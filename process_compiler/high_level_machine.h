@@ -20,14 +20,18 @@ struct ComponentEvent {
     template <std::integral Index> ComponentEvent(std::pair<Index, unsigned> participant)
         : component(static_cast<unsigned>(participant.first)), event(participant.second) {}
 
+    /// Member by member.
     bool operator==(ComponentEvent const&) const = default;
 
+    /// The index of the argument.
     unsigned component;
+    /// What the argument performs, not the whole machine.
     unsigned event;
 };
 
 /// One way to leave a format or to stay in it.
 struct UnCompiledRule {
+    /// Member by member, the participants in their order.
     bool operator==(UnCompiledRule const&) const = default;
 
     /// What the whole machine performs.
@@ -42,8 +46,10 @@ struct UnCompiledRule {
 
 /// One state kind of the machine; format 0 is where it starts.
 struct UnCompiledFormat {
+    /// Member by member, the rules in their order.
     bool operator==(UnCompiledFormat const&) const = default;
 
+    /// In the construct's own order, which decides among those of one event.
     std::deque<UnCompiledRule> rules;
     /// The arguments that run while the machine is in this format.
     std::vector<unsigned> active_components;
@@ -57,7 +63,9 @@ append_rule(UnCompiledFormat& format, unsigned event, unsigned target_format,
 
 /// What the machine does while one of its arguments performs an event.
 struct Move {
+    /// What the whole machine performs.
     unsigned event;
+    /// The format that the machine is in afterwards.
     unsigned target_format;
 };
 

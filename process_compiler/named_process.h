@@ -67,6 +67,7 @@ class CALDER_PROCESS_COMPILER_EXPORT NamedProcess : public Process {
     unsigned m_number;
 };
 
+/// As its source hands it out.
 using NamedProcessPointer = boost::intrusive_ptr<NamedProcess>;
 
 } // namespace Calder::ProcessCompiler

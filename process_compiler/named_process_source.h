@@ -38,9 +38,11 @@ class CALDER_PROCESS_COMPILER_EXPORT NamedProcessSource {
     /// is as before.
     NamedProcessPointer const& add_reference();
 
+    /// @{
     /// Says what a name or an instance stands for, in the place of anything it stood for before.
     void define(std::string const& name, ProcessPointer process);
     void define(NamedProcess const& reference, ProcessPointer process);
+    /// @}
 
     /// Who makes what was not defined; not owned. Null, as at first, when nobody does.
     void set_maker(ProcessMaker* maker) { m_maker = maker; }

@@ -11,15 +11,19 @@ namespace Calder::ProcessCompiler {
 /// one says so.
 class CALDER_PROCESS_COMPILER_EXPORT OperatorProcess : public CompilableProcess {
   public:
+    /// @{
+    /// The operator must be made for that many arguments, which is not checked.
     OperatorProcess(OperatorPointer applied, ProcessPointer const& only);
     OperatorProcess(OperatorPointer applied, ProcessPointer const& first,
                     ProcessPointer const& second);
     OperatorProcess(OperatorPointer applied, ProcessArray const& arguments);
+    /// @}
     /// The same arguments with the one at `index` replaced.
     OperatorProcess(OperatorPointer applied, ProcessArray const& arguments, unsigned index,
                     ProcessPointer const& replacement);
     ~OperatorProcess() override;
 
+    /// As long as the term lives.
     Operator const& applied_operator() const { return *m_operator; }
     unsigned argument_count() const override;
     ProcessPointer const& argument(unsigned index) const override;

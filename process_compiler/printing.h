@@ -30,6 +30,7 @@ CALDER_PROCESS_COMPILER_EXPORT void print_event_set_description(Printer& printer
 /// indented by 4 more.
 class CALDER_PROCESS_COMPILER_EXPORT IndentedDescription {
   public:
+    /// The printer must outlive it.
     IndentedDescription(Printer& printer, char const* title);
     ~IndentedDescription();
 

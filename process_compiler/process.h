@@ -25,10 +25,16 @@ class NamedProcessSource;
 class Process;
 class Session;
 
+/// @{
+/// What terms print into, and themselves are. The session gives events their names; null where a
+/// printer has none.
 using Printer = Calder::PrettyPrinter::PrettyPrinter<Session const*, char>;
 using PrettyPrintable = Calder::PrettyPrinter::PrettyPrintable<Session const*, char>;
+/// @}
 
+/// How terms are held.
 using ProcessPointer = boost::intrusive_ptr<Process>;
+/// Never releases what it holds (FixedArray): for passing arguments on.
 using ProcessArray = FixedArray<ProcessPointer>;
 
 /// Takes (event, successor) and says whether to go on. The successor is the caller's only for the
@@ -41,6 +47,7 @@ using TransitionVisitor = std::function<bool(unsigned, ProcessPointer const&)>;
 using HighLevelVisitor =
     std::function<void(std::vector<unsigned> const&, unsigned, ProcessPointer const&, bool)>;
 
+/// Format 0 is the initial one. References to formats stay good while more are appended.
 using Formats = std::deque<HighLevelMachine::UnCompiledFormat>;
 
 /// A term: what a process construct is to its host.
@@ -106,7 +113,7 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     virtual std::uint64_t hash_code() const = 0;
 
     /// Which class this is. The library's constructs have 10 to 19 (csp/constructs.h), the host's
-    /// own terms 20 and 21 (kinds.h).
+    /// own terms 20 and 21, other libraries' 100 and more (kinds.h).
     virtual unsigned kind() const = 0;
 
     /// The whole term, operands included.
@@ -123,9 +130,11 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     // What a compiler asks to see how the arguments run; see argument_model.h. Of an index, the
     // host only asks below `argument_count`.
 
+    /// What running does to the other arguments.
     virtual RecursionType recursion_type() const = 0;
     /// Whether a recursive reference may stand inside argument `index`.
     virtual bool allows_recursion(unsigned index) const = 0;
+    /// Whether argument `index` runs when the term starts.
     virtual ArgumentState process_state(unsigned index) const = 0;
     /// Whether argument `index` is thrown away as soon as another performs a visible event. Asked
     /// only where some argument runs from the start: the two prefixes and internal choice abort.
@@ -138,6 +147,7 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     /// aborts, CHAOS panics.
     virtual bool is_commutative() const = 0;
 
+    /// Does not change, and needs no argument to be set.
     virtual unsigned argument_count() const = 0;
     /// Null before `set_arguments` in a term built without arguments. The index is not checked.
     /// RUN, CHAOS and the reference to a named process, which have no arguments, abort.
@@ -153,6 +163,7 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     /// This very term as a successor.
     ProcessPointer self() const;
 
+    /// Filled when the code is first asked for.
     CachedHash m_hash;
 };
 

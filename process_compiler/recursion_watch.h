@@ -24,8 +24,11 @@ class CALDER_PROCESS_COMPILER_EXPORT NestedTooDeeply : public std::runtime_error
 /// `steps_between_looks` levels; what it throws ends the recursion. The stack grows downwards.
 class CALDER_PROCESS_COMPILER_EXPORT RecursionWatch {
   public:
+    /// A look costs far more than a level does.
     static constexpr std::uint64_t steps_between_looks = 256;
 
+    /// Takes over from the watch that the thread has; the destructor, in the same thread, gives it
+    /// back.
     explicit RecursionWatch(std::uintptr_t lowest_frame, std::function<void()> look = nullptr);
     ~RecursionWatch();
     RecursionWatch(RecursionWatch const&) = delete;
@@ -33,8 +36,11 @@ class CALDER_PROCESS_COMPILER_EXPORT RecursionWatch {
 
     /// What a thread that nobody watches has; both tests then pass for ever.
     struct State {
+        /// The lowest address that a frame may have.
         std::uintptr_t lowest_frame = 0;
+        /// Levels until the next look.
         std::uint64_t steps_left = std::numeric_limits<std::uint64_t>::max();
+        /// Who looks; null where nobody does.
         RecursionWatch const* watch = nullptr;
     };
 

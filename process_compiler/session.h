@@ -22,9 +22,11 @@ class CALDER_PROCESS_COMPILER_EXPORT Session {
     /// runs out, the session is as before.
     unsigned declare_event(std::string const& name);
 
+    /// @{
     /// The number of an event by its name; no_event when it is not declared.
     unsigned event_number(Event const& event) const;
     unsigned event_number(std::string const& name) const;
+    /// @}
 
     /// The event of a number; null when there is none.
     EventPointer event_object(unsigned number) const;

@@ -20,9 +20,11 @@ class CALDER_PROCESS_COMPILER_EXPORT SharedComparison {
     SharedComparison(SharedComparison const&) = delete;
     SharedComparison& operator=(SharedComparison const&) = delete;
 
+    /// Whether the two were found equal before, in this comparison.
     [[nodiscard]] bool knows(void const* left, void const* right) const {
         return m_equal != nullptr && is_noted(left, right);
     }
+    /// Says that two were found equal.
     void note(void const* left, void const* right) {
         if (++m_steps >= steps_before_notes) {
             add_note(left, right);

@@ -18,8 +18,10 @@ CALDER_PROCESS_COMPILER_EXPORT std::string describe(NameCycle const& cycle);
 /// for people, as a part of a sentence.
 class CALDER_PROCESS_COMPILER_EXPORT UnguardedRecursion : public std::runtime_error {
   public:
+    /// The message is kept as given; `describe` makes that of a cycle.
     UnguardedRecursion(std::string const& message, NameCycle names);
     ~UnguardedRecursion() override;
+    /// Exceptions are copied as they are thrown.
     UnguardedRecursion(UnguardedRecursion const&) = default;
     UnguardedRecursion& operator=(UnguardedRecursion const&) = delete;
 

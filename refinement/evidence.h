@@ -28,9 +28,12 @@ enum class Reason {
 
 /// A leaf that runs in a machine, and the state that it is in.
 struct SlotState {
+    /// Member by member.
     bool operator==(SlotState const&) const = default;
 
+    /// Its number among the leaves of the machine.
     std::uint32_t leaf;
+    /// Of the leaf, not of the machine.
     StateNumber state;
 };
 
@@ -48,8 +51,11 @@ struct RunState {
 
 /// One step of a run, tau included.
 struct EvidenceStep {
+    /// What the whole performs; 1 for a silent step.
     unsigned event = 0;
+    /// Where the step begins.
     RunState source{};
+    /// The number of the state in which it ends.
     StateNumber target = 0;
     /// The slots of the source that take part, ascending, each with what its leaf performs. Empty
     /// where there is no machine.
@@ -64,7 +70,9 @@ struct EvidenceStep {
 /// deciding the question did: of a loop that closes far beyond (see `PairSearch`), and of nondeterminism
 /// where sets of states are many (see `UniformityObserver`).
 struct Evidence {
+    /// Which of the members below say something.
     Reason reason = Reason::none;
+    /// From the start; none where the start decides.
     std::vector<EvidenceStep> steps{};
     /// In which the steps end.
     RunState end{};
@@ -85,6 +93,7 @@ struct Evidence {
     /// Of nondeterminism: another run with the same trace. One of both ends in the event, the other in
     /// a state that refuses it.
     std::vector<EvidenceStep> other{};
+    /// In which the steps of the other run end.
     RunState other_end{};
     /// Which one: the other.
     bool other_performs = false;

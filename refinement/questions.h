@@ -9,32 +9,40 @@ namespace Calder::Refinement {
 /// What is compared. Roscoe, The Theory and Practice of Concurrency, 1997, chapter 8: T, F and N.
 enum class Model { traces, failures, failures_divergences };
 
+/// What is answered; `undecided` where a limit or a wish to stop came first.
 enum class Verdict { holds, fails, undecided };
 
+/// The limits of a question, and by which engine it is answered.
 struct QuestionOptions : StateSpace::ExplorationOptions {
     /// Where a process has a machine, it runs; otherwise, and always when this is false, one goes from
     /// term to term.
     bool by_machine = true;
 };
 
+/// What a question comes to, and why.
 struct Answer {
+    /// The outcome and the evidence say why.
     Verdict verdict = Verdict::undecided;
     /// Why it is undecided or, where it is decided, why there is no evidence; `complete` otherwise.
     StateSpace::Outcome outcome = StateSpace::Outcome::complete;
     /// Why it fails; of a trace, why it holds or how far it goes.
     Evidence evidence{};
+    /// @{
     /// Of the concrete side: its states, as often as the abstract side is in a different node with them,
     /// and what they do. What stands behind a tick is not among them.
     StateNumber state_count = 0;
     std::uint64_t transition_count = 0;
+    /// @}
     /// What all of them took in memory, and the way back with them, in bytes.
     std::uint64_t memory_bytes = 0;
     /// Of the concrete side: what the slots and leaves of the evidence refer to. Null where it went from
     /// term to term.
     RunningMachine machine{};
+    /// @{
     /// Why a side has no machine although one was wanted.
     NoMachine abstract_without_machine{};
     NoMachine concrete_without_machine{};
+    /// @}
 };
 
 // The questions. A state that can tick can refuse everything else, stable or not; nothing behind a tick

@@ -8,6 +8,7 @@ namespace Calder::Refinement {
 
 /// What the leaf in one slot would do if others did their part.
 struct Wanted {
+    /// Member by member.
     bool operator==(Wanted const&) const = default;
 
     /// What the whole would perform; no_event where no rule lets the leaf's event through.
@@ -22,8 +23,11 @@ struct Wanted {
 /// What one slot waits for: by event of the leaf, then by event of the whole. Nothing where the leaf
 /// has ended or stopped.
 struct Waiting {
+    /// Its leaf, and the state that this is in.
     SlotState slot_state;
+    /// Counted from left to right.
     std::uint32_t slot;
+    /// None where the leaf can do nothing by itself.
     std::vector<Wanted> wanted;
 };
 
@@ -35,6 +39,7 @@ struct Waiting {
 [[nodiscard]] CALDER_REFINEMENT_EXPORT std::vector<Waiting>
 waiting_in(RunningMachine const& machine, RunState const& state);
 
+/// More would rarely be read, and there may be exponentially many.
 constexpr std::size_t most_ways = 64;
 
 /// Slots each of which waits for the next one, the last for the first; empty where the waiting does

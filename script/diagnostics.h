@@ -16,12 +16,16 @@ namespace Calder::Script {
 /// belong to none), not bytes. What is missing at the end of a script is placed right behind its
 /// last token.
 struct Location {
+    /// Of the source; the first one is 1.
     unsigned line;
+    /// In its line; the first one is 1.
     unsigned column;
+    /// How far the caret and its tail reach.
     unsigned length;
     /// The number of the source.
     unsigned source = 0;
 
+    /// Member by member.
     bool operator==(Location const&) const = default;
 };
 
@@ -36,16 +40,20 @@ struct Note {
 
 /// What is wrong with a script, in words for the person who wrote it.
 struct Diagnostic {
+    /// Where the caret stands.
     Location location;
+    /// Without the place, which `render` tells.
     std::string message;
     std::vector<Note> notes{};
     /// What the message asks for: "did you mean", to be written in the place of what stands at the
     /// location; empty where it does not ask.
     std::string suggestion{};
 
+    /// Member by member.
     bool operator==(Diagnostic const&) const = default;
 };
 
+/// What is wrong with a script and what it includes.
 using Diagnostics = std::vector<Diagnostic>;
 
 /// With its suggestion, if it has one.

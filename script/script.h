@@ -22,6 +22,7 @@ namespace Calder::Script {
 /// before. Comes out of NamedProcessSource::process, and so out of exploring.
 class CALDER_SCRIPT_EXPORT ScriptError : public std::exception {
   public:
+    /// Renders the text at once, as the sources may go.
     ScriptError(Diagnostic diagnostic, Sources const& sources)
         : m_diagnostic(std::move(diagnostic)), m_text(render(m_diagnostic, sources)) {
         for (Source const& source : sources) {
@@ -29,6 +30,7 @@ class CALDER_SCRIPT_EXPORT ScriptError : public std::exception {
         }
     }
 
+    /// With its place, for who shows it in a way of its own.
     Diagnostic const& diagnostic() const { return m_diagnostic; }
     /// The names of the sources, by number.
     std::vector<std::string> const& files() const { return m_files; }
@@ -47,8 +49,10 @@ class CALDER_SCRIPT_EXPORT Script {
   public:
     /// A process without parameters.
     struct Definition {
+        /// As it is written.
         std::string name;
-        Location location; // of the name
+        /// Of the name.
+        Location location;
         /// What stands for the name where an exploration starts: its reference when it is on a
         /// recursive cycle, otherwise the very same term as `body`.
         ProcessCompiler::ProcessPointer term;
@@ -60,6 +64,7 @@ class CALDER_SCRIPT_EXPORT Script {
     Script(Script const&) = delete;
     Script& operator=(Script const&) = delete;
 
+    /// Events are numbered in the order of their declaration.
     ProcessCompiler::Session const& session() const { return m_session; }
     /// Makes what stands on recursive cycles: names, and the instances of definitions with
     /// parameters, each when it is first asked for. All others are replaced by what they stand for,
@@ -81,10 +86,12 @@ class CALDER_SCRIPT_EXPORT Script {
     /// What it asks: its `assert` lines and those of the files that it includes in the order in which
     /// they stand, then the ones of ReadOptions.
     std::vector<AssertionHead> const& assertions() const { return m_assertions; }
+    /// Without making their terms.
     std::size_t assertion_count() const { return m_assertions.size(); }
     /// Makes its terms, which the script keeps: the same ones every time. Throws ScriptError.
     Assertion assertion(std::size_t number) const;
 
+    /// The names of terms, each by the very object.
     using NamesOfTerms = std::unordered_map<ProcessCompiler::Process const*, std::string>;
     /// Says of each of these very terms that has no name yet whether it stands for a call of a process
     /// that has parameters and no recursion: `R(0)`. One pass over those calls.
@@ -111,6 +118,7 @@ class CALDER_SCRIPT_EXPORT Script {
     std::unordered_map<std::string_view, std::size_t> m_places; // of the definitions
 };
 
+/// What is read beside the script itself.
 struct ReadOptions {
     /// Names and what they are to be defined as, in the place of what the script says.
     std::vector<std::pair<std::string, std::string>> definitions{};
@@ -122,6 +130,7 @@ struct ReadOptions {
     Include include{};
 };
 
+/// A script, or what is wrong with it.
 struct ReadResult {
     /// Null when there are diagnostics.
     std::unique_ptr<Script> script;
@@ -137,5 +146,8 @@ struct ReadResult {
 /// Throws std::bad_alloc.
 CALDER_SCRIPT_EXPORT ReadResult read_script(Source script, ReadOptions const& options);
 CALDER_SCRIPT_EXPORT ReadResult read_script(std::string_view text);
+ReadResult read_script(Source script, ReadOptions const& options);
+/// The same of a text alone, which messages call "script".
+ReadResult read_script(std::string_view text);
 
 } // namespace Calder::Script

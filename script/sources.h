@@ -11,6 +11,7 @@ namespace Calder::Script {
 struct Source {
     /// As messages name it.
     std::string name;
+    /// As it was read, in UTF-8.
     std::string text;
     /// 0 for a text whose first line nobody wrote.
     unsigned first_line = 1;
@@ -21,6 +22,7 @@ using Sources = std::vector<Source>;
 
 /// What became of an `include`.
 struct Inclusion {
+    /// What was read, under the name that tells it apart from others.
     Source source;
     /// Why there is no source; empty when there is.
     std::string error{};

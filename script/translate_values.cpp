@@ -106,8 +106,11 @@ unsigned Translator::value_of_name(unsigned node) {
     }
     if (binding.kind == Binding::Kind::definition) {
         NamedDefinition const& named = m_names.definitions[binding.number];
-        if (!named.is_process || named.is_lost) {
+        if (!named.is_process) {
             return call(node, binding.number, none);
+        }
+        if (named.is_lost) {
+            return broken(node); // it may have been meant for a value, but is none that can be had
         }
         std::string_view const name = text_of(node);
         if (!m_names.channels.contains(name) && !m_names.values.contains(name) && name != "tick") {

@@ -9,6 +9,7 @@ namespace Calder::StateSpace {
 
 /// A state in which nothing can happen although the process has not terminated.
 struct Deadlock {
+    /// The one in which nothing can happen.
     StateNumber state = 0;
     /// The events that lead from the start to it, tau included: as few as possible for any
     /// deadlock, and the last one is not tick.

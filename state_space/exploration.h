@@ -6,8 +6,11 @@
 
 namespace Calder::StateSpace {
 
+/// What was found, and whether it is all.
 struct Exploration {
+    /// Consistent in itself, however the search ended.
     LabelledTransitionSystem lts;
+    /// Anything but `complete` means that there is more.
     Outcome outcome = Outcome::complete;
 };
 

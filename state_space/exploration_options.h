@@ -26,7 +26,9 @@ enum class Outcome {
 
 /// How far a search has got.
 struct Progress {
+    /// That were reached.
     StateNumber states = 0;
+    /// Of the explored states.
     std::uint64_t transitions = 0;
     /// States whose transitions are all known.
     StateNumber explored = 0;
@@ -38,6 +40,7 @@ struct Progress {
     std::uint64_t memory = 0;
 };
 
+/// The limits of a search, and who watches it.
 struct ExplorationOptions {
     /// How many states are kept at most. A process with exactly that many is explored completely.
     StateNumber max_states = no_state;

@@ -1,20 +1,27 @@
 #pragma once
 
+#include "state_space/export.h"
+
 #include <cstdint>
 #include <span>
 #include <vector>
 
 namespace Calder::StateSpace {
 
+/// Counts from 0, which is the start; searches number breadth-first.
 using StateNumber = std::uint32_t;
 
 /// The one number that no state has, so there are at most this many states.
 constexpr StateNumber no_state = 0xFFFFFFFF;
 
+/// One entry of a state's row: the state itself is told by the row.
 struct Transition {
+    /// Member by member.
     bool operator==(Transition const&) const = default;
 
+    /// Its number in the session.
     unsigned event;
+    /// Where it leads.
     StateNumber target;
 };
 
@@ -23,9 +30,11 @@ struct Transition {
 ///
 /// Kept in compressed rows: 8 bytes a transition and 8 bytes a state. An LtsBuilder makes it; after
 /// that it does not change.
-class LabelledTransitionSystem {
+class CALDER_STATE_SPACE_EXPORT LabelledTransitionSystem {
   public:
+    /// Those that were only reached are counted, too. At most `no_state`.
     [[nodiscard]] StateNumber state_count() const noexcept { return m_state_count; }
+    /// Of all explored states.
     [[nodiscard]] std::uint64_t transition_count() const noexcept { return m_transitions.size(); }
 
     /// How many states have their transitions here; they are the first ones. Less than

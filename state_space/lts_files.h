@@ -26,6 +26,7 @@ CALDER_STATE_SPACE_EXPORT LtsFormat lts_format_of(std::filesystem::path const& p
 /// be written now. Leaves everything as it is.
 CALDER_STATE_SPACE_EXPORT void check_lts_file(std::filesystem::path const& path);
 
+/// How a file is written.
 struct LtsFileOptions {
     /// How an .aut file writes tau; some tools read "i". A visible event of that name is an error.
     std::string tau_label = "tau";

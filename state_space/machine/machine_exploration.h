@@ -12,10 +12,12 @@ class ConfigurationTables;
 
 /// An exploration by the machine that a term compiles to.
 struct MachineExploration {
+    /// Of the machine; of the terms where there is none.
     Run run;
     /// Null when there is no machine to ask: the term was refused, or it is one leaf and was
     /// explored as it stands.
     std::unique_ptr<Machine const> machine;
+    /// For the questions below; null where there is no machine.
     std::shared_ptr<ConfigurationTables> tables;
     /// The recursion that no machine can follow, if that was the reason.
     std::vector<RefusedRecursion> refused;
@@ -26,6 +28,7 @@ struct MachineExploration {
 
 /// A machine to be run, or why there is none.
 struct MachineCompilation {
+    /// Null where it is refused, and where the term is one leaf.
     std::unique_ptr<Machine const> machine;
     /// The term is one leaf, which is explored as it stands: there is nothing to refuse.
     bool is_one_leaf = false;

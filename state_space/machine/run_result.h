@@ -10,6 +10,7 @@ namespace Calder::StateSpace {
 
 class VisitedStates;
 
+/// The limits of a run, and what it keeps.
 struct RunOptions : ExplorationOptions {
     /// Whether the transitions are wanted, and not only their number: 8 bytes each and 8 bytes a
     /// state.
@@ -19,9 +20,13 @@ struct RunOptions : ExplorationOptions {
     unsigned threads = 1;
 };
 
+/// What a run found, and whether it is all.
 struct Run {
+    /// Those that were only reached are counted, too.
     StateNumber state_count = 0;
+    /// Of the explored states.
     std::uint64_t transition_count = 0;
+    /// Anything but `complete` means that there is more.
     Outcome outcome = Outcome::complete;
     /// Empty when the transitions were not wanted.
     LabelledTransitionSystem lts{};

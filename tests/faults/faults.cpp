@@ -1,7 +1,10 @@
-// Preloaded into the command: makes one allocation fail, or sends a signal while a file is written.
+// Preloaded into the command: makes an allocation, a mapping or a start of a thread fail, or sends a signal
+// while a file is written.
 //
 //   CALDER_FAIL=N         the N-th allocation of the process fails
 //   CALDER_FAIL_ON=N      the N-th and all later ones fail
+//   CALDER_FAIL_MAP=N     the N-th mapping of memory fails; the C library's own do not count
+//   CALDER_FAIL_THREAD=N  the N-th thread does not start
 //   CALDER_INTERRUPT=N    SIGINT comes before the N-th write to a descriptor above standard error
 //   CALDER_MARK=FILE      this file is made when that happens
 
@@ -10,7 +13,10 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
+#include <sys/mman.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -23,6 +29,8 @@ extern "C" void* __libc_memalign(std::size_t alignment, std::size_t size);
 namespace {
 
 std::atomic<long> allocations = 0;
+std::atomic<long> mappings = 0;
+std::atomic<long> threads = 0;
 std::atomic<long> writes = 0;
 
 /// Without allocating: the variable as a number, 0 when there is none.
@@ -72,6 +80,30 @@ extern "C" void* aligned_alloc(std::size_t alignment, std::size_t size) {
 extern "C" int posix_memalign(void** result, std::size_t alignment, std::size_t size) {
     *result = fails() ? nullptr : __libc_memalign(alignment, size);
     return *result == nullptr ? ENOMEM : 0;
+}
+
+extern "C" void* mmap(void* address, std::size_t size, int protection, int flags, int descriptor,
+                      off_t offset) {
+    static long const failing = number_of("CALDER_FAIL_MAP");
+    if (++mappings == failing) {
+        make_mark();
+        errno = ENOMEM;
+        return MAP_FAILED;
+    }
+    return reinterpret_cast<void*>(
+        syscall(SYS_mmap, address, size, protection, flags, descriptor, offset));
+}
+
+extern "C" int pthread_create(pthread_t* thread, pthread_attr_t const* attributes,
+                              void* (*work)(void*), void* argument) {
+    static long const failing = number_of("CALDER_FAIL_THREAD");
+    static auto const next =
+        reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+    if (++threads == failing) {
+        make_mark();
+        return EAGAIN;
+    }
+    return next(thread, attributes, work, argument);
 }
 
 extern "C" ssize_t write(int descriptor, void const* data, std::size_t size) {

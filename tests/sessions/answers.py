@@ -11,7 +11,7 @@ EXAMPLES = pathlib.Path(__file__).resolve().parents[2] / "examples"
 def without_measurements(text):
     """Times and amounts of memory at the end of a line as #, in JSON, too."""
     text = re.sub(r"\d+\.\d+ (s|MiB)$", r"# \1", text, flags=re.M)
-    return re.sub(r'("seconds": )\d+\.\d+$', r"\1#", text, flags=re.M)
+    return re.sub(r'("seconds": |"peak_bytes": )\d+(\.\d+)?(?=,?$)', r"\1#", text, flags=re.M)
 
 
 def lines_of(text, mark=""):

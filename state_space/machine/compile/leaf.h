@@ -18,6 +18,7 @@ class CALDER_STATE_SPACE_EXPORT Leaf {
   public:
     /// One event of the alphabet.
     struct Event {
+        /// Its number in the session.
         unsigned event = 0;
         /// No state has two successors by this event.
         bool is_deterministic = true;
@@ -28,17 +29,24 @@ class CALDER_STATE_SPACE_EXPORT Leaf {
         StateNumber const* only_successor = nullptr;
     };
 
+    /// A system is small where its states times its events are no more than this: 64 MiB of tables.
     static constexpr std::uint64_t most_dense_entries = std::uint64_t{1} << 24;
 
+    /// Of the term and what it can do, explored completely. Copies what it needs of the system.
     Leaf(ProcessCompiler::ProcessPointer explored, LabelledTransitionSystem const& system);
     Leaf(Leaf const&) = delete;
     Leaf& operator=(Leaf const&) = delete;
 
+    /// What was explored; its start is state 0.
     [[nodiscard]] ProcessCompiler::ProcessPointer const& term() const noexcept { return m_term; }
+    /// @{
+    /// Those of the transition system.
     [[nodiscard]] StateNumber state_count() const noexcept { return m_state_count; }
     [[nodiscard]] std::uint64_t transition_count() const noexcept { return m_successors.size(); }
+    /// @}
     /// What some state can do, ascending.
     [[nodiscard]] std::vector<Event> const& events() const noexcept { return m_events; }
+    /// The same as a set, which is made anew each time.
     [[nodiscard]] BitSet alphabet() const;
 
     /// Where an event of the alphabet stands in `events`.

@@ -9,15 +9,18 @@
 
 namespace Calder::StateSpace {
 
+/// Where a vertex stands in TermGraph::vertices.
 using VertexNumber = std::uint32_t;
 
 /// Recursion that no machine can follow: a name stands inside an argument for which its construct
 /// does not allow that (`allows_recursion`), so that each time it comes round there is one more
 /// construct around it.
 struct RefusedRecursion {
+    /// @{
     /// The construct and the number of its argument.
     ProcessCompiler::ProcessPointer construct;
     unsigned argument = 0;
+    /// @}
     /// The names on the cycle, in the order of their source.
     std::vector<ProcessCompiler::NamedProcessPointer> names{};
 };
@@ -30,11 +33,14 @@ constexpr unsigned most_instances = 100'000;
 /// What a term is made of: its arguments, their arguments and so on, and behind each name what it
 /// stands for, unless that is sequential (NamedProcessSource). Equal terms are one vertex.
 struct TermGraph {
+    /// A term, a name or an instance, as often as it may occur.
     struct Vertex {
+        /// One of those that are equal.
         ProcessCompiler::ProcessPointer term;
         /// The arguments in order; of a name, what it stands for; none of a name that is
         /// sequential.
         std::vector<VertexNumber> next{};
+        /// Of a named process: `next` is then what it stands for.
         bool is_name = false;
         /// Whether it becomes a construct of the machine; otherwise it is explored as it stands.
         /// A term does if it prefers the high level, or if something inside it does: a prefix
@@ -56,6 +62,7 @@ struct TermGraph {
     /// The same reason: there are more than `most_instances`.
     bool has_too_many_instances = false;
 
+    /// Otherwise the vertices are not to be used.
     [[nodiscard]] bool is_whole() const noexcept {
         return outcome == Outcome::complete && !has_too_many_instances;
     }
