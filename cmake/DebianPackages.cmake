@@ -6,7 +6,6 @@ set(CPACK_COMPONENTS_ALL command libraries development)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 # A name that never has a host: nobody is meant to answer.
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "Calder developers <developers@calder.invalid>")
 set(CPACK_DEBIAN_PACKAGE_SOURCE calder)
@@ -77,5 +76,6 @@ set(CPACK_DEBIAN_LIBRARIES_PACKAGE_CONTROL_EXTRA
     ${calder_control_directory}/shlibs ${calder_control_directory}/triggers)
 
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/complete.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/rebuild.cmake)
 
 include(CPack)
