@@ -9,7 +9,6 @@
 #include <calder/script/script.h>
 #include <calder/state_space/exploration.h>
 #include <calder/state_space/machine/machine_exploration.h>
-
 #include <iostream>
 
 using namespace Calder::ProcessCompiler;
