@@ -27,7 +27,7 @@ class CALDER_CSP_EXPORT ChaosProcess : public EventSetProcess<ChaosProcess> {
     };
 
     /// @{
-    /// Events that the session does not declare are left out.
+    /// By name, events that the session does not declare are left out; by number, none is.
     ChaosProcess(Session& session, EventSet const& events);
     explicit ChaosProcess(BitSet const& events);
     /// @}

@@ -42,7 +42,7 @@ template <typename Construct> class EventSetOperator : public ShapedOperator<Con
 
   protected:
     /// @{
-    /// Events that the session does not declare are left out.
+    /// By name, events that the session does not declare are left out; by number, none is.
     explicit EventSetOperator(BitSet const& events) : m_events(events) {}
     EventSetOperator(Session& session, EventSet const& events)
         : m_events(session.event_number_set(events)) {}

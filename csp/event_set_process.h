@@ -50,7 +50,7 @@ template <typename Construct> class EventSetProcess : public ShapedProcess<Const
 
   protected:
     /// @{
-    /// Events that the session does not declare are left out.
+    /// By name, events that the session does not declare are left out; by number, none is.
     EventSetProcess(Session& session, EventSet const& events)
         : m_events(session.event_number_set(events)) {}
     explicit EventSetProcess(BitSet const& events) : m_events(events) {}

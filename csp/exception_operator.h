@@ -36,7 +36,7 @@ class CALDER_CSP_EXPORT ExceptionOperator : public EventSetOperator<ExceptionOpe
     };
 
     /// @{
-    /// Events that the session does not declare are left out.
+    /// By name, events that the session does not declare are left out; by number, none is.
     explicit ExceptionOperator(BitSet const& exception_events);
     ExceptionOperator(Session& session, EventSet const& exception_events);
     /// @}

@@ -31,7 +31,7 @@ class CALDER_CSP_EXPORT HideOperator : public RelabellingOperator<HideOperator> 
     };
 
     /// @{
-    /// Events that the session does not declare are left out.
+    /// By name, events that the session does not declare are left out; by number, none is.
     explicit HideOperator(BitSet const& hidden_events);
     HideOperator(Session& session, EventSet const& hidden_events);
     /// @}

@@ -31,7 +31,7 @@ class CALDER_CSP_EXPORT ProjectOperator : public RelabellingOperator<ProjectOper
     };
 
     /// @{
-    /// Events that the session does not declare are left out.
+    /// By name, events that the session does not declare are left out; by number, none is.
     explicit ProjectOperator(BitSet const& projected_events);
     ProjectOperator(Session& session, EventSet const& projected_events);
     /// @}

@@ -27,7 +27,7 @@ class CALDER_CSP_EXPORT RunProcess : public EventSetProcess<RunProcess> {
     };
 
     /// @{
-    /// Events that the session does not declare are left out.
+    /// By name, events that the session does not declare are left out; by number, none is.
     RunProcess(Session& session, EventSet const& events);
     explicit RunProcess(BitSet const& events);
     /// @}

@@ -12,6 +12,7 @@ namespace Calder::StateSpace {
 enum class Outcome {
     /// Every state reachable from the start is explored.
     complete,
+    /// There are more states than were to be kept.
     state_limit,
     /// The limit on memory was reached, or there was none left to be had.
     memory_limit,

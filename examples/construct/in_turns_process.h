@@ -11,9 +11,9 @@ using namespace Calder::ProcessCompiler;
 /// Two processes in turns: after each visible event of one, the other one has its turn. Silent steps
 /// are free. Whoever terminates when it has its turn terminates both.
 ///
-///     P --e--> P'                    P --tau--> P'              Q --tau--> Q'
-///     ------------------------ (1)   ------------------- (2)    ------------------- (3)
-///     P <> Q  --e-->  Q <> P'        P <> Q --> P' <> Q         P <> Q --> P <> Q'
+///     P --e--> P'                    P --tau--> P'                     Q --tau--> Q'
+///     ------------------------ (1)   ------------------------- (2)     ------------------------- (3)
+///     P <> Q  --e-->  Q <> P'        P <> Q  --tau-->  P' <> Q         P <> Q  --tau-->  P <> Q'
 ///     e visible
 ///
 ///     P --tick--> P'
