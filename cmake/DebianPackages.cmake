@@ -37,13 +37,16 @@ The command finds deadlocks and answers what a model asserts (refinement in
 three models, divergence, determinism), with a shortest way to where it does
 not hold, and writes what was explored for other tools.")
 
+set(calder_library_in_words
+"Calder is the operator library of a process compiler for CSP (Communicating
+Sequential Processes), with a host that explores processes into labelled
+transition systems, compiles them to machines and compares them.")
+
 set(CPACK_DEBIAN_LIBRARIES_PACKAGE_NAME libcalder0)
 set(CPACK_DEBIAN_LIBRARIES_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_LIBRARIES_DESCRIPTION
 "operators of CSP and a host that explores them - shared libraries
-Calder is the operator library of a process compiler for CSP (Communicating
-Sequential Processes), with a host that explores processes into labelled
-transition systems, compiles them to machines and compares them.
+${calder_library_in_words}
 
 This package has the shared libraries.")
 
@@ -52,9 +55,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS libboost-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
 "operators of CSP and a host that explores them - development files
-Calder is the operator library of a process compiler for CSP (Communicating
-Sequential Processes), with a host that explores processes into labelled
-transition systems, compiles them to machines and compares them.
+${calder_library_in_words}
 
 This package has the headers, and what CMake and pkg-config need to find
 them.")
