@@ -31,10 +31,12 @@ struct Location {
 
 /// A line below what is wrong: a call that led there.
 struct Note {
+    /// The whole line, without a line break.
     std::string text;
     /// Where the call stands; the text says it, too.
     std::optional<Location> location{};
 
+    /// Member by member.
     bool operator==(Note const&) const = default;
 };
 
@@ -44,6 +46,7 @@ struct Diagnostic {
     Location location;
     /// Without the place, which `render` tells.
     std::string message;
+    /// The calls that led there, in the order in which they are told.
     std::vector<Note> notes{};
     /// What the message asks for: "did you mean", to be written in the place of what stands at the
     /// location; empty where it does not ask.
