@@ -31,7 +31,7 @@ struct Location {
 
 /// A line below what is wrong: a call that led there.
 struct Note {
-    /// Such as "in P(3), called at 2:15".
+    /// The whole line, without a line break.
     std::string text;
     /// Where the call stands; the text says it, too. None in the line for calls that are left out.
     std::optional<Location> location{};
@@ -46,7 +46,7 @@ struct Diagnostic {
     Location location;
     /// Without the place, which `render` tells.
     std::string message;
-    /// Of what only values show, the innermost call first; otherwise none.
+    /// The calls that led there, in the order in which they are told.
     std::vector<Note> notes{};
     /// What the message asks about with "did you mean", to be written in the place of what stands at the
     /// location; empty where it does not ask.
