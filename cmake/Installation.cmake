@@ -36,6 +36,8 @@ endfunction()
 
 # calder_installed_library(TARGET ROOM): a shared library that others link as calder::ROOM.
 function(calder_installed_library target room)
+  # The headers need it, and whoever links has to say nothing.
+  target_compile_features(${target} INTERFACE cxx_std_20)
   # Nothing may be missing until a program is linked, and calls within the library need no detour.
   target_link_options(${target} PRIVATE -Wl,-Bsymbolic-functions)
   if(NOT CALDER_SANITIZERS) # whose functions are in the program

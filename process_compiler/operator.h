@@ -8,7 +8,7 @@ class OperatorProcess;
 
 /// The other half of the contract: a construct that has only parameters (an event set, a renaming,
 /// links, alphabets). The host applies it to arguments by an OperatorProcess and passes these to
-/// every call that needs them; one operator object serves all terms that come of a term.
+/// every call that needs them; one operator object may serve all terms that come of a term.
 ///
 /// Operators are immutable and shared between threads; like terms they live on the heap. As in
 /// Process, the virtual functions stand in the order of their slots, and those that share a name
@@ -35,8 +35,9 @@ class CALDER_PROCESS_COMPILER_EXPORT Operator : public AtomicReferenceCounted,
     /// operators have 0 to 8.
     virtual unsigned operator_kind() const = 0;
 
-    /// The transitions of the operator applied to `arguments`, none of which is null. Successors
-    /// are applications of this same operator, or arguments, or successors of arguments, or STOP.
+    /// The transitions of the operator applied to `arguments`, none of which is null. The library's
+    /// successors are applications of this same operator, or arguments, or successors of
+    /// arguments, or STOP; an operator whose parameters change as it runs applies a new one.
     virtual bool visit_transitions(NamedProcessSource const& source,
                                    TransitionVisitor const& visitor,
                                    ProcessArray const& arguments) const = 0;
@@ -82,7 +83,7 @@ class CALDER_PROCESS_COMPILER_EXPORT Operator : public AtomicReferenceCounted,
     CachedHash m_hash;
 };
 
-/// All terms that come of a term hold the same operator.
+/// The terms that come of a term mostly hold the same operator.
 using OperatorPointer = boost::intrusive_ptr<Operator>;
 
 } // namespace Calder::ProcessCompiler

@@ -20,7 +20,7 @@ class Binder {
         auto const count = static_cast<unsigned>(m_names.definitions.size());
         for (unsigned number = 0; number < count; ++number) {
             NamedDefinition const& definition = m_names.definitions[number];
-            if (definition.first_line == 0 && definition.has_name()) {
+            if (!definition.is_repetition && definition.has_name()) {
                 m_scope[m_tokens.text_of(definition.token)].push_back(
                     {Binding::Kind::definition, number});
             }
@@ -230,8 +230,8 @@ class Binder {
                 other.clauses.push_back(node);
                 return;
             }
-            report(token, in_quotes(own) + " is already defined in line " +
-                              std::to_string(m_tokens[other.token].line));
+            report(token, in_quotes(own) + " is already defined in " +
+                              line_of(m_tokens, other.token, token));
             return;
         }
         auto const number = static_cast<unsigned>(m_names.definitions.size());

@@ -33,7 +33,7 @@ class Declarer {
           m_evaluator(evaluator), m_session(session), m_diagnostics(diagnostics) {}
 
     void run() {
-        m_lines.resize(m_session.number_bound());
+        m_tokens.resize(m_session.number_bound());
         declare_datatypes();
         for (Translation::Declaration const& declaration : m_translation.declarations) {
             declare_channels(declaration);
@@ -303,12 +303,13 @@ class Declarer {
     bool declare_event(unsigned channel, std::string const& name) {
         unsigned const next = m_session.number_bound();
         unsigned const number = m_session.declare_event(name);
+        unsigned const token = m_telling.tree[channel].token;
         if (number != next) {
-            report(channel, "the event " + in_quotes(name) + " is already declared in line " +
-                                std::to_string(m_lines[number]));
+            report(channel, "the event " + in_quotes(name) + " is already declared in " +
+                                line_of(m_telling.tokens, m_tokens[number], token));
             return false;
         }
-        m_lines.push_back(m_telling.tokens[m_telling.tree[channel].token].line);
+        m_tokens.push_back(token);
         return true;
     }
 
@@ -327,7 +328,7 @@ class Declarer {
     Values::Evaluator& m_evaluator;
     ProcessCompiler::Session& m_session;
     Diagnostics& m_diagnostics;
-    std::vector<unsigned> m_lines; // of the declarations, by event number
+    std::vector<unsigned> m_tokens; // of the declarations, by event number
     std::uint64_t m_characters = 0;
 };
 

@@ -178,8 +178,9 @@ class Check {
         return m_telling.tokens.text_of(m_telling.tree[node].token);
     }
     void report(unsigned node, Wording message) {
-        m_diagnostics.push_back(
-            diagnostic_at(location_of(m_telling.tokens, m_telling.tree, node), std::move(message)));
+        Node const& event = m_telling.tree[node];
+        m_diagnostics.push_back(diagnostic_over(m_telling.tokens, event.first_token,
+                                                event.last_token, std::move(message)));
     }
 
     Telling const& m_telling;

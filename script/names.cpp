@@ -95,8 +95,7 @@ class Declarer {
         if (found == m_names.by_name.end()) {
             m_names.by_name.emplace(std::move(name), number);
         } else {
-            m_names.definitions.back().first_line =
-                m_tokens[m_names.definitions[found->second].token].line;
+            m_names.definitions.back().is_repetition = true;
         }
     }
 
@@ -156,9 +155,8 @@ class Declarer {
             report(token, in_quotes(name) + " is already a channel");
         } else if (auto const found = m_names.by_name.find(std::string(name));
                    found != m_names.by_name.end()) {
-            report(token,
-                   in_quotes(name) + " is already defined in line " +
-                       std::to_string(m_tokens[m_names.definitions[found->second].token].line));
+            report(token, in_quotes(name) + " is already defined in " +
+                              line_of(m_tokens, m_names.definitions[found->second].token, token));
         }
     }
 
@@ -209,13 +207,12 @@ NameTable resolve_names(TokenList const& tokens, SyntaxTree const& tree, unsigne
     bind_names(tokens, tree, names, diagnostics);
     infer_processes(tokens, tree, names);
     for (NamedDefinition const& definition : names.definitions) {
-        if (definition.first_line > 0) {
-            unsigned const first = names.by_name.at(definition.name);
-            std::string const what = names.definitions[first].is_process ? "the process " : "";
-            diagnostics.push_back(
-                {tokens.location(definition.token), what + in_quotes(definition.name) +
-                                                        " is already defined in line " +
-                                                        std::to_string(definition.first_line)});
+        if (definition.is_repetition) {
+            NamedDefinition const& first = names.definitions[names.by_name.at(definition.name)];
+            std::string const what = first.is_process ? "the process " : "";
+            diagnostics.push_back({tokens.location(definition.token),
+                                   what + in_quotes(definition.name) + " is already defined in " +
+                                       line_of(tokens, first.token, definition.token)});
         }
     }
     return names;

@@ -55,8 +55,8 @@ struct NamedDefinition {
     bool is_constant = false;
     /// It stands in the place of what the script says.
     bool is_replacement = false;
-    /// The line of a definition of the same name that counts instead; 0 if there is none.
-    unsigned first_line = 0;
+    /// An earlier definition of the same name counts instead.
+    bool is_repetition = false;
 
     /// Whether others can name it.
     bool has_name() const { return part == AssertionPart::no_part; }

@@ -152,7 +152,7 @@ class Reader {
             compute(model);
         }
         for (unsigned const number : model.graph.order) {
-            bool const is_first = model.names.definitions[number].first_line == 0;
+            bool const is_first = !model.names.definitions[number].is_repetition;
             if (stands_alone(model, number) && is_first &&
                 model.names.definitions[number].is_process) {
                 guarded(number, [&] { define_process(model, number); });

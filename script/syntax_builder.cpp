@@ -114,7 +114,7 @@ unsigned SyntaxBuilder::question(unsigned process, unsigned open, unsigned last_
     QuestionEntry const* const entry = find_question(words);
     if (entry == nullptr) {
         m_diagnostics.push_back(
-            diagnostic_at(m_tokens.location(open + 1, last_word), unknown_question(words)));
+            diagnostic_over(m_tokens, open + 1, last_word, unknown_question(words)));
     } else if ((entry->argument == QuestionArgument::nothing) != (argument == none)) {
         m_diagnostics.push_back({m_tokens.location(open, last_word + 1),
                                  argument == none ? missing_argument(*entry)

@@ -4,6 +4,7 @@
 #include "script/grammar.h"
 #include "script/sources.h"
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -61,11 +62,19 @@ struct TokenList {
         return is_refused(tokens[token].kind, text_of(token));
     }
     Location location(unsigned token) const { return location(token, token); }
-    /// From the start of one token to the end of another; of one that ends on a later line, the
+    /// From the start of one token to the end of another; where that one ends on a later line, the
     /// first token alone.
     Location location(unsigned first, unsigned last) const;
+    bool are_on_one_line(unsigned first, unsigned last) const;
     /// The same token, or the first one that somebody wrote behind it.
     unsigned written(unsigned token) const { return tokens[token].line > 0 ? token : token + 1; }
 };
+
+/// "line 3", or "line 3 of table.csp" where the tokens stand in different sources.
+std::string line_of(TokenList const& tokens, unsigned token, unsigned seen_from);
+
+/// At `location(first, last)`. Where that is the first token alone, nothing is suggested, because it
+/// would be for all of them.
+Diagnostic diagnostic_over(TokenList const& tokens, unsigned first, unsigned last, Wording wording);
 
 } // namespace Calder::Script

@@ -64,7 +64,7 @@ std::vector<std::string> owners_of(CLI::App const& app, std::string const& optio
 }
 
 bool is_option(std::string const& word) {
-    return word.size() > 1 && word[0] == '-';
+    return word.size() > 1 && word[0] == '-' && word != "--";
 }
 
 /// Words that nobody takes; empty when there are none. More can be said of them than of what is
@@ -83,6 +83,11 @@ Script::Wording words_about_leftovers(CLI::App const& app, CLI::App const& comma
         std::vector<std::string> const owners = owners_of(app, name);
         // What every command takes is right behind any word that was meant for a command.
         bool const fits_all = owners.size() == names_of_commands(app).size();
+        if (std::find(owners.begin(), owners.end(), command.get_name()) != owners.end()) {
+            return fmt::format("'{0}' is not read here: options of '{1}' stand behind '{1}' and in "
+                               "front of any '--'",
+                               name, command.get_name());
+        }
         if (&command != &app || !fits_all || option == left.begin()) {
             return fmt::format("unknown option '{}' of '{}'", name, command.get_display_name()) +
                    (owners.empty() ? suggestion_among(names_of_options(command), name)

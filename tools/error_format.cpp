@@ -2,12 +2,18 @@
 
 #include <atomic>
 #include <string_view>
+#include <strings.h>
 
 namespace Calder::Tools {
 
 namespace {
 
 std::atomic<ErrorFormat> chosen = ErrorFormat::text;
+
+/// In any mixture of capitals, as words of options are read; `word` goes to the end of its text.
+bool is_json(std::string_view word) {
+    return strcasecmp(word.data(), "json") == 0;
+}
 
 } // namespace
 
@@ -20,16 +26,19 @@ ErrorFormat error_format() {
 }
 
 ErrorFormat wanted_error_format(int count, char const* const* words) {
+    constexpr std::string_view option = "--error-format";
     bool is_behind_option = false;
     for (int index = 1; index < count; ++index) {
         std::string_view const word = words[index];
         if (word == "--") {
             break; // what stands behind it is a FILE
         }
-        if (word == "--error-format=json" || (is_behind_option && word == "json")) {
+        bool const has_value = word.starts_with(option) && word.substr(option.size(), 1) == "=";
+        if ((is_behind_option && is_json(word)) ||
+            (has_value && is_json(word.substr(option.size() + 1)))) {
             return ErrorFormat::json;
         }
-        is_behind_option = word == "--error-format";
+        is_behind_option = word == option;
     }
     return ErrorFormat::text;
 }

@@ -56,7 +56,9 @@ template <typename Number>
 void add_number(CLI::App& command, char const* name, std::optional<Number>& number,
                 std::uint64_t least, char const* description,
                 std::uint64_t most = std::numeric_limits<Number>::max()) {
-    command.add_option(name, number, description)->type_name("N")->check(whole_number(least, most));
+    command.add_option(name, number, description)
+        ->type_name("N")
+        ->transform(whole_number(least, most));
 }
 
 /// An option with one of several words, the first of which is what it is without the option.
@@ -64,7 +66,7 @@ void add_choice(CLI::App& command, char const* name, std::vector<std::string> co
                 std::function<void(std::string const&)> const& take, char const* description) {
     command.add_option_function(name, take, description)
         ->type_name(joined(words, "|"))
-        ->check(one_of(words))
+        ->transform(one_of(words))
         ->default_str(words.front());
 }
 
