@@ -8,6 +8,7 @@ namespace Calder::Tools {
 namespace {
 
 std::atomic<ErrorFormat> chosen = ErrorFormat::text;
+static_assert(std::atomic<ErrorFormat>::is_always_lock_free); // a signal handler asks for it
 
 } // namespace
 
