@@ -1,5 +1,6 @@
 #pragma once
 
+#include "process_compiler/export.h"
 #include "process_compiler/process.h"
 
 #include <vector>
@@ -8,7 +9,7 @@ namespace Calder::ProcessCompiler {
 
 /// Finds the named processes that terms run from their start, by the constructs' own answers
 /// (`process_state`). Asks for no transition, and keeps its storage from one term to the next.
-class NamesAtStart {
+class CALDER_PROCESS_COMPILER_EXPORT NamesAtStart {
   public:
     /// Adds the numbers of those that `term` runs to `numbers`, in the order of their places;
     /// one that stands in several places may be added for each.

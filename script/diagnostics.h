@@ -57,7 +57,7 @@ struct Diagnostic {
 using Diagnostics = std::vector<Diagnostic>;
 
 /// With its suggestion, if it has one.
-Diagnostic diagnostic_at(Location const& location, Wording wording);
+CALDER_SCRIPT_EXPORT Diagnostic diagnostic_at(Location const& location, Wording wording);
 
 /// The diagnostic as three lines for a terminal, and a line for each note:
 ///

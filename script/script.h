@@ -145,9 +145,7 @@ struct ReadResult {
 /// length, its events and its sets; the stack that is used is not longer for a longer script.
 /// Throws std::bad_alloc.
 CALDER_SCRIPT_EXPORT ReadResult read_script(Source script, ReadOptions const& options);
-CALDER_SCRIPT_EXPORT ReadResult read_script(std::string_view text);
-ReadResult read_script(Source script, ReadOptions const& options);
 /// The same of a text alone, which messages call "script".
-ReadResult read_script(std::string_view text);
+CALDER_SCRIPT_EXPORT ReadResult read_script(std::string_view text);
 
 } // namespace Calder::Script
