@@ -51,6 +51,7 @@ function(calder_installed_library target room)
                   COMPONENT libraries NAMELINK_COMPONENT development
           INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
   set_property(GLOBAL APPEND PROPERTY CALDER_COMPONENTS ${room})
+  set_property(GLOBAL APPEND PROPERTY CALDER_LIBRARIES ${target})
 endfunction()
 
 # The rest, when all rooms are known.
@@ -75,6 +76,9 @@ function(calder_install_package)
   list(JOIN rooms " " CALDER_LINKED_LIBRARIES)
   file(RELATIVE_PATH CALDER_PREFIX_FROM_PKGCONFIG ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig
        ${CMAKE_INSTALL_PREFIX})
+  # Below the prefix, unless they are absolute.
+  cmake_path(APPEND CALDER_PKGCONFIG_LIBDIR "\${prefix}" ${CMAKE_INSTALL_LIBDIR})
+  cmake_path(APPEND CALDER_PKGCONFIG_INCLUDEDIR "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
   configure_file(cmake/calder.pc.in ${PROJECT_BINARY_DIR}/calder.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/calder.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
           COMPONENT development)

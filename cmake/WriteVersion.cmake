@@ -11,7 +11,10 @@
 
 # git(RESULT WORDS ...): what git answers about the tree; RESULT-NOTFOUND where it has none.
 function(git result)
-  execute_process(COMMAND git --no-optional-locks ${ARGN} WORKING_DIRECTORY ${SOURCE_DIR} RESULT_VARIABLE status
+  # A hook of another repository names that one to all that it runs.
+  execute_process(COMMAND ${CMAKE_COMMAND} -E env --unset=GIT_DIR --unset=GIT_WORK_TREE --unset=GIT_INDEX_FILE
+                          git --no-optional-locks ${ARGN}
+                  WORKING_DIRECTORY ${SOURCE_DIR} RESULT_VARIABLE status
                   OUTPUT_VARIABLE answer ERROR_QUIET OUTPUT_STRIP_TRAILING_WHITESPACE)
   if(NOT status EQUAL 0)
     set(answer "${result}-NOTFOUND")
@@ -37,6 +40,8 @@ endfunction()
 
 if(NOT COMMIT)
   commit_of_tree(COMMIT)
+elseif(NOT COMMIT MATCHES "^[-+.:/_~0-9A-Za-z]+$")
+  message(FATAL_ERROR "CALDER_COMMIT is no name of a commit: ${COMMIT}")
 endif()
 file(CONFIGURE OUTPUT ${OUTPUT} @ONLY CONTENT [[
 #include "tools/version.h"

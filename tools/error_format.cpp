@@ -9,6 +9,7 @@ namespace Calder::Tools {
 namespace {
 
 std::atomic<ErrorFormat> chosen = ErrorFormat::text;
+static_assert(std::atomic<ErrorFormat>::is_always_lock_free); // a signal handler asks for it
 
 /// In any mixture of capitals, as words of options are read; `word` goes to the end of its text.
 bool is_json(std::string_view word) {

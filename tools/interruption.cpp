@@ -1,12 +1,12 @@
 #include "tools/interruption.h"
 
 #include "tools/command_error.h"
+#include "tools/last_words.h"
 
 #include <atomic>
 #include <csignal>
 #include <cstdint>
 #include <ctime>
-#include <string_view>
 #include <unistd.h>
 
 namespace Calder::Tools {
@@ -39,9 +39,7 @@ void note_signal(int signal) {
 
 /// Calls only what may be called while anything else is going on.
 void end_at_once(int) {
-    constexpr std::string_view message = "calder: interrupted\n";
-    [[maybe_unused]] ssize_t const written =
-        write(STDERR_FILENO, message.data(), message.size()); // there is nobody else to tell
+    tell_last_words("interrupted");
     _exit(exit_stopped_early);
 }
 

@@ -84,7 +84,7 @@ int guarded_run(int count, char** words) {
         tell_script_error(error);
         return exit_bad_input;
     } catch (std::bad_alloc const&) {
-        print_message(out_of_memory());
+        tell_out_of_memory();
         return exit_stopped_early;
     } catch (Calder::ProcessCompiler::NestedTooDeeply const& error) {
         tell_error(error.what());

@@ -1,7 +1,7 @@
 #include "tools/out_of_memory.h"
 
 #include "tools/command_error.h"
-#include "tools/error_format.h"
+#include "tools/last_words.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -39,8 +39,7 @@ bool ran_out_of_memory() {
     if (!ran_out_of_memory()) {
         std::abort(); // a fault of ours, for a core file
     }
-    std::string_view const text = out_of_memory();
-    [[maybe_unused]] ssize_t const written = write(STDERR_FILENO, text.data(), text.size());
+    tell_out_of_memory();
     _exit(exit_stopped_early);
 }
 
@@ -55,13 +54,8 @@ void install() {
 
 } // namespace
 
-/// Literals, because nothing can be put together any more.
-std::string_view out_of_memory() noexcept {
-    return error_format() == ErrorFormat::text
-               ? "calder: out of memory\n"
-               : R"({"severity": "error", "file": null, "line": null, "column": null, "length": null, )"
-                 R"("message": "out of memory", "suggestion": null, "notes": []})"
-                 "\n";
+void tell_out_of_memory() noexcept {
+    tell_last_words("out of memory");
 }
 
 unsigned failed_allocations() {
