@@ -27,6 +27,7 @@ _calder() {
     COMPREPLY=()
     if [[ $current == '=' ]]; then
         current=''
+        [[ $before == -* ]] || return
     elif [[ $before == '=' ]]; then
         before=${COMP_WORDS[COMP_CWORD - 2]}
         [[ $before == -* ]] || return
