@@ -134,8 +134,8 @@ template <typename T> class OwningArray : public FixedArray<T> {
     /// As of the base, but both arrays release what they hold.
     OwningArray(OwningArray const&) = default;
     OwningArray(OwningArray&&) noexcept = default;
-    /// Copies what another array holds, which keeps its own.
     /// @}
+    /// Copies what another array holds, which keeps its own.
     explicit OwningArray(FixedArray<T> const& other) : FixedArray<T>(other) {}
     OwningArray& operator=(OwningArray const&) = delete;
     OwningArray& operator=(OwningArray&&) = delete;

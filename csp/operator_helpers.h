@@ -57,8 +57,8 @@ struct CALDER_CSP_EXPORT CartProductScratch {
     /// By argument: the run that is combined, from `start` up to before `end`.
     IndexArray start;
     IndexArray end;
-    /// By argument: where in its run the combination is.
     /// @}
+    /// By argument: where in its run the combination is.
     IndexArray current;
 };
 

@@ -28,8 +28,8 @@ class CALDER_PROCESS_COMPILER_EXPORT Operator : public AtomicReferenceCounted,
     /// Structural equality, kinds first, of the parameters.
     virtual bool operator==(Operator const& other) const = 0;
     virtual bool operator!=(Operator const& other) const = 0;
-    /// What Process::hash_code says, of the parameters.
     /// @}
+    /// What Process::hash_code says, of the parameters.
     virtual std::uint64_t hash_code() const = 0;
     /// Which class this is; the numbers are apart from those of Process::kind. The library's
     /// operators have 0 to 8.

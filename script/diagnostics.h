@@ -31,10 +31,12 @@ struct Location {
 
 /// A line below what is wrong: a call that led there.
 struct Note {
+    /// Such as "in P(3), called at 2:15".
     std::string text;
-    /// Where the call stands; the text says it, too.
+    /// Where the call stands; the text says it, too. None in the line for calls that are left out.
     std::optional<Location> location{};
 
+    /// Member by member.
     bool operator==(Note const&) const = default;
 };
 
@@ -44,8 +46,9 @@ struct Diagnostic {
     Location location;
     /// Without the place, which `render` tells.
     std::string message;
+    /// Of what only values show, the innermost call first; otherwise none.
     std::vector<Note> notes{};
-    /// What the message asks for: "did you mean", to be written in the place of what stands at the
+    /// What the message asks about with "did you mean", to be written in the place of what stands at the
     /// location; empty where it does not ask.
     std::string suggestion{};
 
@@ -56,7 +59,7 @@ struct Diagnostic {
 /// What is wrong with a script and what it includes.
 using Diagnostics = std::vector<Diagnostic>;
 
-/// With its suggestion, if it has one.
+/// Without notes; with its suggestion, if it has one.
 CALDER_SCRIPT_EXPORT Diagnostic diagnostic_at(Location const& location, Wording wording);
 
 /// The diagnostic as three lines for a terminal, and a line for each note:
