@@ -58,6 +58,15 @@ endfunction()
 function(calder_install_package)
   install(TARGETS calder RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command)
 
+  # As they stand in the tree, so that the pages lead to each other.
+  install(FILES README.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT command)
+  file(GLOB pages CONFIGURE_DEPENDS docs/*.md)
+  install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT command)
+  file(GLOB examples CONFIGURE_DEPENDS examples/*.csp)
+  install(FILES ${examples} DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT command)
+  install(DIRECTORY examples/construct DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
+          COMPONENT development)
+
   get_property(rooms GLOBAL PROPERTY CALDER_COMPONENTS)
   list(JOIN rooms " " CALDER_COMPONENTS)
   set(package_directory ${CMAKE_INSTALL_LIBDIR}/cmake/calder)

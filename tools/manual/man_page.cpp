@@ -127,7 +127,11 @@ std::string exit_status_text() {
 
 constexpr std::string_view description = R"(.SH DESCRIPTION
 Models are processes of CSP (Communicating Sequential Processes), written in
-a text notation.
+a text notation, which
+.I docs/notation.md
+of the documentation describes; it is installed in
+.IR share/doc/calder ,
+with examples.
 .B calder
 finds what they can do: it explores a process, term by term or as the machine
 that it compiles to, looks for deadlocks, writes transition systems to files,
