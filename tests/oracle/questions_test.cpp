@@ -77,7 +77,7 @@ void expect_nobody_can_go_on(Answer const& answer) {
 }
 
 TEST(Questions, are_answered_alike_by_both_engines) {
-    Testing::SeedRange const seeds = Testing::seeds_from_environment(1500);
+    Testing::SeedRange const seeds = Testing::one_of(4, Testing::seeds_from_environment(6000));
     unsigned decided = 0;
     unsigned by_machine = 0;
     unsigned failing = 0;

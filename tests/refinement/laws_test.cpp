@@ -1,4 +1,5 @@
 #include "tests/refinement/random_systems.h"
+#include "tests/support/seeds.h"
 
 #include <gtest/gtest.h>
 
@@ -37,7 +38,7 @@ Rows diverging() {
 
 TEST(Laws, OfTheThreeModelsTogether) {
     Calder::Testing::SeedRange const seeds =
-        one_of(5, Calder::Testing::seeds_from_environment(4000));
+        Calder::Testing::one_of(5, Calder::Testing::seeds_from_environment(4000));
     unsigned transitive = 0;
     for (std::uint64_t seed = seeds.first; seed < seeds.end; ++seed) {
         Random random(seed);

@@ -1,4 +1,5 @@
 #include "tests/refinement/random_systems.h"
+#include "tests/support/seeds.h"
 
 #include <gtest/gtest.h>
 
@@ -188,7 +189,7 @@ TEST(NaiveSemantics, RefinementIsWhatTheDefinitionsSay) {
 /// Of a machine, against the system that its exploration finds.
 TEST(NaiveSemantics, MachinesAnswerAsTheirSystems) {
     Calder::Testing::SeedRange const seeds =
-        one_of(4, Calder::Testing::seeds_from_environment(4000));
+        Calder::Testing::one_of(4, Calder::Testing::seeds_from_environment(4000));
     for (std::uint64_t seed = seeds.first; seed < seeds.end; ++seed) {
         Random random(seed);
         ProcessPointer const machine = random_machine(random);

@@ -2,7 +2,6 @@
 
 #include "tests/refinement/naive_semantics.h"
 #include "tests/state_space/machine/fake_construct.h"
-#include "tests/support/seeds.h"
 
 #include <random>
 
@@ -36,11 +35,6 @@ StateSpace::Testing::ProcessPointer machine_over(Rows const& rows, std::string c
 
 /// What the machine of a term does.
 Rows rows_of_machine(StateSpace::Testing::ProcessPointer const& term);
-
-/// Some of the seeds, for what takes longer than others.
-inline Calder::Testing::SeedRange one_of(unsigned share, Calder::Testing::SeedRange seeds) {
-    return {seeds.first, seeds.first + (seeds.end - seeds.first + share - 1) / share};
-}
 
 /// For messages.
 std::string text_of(Rows const& rows);

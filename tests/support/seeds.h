@@ -26,4 +26,9 @@ inline SeedRange seeds_from_environment(std::uint64_t models) {
     return {first, first + number("CALDER_MODELS", models)};
 }
 
+/// Some of the seeds, for what takes longer than others.
+inline SeedRange one_of(unsigned share, SeedRange seeds) {
+    return {seeds.first, seeds.first + (seeds.end - seeds.first + share - 1) / share};
+}
+
 } // namespace Calder::Testing
