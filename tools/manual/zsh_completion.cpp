@@ -30,18 +30,18 @@ std::string value_of(OptionEntry const& option) {
     return ":" + escaped(option.value, ":") + ":" + action;
 }
 
-/// Specifications for _arguments, a line each. An option that shows something and ends, as --help does,
-/// leaves nothing else to be written.
-std::string specifications(CommandEntry const& command, std::string const& indentation) {
+/// The options as _arguments wants them, a line each. An option that shows something and ends, as --help
+/// does, leaves nothing else to be written.
+std::string option_lines(CommandEntry const& command, std::string const& indentation) {
     std::string text;
     for (OptionEntry const& option : command.options) {
         bool const ends = command.name.empty() || option.names.back() == "--help";
         for (std::string const& name : option.names) {
             std::string const before = option.repeats ? "*" : ends ? "(- *)" : "";
-            std::string const specification = before + name + (option.value.empty() ? "" : "=") +
-                                              "[" + escaped(option.description, "[]") + "]" +
-                                              value_of(option);
-            text += fmt::format("{}{} \\\n", indentation, quoted_for_shell(specification));
+            std::string const described = before + name + (option.value.empty() ? "" : "=") + "[" +
+                                          escaped(option.description, "[]") + "]" +
+                                          value_of(option);
+            text += fmt::format("{}{} \\\n", indentation, quoted_for_shell(described));
         }
     }
     return text;
@@ -59,7 +59,7 @@ std::string zsh_completion(Manual const& manual) {
         text +=
             fmt::format("        {}\n", quoted_for_shell(command.name + ":" + command.description));
     }
-    text += "    )\n    _arguments -C \\\n" + specifications(manual.calder, "        ") +
+    text += "    )\n    _arguments -C \\\n" + option_lines(manual.calder, "        ") +
             "        '1:command:->command' \\\n"
             "        '*::argument:->arguments'\n"
             "    case $state in\n"
@@ -69,7 +69,7 @@ std::string zsh_completion(Manual const& manual) {
     for (CommandEntry const& command : manual.commands) {
         text += fmt::format("        {})\n            _arguments \\\n{}"
                             "                '1:script:_files -g \"*.csp\"' ;;\n",
-                            command.name, specifications(command, "                "));
+                            command.name, option_lines(command, "                "));
     }
     return text + "        esac ;;\n    esac\n}\n\n_calder \"$@\"\n";
 }
