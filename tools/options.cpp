@@ -162,7 +162,8 @@ std::unique_ptr<CLI::App> command_line_parser(CommandLine& line, std::string con
         "Explores, checks, compiles, prints and describes CSP processes.\n" +
             words_about_exit_codes(),
         "calder");
-    app->set_version_flag("--version", version, "Tell the version, the commit and the compiler, and exit");
+    app->set_version_flag("--version", version,
+                          "Tell the version, the commit and the compiler, and exit");
     app->require_subcommand(1);
     auto const add = [&](char const* name, Command command, char const* description) -> CLI::App& {
         CLI::App* const added = app->add_subcommand(name, description);
