@@ -11,6 +11,8 @@
 
 namespace Calder::Pins {
 
+struct StepStorage;
+
 /// A machine as an engine wants it that knows only vectors of numbers: states of a fixed number of
 /// columns, and transition groups of which each is known to touch few of them.
 ///
@@ -47,7 +49,17 @@ class VectorMachine {
     };
 
     /// The storage of one caller, which is kept from call to call.
-    class Scratch;
+    class Scratch {
+      public:
+        Scratch();
+        ~Scratch();
+        Scratch(Scratch const&) = delete;
+        Scratch& operator=(Scratch const&) = delete;
+
+      private:
+        friend class VectorMachine;
+        std::unique_ptr<StepStorage> m_storage;
+    };
 
     /// Is told of a step: the event, by its place in `events`, the group, and the successor, which is
     /// good until it returns and must be as it was then.

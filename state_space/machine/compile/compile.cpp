@@ -15,20 +15,8 @@ using HighLevelMachine::UnCompiledFormat;
 using HighLevelMachine::UnCompiledRule;
 using ProcessCompiler::Formats;
 using ProcessCompiler::NamedProcessSource;
-using ProcessCompiler::no_event;
 
 namespace {
-
-/// Whether all who take part in the rule can do so: they run in the format and have the event.
-bool can_fire(UnCompiledRule const& rule, UnCompiledFormat const& format,
-              std::vector<BitSet> const& alphabets) {
-    return std::all_of(rule.component_events.begin(), rule.component_events.end(),
-                       [&](ComponentEvent const& participant) {
-                           return participant.event == no_event ||
-                                  (alphabets[participant.component].member(participant.event) &&
-                                   place_of(participant.component, format) != none);
-                       });
-}
 
 /// The events of the rules that can fire, in the formats that such rules lead to.
 BitSet alphabet_of(Formats const& formats, std::vector<BitSet> const& alphabets) {

@@ -21,6 +21,13 @@ constexpr unsigned most_event = 0x7FFFFFFF;
 [[nodiscard]] CALDER_STATE_SPACE_EXPORT std::uint32_t
 place_of(unsigned argument, HighLevelMachine::UnCompiledFormat const& format) noexcept;
 
+/// Whether all who take part in the rule of the format can do so: they run in it, and have the event
+/// in their alphabets, of which there is one for each argument.
+[[nodiscard]] CALDER_STATE_SPACE_EXPORT bool
+can_fire(HighLevelMachine::UnCompiledRule const& rule,
+         HighLevelMachine::UnCompiledFormat const& format,
+         std::vector<BitSet> const& alphabets) noexcept;
+
 /// A piece of a machine: a leaf, or a construct with its formats over other parts.
 struct Part {
     /// What it was compiled from.

@@ -57,6 +57,15 @@ class CALDER_STATE_SPACE_EXPORT ConfigurationTables {
     }
     [[nodiscard]] Configurations const& configurations() const noexcept { return m_configurations; }
 
+    /// @{
+    /// For whoever looks at configurations before any state comes to them, or at those of parts: the
+    /// configurations, and their flat rules. Throws what `Flattening::rules` throws.
+    [[nodiscard]] Configurations& configurations() noexcept { return m_configurations; }
+    FlatRules const& make_rules(ConfigurationNumber number, SearchMonitor& monitor) {
+        return m_flattening.rules(number, monitor);
+    }
+    /// @}
+
     /// The leaves in the slots of a configuration.
     [[nodiscard]] std::vector<std::uint32_t> leaves(ConfigurationNumber number) const {
         return m_configurations.leaves(number);

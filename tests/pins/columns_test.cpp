@@ -1,0 +1,3 @@
+#include "tests/pins/vector_exploration.h"
+
+#include <gtest/gtest.h>
