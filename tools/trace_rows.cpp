@@ -231,12 +231,7 @@ void TraceRows::read_columns(TraceLine const& head, std::vector<std::string> con
     for (std::string const& column : columns) {
         auto const found = places.find(column);
         if (found == places.end()) {
-            throw head.text.find(column + ":") == std::string::npos
-                ? error_of_another(head, head.fields[0],
-                                   fmt::format("a trace of this process has a column '{}'", column))
-                : error_at(head, head.fields[0],
-                           "the columns have commas between them; ltsmin-printtrace writes these "
-                           "without another --csv-separator");
+            refuse_columns(head, column);
         }
         m_places.push_back(found->second);
         places.erase(found);
@@ -254,6 +249,22 @@ void TraceRows::read_columns(TraceLine const& head, std::vector<std::string> con
     if (auto const found = places.find(event_column); found != places.end()) {
         m_event_place = found->second;
     }
+}
+
+/// Of those wanted, this one is the first that is missing.
+void TraceRows::refuse_columns(TraceLine const& head, std::string const& column) const {
+    if (head.text.find(column + ":") != std::string::npos) {
+        throw error_at(head, head.fields[0],
+                       "the columns have commas between them; ltsmin-printtrace writes these "
+                       "without another --csv-separator");
+    }
+    if (m_places.empty()) {
+        throw error_at(head, head.fields[0],
+                       fmt::format("a trace begins with its columns, '{}' among them; {}", column,
+                                   how_to_write));
+    }
+    throw error_of_another(head, head.fields[0],
+                           fmt::format("a trace of this process has a column '{}'", column));
 }
 
 TraceError TraceRows::error_at(TraceLine const& line, TraceField field, std::string message) const {

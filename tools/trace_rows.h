@@ -102,6 +102,7 @@ class TraceRows {
   private:
     bool next_line(TraceLine& line);
     void read_columns(TraceLine const& head, std::vector<std::string> const& columns);
+    [[noreturn]] void refuse_columns(TraceLine const& head, std::string const& column) const;
     TraceError error_at(TraceLine const& line, TraceField field, std::string message) const;
     /// With a note below that says how such a trace comes about.
     TraceError error_of_another(TraceLine const& line, TraceField field, std::string message) const;

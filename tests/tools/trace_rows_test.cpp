@@ -126,7 +126,7 @@ TEST(TraceRows, TellsWhatIsWrongAndWhere) {
     std::string const head = "leaf0:n,leaf1:n,action:a\n";
     Row const rows[] = {
         {"", "1:1+1: the file is empty"},
-        {"\n", "1:1+1: a trace of this process has a column 'leaf0'"},
+        {"\n", "1:1+1: a trace begins with its columns, 'leaf0' among them"},
         {head, "2:1+1: the first state is missing"},
         {head + "\n", "2:1+1: the line has 1 value, and not 3"},
         {head + "0,1\n", "2:3+1: the line has 2 values, and not 3"},
@@ -144,7 +144,7 @@ TEST(TraceRows, TellsWhatIsWrongAndWhere) {
         {"\x7F"
          "ELF",
          "1:1+1: this is no line"},
-        {"state 0/5\n", "1:1+9: a trace of this process has a column 'leaf0'"},
+        {"state 0/5\n", "1:1+9: a trace begins with its columns, 'leaf0' among them"},
         {"leaf0:n;leaf1:n;action:a\n", "1:1+24: the columns have commas between them"},
         {"leaf0:n, leaf1:n,action:a\n", "1:1+7: the columns have commas between them"},
         {"leaf0:n,action:a\n", "1:1+7: a trace of this process has a column 'leaf1'"},
