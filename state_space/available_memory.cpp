@@ -1,5 +1,7 @@
 #include "state_space/available_memory.h"
 
+#include "state_space/memory.h"
+
 #include <algorithm>
 #include <fstream>
 #include <limits>
@@ -45,6 +47,10 @@ std::uint64_t available_in_group() {
 
 std::uint64_t available_bytes() {
     return std::min(available_in_machine(), available_in_group());
+}
+
+std::uint64_t default_memory_limit() {
+    return resident_bytes() + available_bytes() / 10 * 9;
 }
 
 } // namespace Calder::StateSpace

@@ -9,4 +9,8 @@ namespace Calder::StateSpace {
 /// (version 2), whichever is less. The largest number when the system tells neither.
 [[nodiscard]] std::uint64_t available_bytes();
 
+/// Without a limit of the user's, most of the memory that there is, in bytes of the resident set: rather
+/// a search that says how far it came than one that the system kills.
+[[nodiscard]] std::uint64_t default_memory_limit();
+
 } // namespace Calder::StateSpace

@@ -82,7 +82,7 @@ std::vector<Script::Assertion> make_assertions(Script::Script const& script,
     }
     if (!errors.empty()) {
         sort_and_remove_repetitions(errors);
-        throw ScriptErrors(std::move(errors), script.sources());
+        throw Script::ScriptErrors(std::move(errors), script.sources());
     }
     return assertions;
 }

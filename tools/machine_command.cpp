@@ -24,7 +24,7 @@ int print_machine_of(Script::Script const& script, Script::Script::Definition co
     {
         InterruptionWatch const watch;
         StateSpace::CompilationOptions bounds;
-        bounds.max_memory = default_memory_limit();
+        bounds.max_memory = StateSpace::default_memory_limit();
         bounds.progress = [&](StateSpace::Progress const&) { return !watch.interrupted(); };
         compilation =
             StateSpace::compile(StateSpace::make_term_graph(definition.term, script.processes()),

@@ -1,5 +1,5 @@
 #include "process_compiler/recursion_watch.h"
-#include "script/script.h"
+#include "script/script_file.h"
 #include "tools/command_error.h"
 #include "tools/command_line.h"
 #include "tools/error_format.h"
@@ -78,7 +78,10 @@ int guarded_run(int count, char** words) {
     } catch (CommandError const& error) {
         tell_error(error.wording());
         return error.exit_code();
-    } catch (ScriptErrors const& errors) {
+    } catch (Calder::Script::ScriptFileError const& error) {
+        tell_error(error.wording());
+        return exit_bad_input;
+    } catch (Calder::Script::ScriptErrors const& errors) {
         tell_script_errors(errors.diagnostics(), errors.sources());
         return exit_bad_input;
     } catch (Calder::Script::ScriptError const& error) {

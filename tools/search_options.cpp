@@ -1,7 +1,7 @@
 #include "tools/search_options.h"
 
+#include "state_space/available_memory.h"
 #include "tools/error_format.h"
-#include "tools/input.h"
 #include "tools/summary.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace Calder::Tools {
 std::uint64_t SearchOptions::memory_limit() const {
     constexpr std::uint64_t most = std::numeric_limits<std::uint64_t>::max() / bytes_per_mib;
     return max_memory_mib ? std::min(*max_memory_mib, most) * bytes_per_mib
-                          : default_memory_limit();
+                          : StateSpace::default_memory_limit();
 }
 
 unsigned SearchOptions::thread_count() const {

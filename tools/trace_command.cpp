@@ -52,7 +52,7 @@ void follow_and_tell(Script::Script const& script, Script::Script::Definition co
                      std::FILE* file, TraceOptions const& options) {
     InterruptionWatch const watch;
     StateSpace::ExplorationOptions bounds;
-    bounds.max_memory = default_memory_limit();
+    bounds.max_memory = StateSpace::default_memory_limit();
     bounds.progress = [&](StateSpace::Progress const&) { return !watch.interrupted(); };
     StateSpace::SearchMonitor monitor(bounds, StateSpace::SearchMonitor::longest_for_terms);
     try {
@@ -86,7 +86,7 @@ int tell_trace(TraceOptions const& options) {
             follow_and_tell(script, definition, file.get(), options);
             return exit_holds;
         } catch (TraceError const& error) {
-            throw ScriptErrors({error.diagnostic()}, {error.source()});
+            throw Script::ScriptErrors({error.diagnostic()}, {error.source()});
         } catch (std::system_error const& error) {
             throw unreadable(options, error.code().value());
         } catch (StateSpace::MachineRefusal const& refusal) {
