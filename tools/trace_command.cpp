@@ -4,7 +4,6 @@
 #include "state_space/machine/machine_refusal.h"
 #include "state_space/search_monitor.h"
 #include "tools/command_error.h"
-#include "tools/interruption.h"
 #include "tools/standard_streams.h"
 #include "tools/trace_report.h"
 
@@ -50,10 +49,8 @@ void tell(FollowedTrace const& trace, TracedMachine const& machine, bool as_json
 
 void follow_and_tell(Script::Script const& script, Script::Script::Definition const& definition,
                      std::FILE* file, TraceOptions const& options) {
-    InterruptionWatch const watch;
     StateSpace::ExplorationOptions bounds;
     bounds.max_memory = StateSpace::default_memory_limit();
-    bounds.progress = [&](StateSpace::Progress const&) { return !watch.interrupted(); };
     StateSpace::SearchMonitor monitor(bounds, StateSpace::SearchMonitor::longest_for_terms);
     try {
         Pins::Model model = Pins::make_model(definition.term, script.processes(), bounds);
@@ -62,12 +59,9 @@ void follow_and_tell(Script::Script const& script, Script::Script::Definition co
         TracedMachine const machine{definition.name, running, *model.vectors, names};
         tell(follow_trace(file, trace_name(options), machine, monitor), machine, options.json);
     } catch (StateSpace::SearchEnded const&) {
-        throw CommandError(
-            fmt::format("{} was not followed to its end: {}", trace_name(options),
-                        StateSpace::describe(watch.interrupted()
-                                                 ? StateSpace::Outcome::interrupted
-                                                 : StateSpace::Outcome::memory_limit)),
-            exit_stopped_early);
+        throw CommandError(fmt::format("{} was not followed to its end: {}", trace_name(options),
+                                       StateSpace::describe(StateSpace::Outcome::memory_limit)),
+                           exit_stopped_early);
     }
 }
 

@@ -25,8 +25,8 @@ std::string trace_text(FollowedTrace const& trace, TracedMachine const& machine)
             : titled_line("trace", fmt::format("{} goes through it like this", process));
     text += step_lines("", trace.steps, names);
     if (trace.loop_start) {
-        text +=
-            titled_line("loop", fmt::format("the last state is that {}", after(*trace.loop_start)));
+        text += titled_line(
+            "loop", fmt::format("{} is again where it was {}", process, after(*trace.loop_start)));
     }
     if (trace.is_deadlock()) {
         text += waiting_text(waiting_in(machine.running, trace.end), trace.end, names);
