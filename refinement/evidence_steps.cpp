@@ -1,16 +1,13 @@
 #include "refinement/evidence_steps.h"
 
 #include "process_compiler/event_numbers.h"
-#include "refinement/inner_events.h"
+#include "refinement/machine_steps.h"
 
 #include <algorithm>
 
 namespace Calder::Refinement {
 
 using ProcessCompiler::tau;
-using StateSpace::ConfigurationNumber;
-using StateSpace::ConfigurationTables;
-using StateSpace::FlatRules;
 
 namespace {
 
@@ -32,43 +29,20 @@ EvidenceStep step_between(PairSearch& search, Side const& side, StateNumber sour
 } // namespace
 
 RunState described_state(Side const& side, StateNumber number, Word const* state) {
+    if (RunningMachine const* const machine = side.machine()) {
+        return described_state(*machine, number, state);
+    }
     RunState described{number};
     described.term = side.term(state);
-    if (RunningMachine const* const machine = side.machine()) {
-        described.configuration = machine->tables->configuration_of(state);
-        auto const leaves = machine->tables->leaves(described.configuration);
-        auto const& slots = machine->tables->layout_of(state).slots();
-        for (std::size_t slot = 0; slot < slots.size(); ++slot) {
-            described.slots.push_back({leaves[slot], slots[slot].read(state)});
-        }
-    }
     return described;
 }
 
 EvidenceStep described_step(Side const& side, StateNumber source, Word const* source_words,
                             unsigned event, StateNumber target, Word const* target_words) {
-    EvidenceStep step{event, described_state(side, source, source_words), target};
-    RunningMachine const* const machine = side.machine();
-    if (machine == nullptr) {
-        return step;
+    if (RunningMachine const* const machine = side.machine()) {
+        return described_step(*machine, source, source_words, event, target, target_words);
     }
-    ConfigurationTables const& tables = *machine->tables;
-    ConfigurationNumber const configuration = tables.configuration_of(source_words);
-    auto const rule =
-        tables.table(configuration)
-            .rule_between(source_words, event, {target_words, target_words + side.width()});
-    if (rule) {
-        FlatRules const& flat = tables.rules(configuration);
-        auto const participants = flat.participants_of(flat.rules[*rule]);
-        step.participants.assign(participants.begin(), participants.end());
-        std::sort(step.participants.begin(), step.participants.end(),
-                  [](auto const& left, auto const& right) { return left.slot < right.slot; });
-        if (event == tau) {
-            step.inner_events =
-                inner_events(tables.configurations(), configuration, step.participants);
-        }
-    }
-    return step;
+    return {event, described_state(side, source, source_words), target};
 }
 
 std::vector<EvidenceStep> steps_to(PairSearch& search, Side const& side, StateNumber pair) {

@@ -1,6 +1,7 @@
 #include "tools/command_line.h"
 
 #include "script/suggestion.h"
+#include "tools/word_lists.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
@@ -37,6 +38,17 @@ std::vector<std::string> names_of_options(CLI::App const& command) {
     for (CLI::Option const* const option : command.get_options()) {
         for (std::string const& name : option->get_lnames()) {
             names.push_back("--" + name);
+        }
+    }
+    return names;
+}
+
+/// What stands behind a command without an option in front: "FILE".
+std::vector<std::string> names_of_operands(CLI::App const& command) {
+    std::vector<std::string> names;
+    for (CLI::Option const* const option : command.get_options()) {
+        if (option->get_positional()) {
+            names.push_back(option->get_name(true));
         }
     }
     return names;
@@ -100,7 +112,8 @@ Script::Wording words_about_leftovers(CLI::App const& app, CLI::App const& comma
                (meant.suggestion.empty() ? "; it must be " + alternatives(names_of_commands(app))
                                          : meant);
     }
-    return fmt::format("unexpected '{}': '{}' takes one FILE", left[0], command.get_display_name());
+    return fmt::format("unexpected '{}': '{}' takes one {}", left[0], command.get_display_name(),
+                       joined(names_of_operands(command), " and one "));
 }
 
 /// What CLI11 says in its own words, in ours.
@@ -111,11 +124,11 @@ Script::Wording words_about(CLI::App const& app, CLI::App const& command, CLI::E
             return leftovers;
         }
     }
+    std::string what = error.what();
     if (error.get_name() == "RequiredError") {
         return &command == &app ? "a command is missing: " + alternatives(names_of_commands(app))
-                                : "FILE is missing";
+                                : what.substr(0, what.find(' ')) + " is missing";
     }
-    std::string what = error.what();
     if (error.get_name() == "ArgumentMismatch") {
         std::string const option = what.substr(0, what.find_first_of(": "));
         return option + (what.find("At Most") != std::string::npos    ? " is given more than once"

@@ -1,8 +1,7 @@
 #include "tools/evidence_json.h"
 
-#include "process_compiler/event_numbers.h"
 #include "tools/limit_name.h"
-#include "tools/run_names.h"
+#include "tools/run_json.h"
 
 namespace Calder::Tools {
 
@@ -64,7 +63,10 @@ class EvidenceWriter {
             m_json.end_array();
             break;
         case Reason::divergence: write_steps("loop", m_evidence.loop); break;
-        case Reason::deadlock: write_waiting(); break;
+        case Reason::deadlock:
+            write_waiting(waiting_in(m_answer.machine, m_evidence.end), m_evidence.end, m_names,
+                          m_json);
+            break;
         case Reason::nondeterminism:
             write_event();
             write_events("offered", m_evidence.offered);
@@ -77,69 +79,11 @@ class EvidenceWriter {
     void write_event() { m_json.member("event", m_names.event(m_evidence.event)); }
 
     void write_steps(char const* name, std::vector<EvidenceStep> const& steps) {
-        m_json.key(name);
-        m_json.begin_array();
-        for (EvidenceStep const& step : steps) {
-            m_json.begin_object();
-            m_json.member("event", m_names.event(step.event));
-            if (!step.inner_events.empty()) {
-                write_events("inner", step.inner_events);
-            }
-            m_json.member("participants", m_names.participants(step));
-            m_json.end_object();
-        }
-        m_json.end_array();
-    }
-
-    void write_waiting() {
-        auto const waiting = waiting_in(m_answer.machine, m_evidence.end);
-        if (waiting.empty()) {
-            return;
-        }
-        std::vector<std::string> const& components = m_names.components(m_evidence.end);
-        m_json.key("waiting");
-        m_json.begin_array();
-        for (Refinement::Waiting const& each : waiting) {
-            m_json.begin_object();
-            m_json.member("component", components[each.slot]);
-            m_json.key("wanted");
-            m_json.begin_array();
-            for (Refinement::Wanted const& wanted : each.wanted) {
-                write_wanted(wanted, components);
-            }
-            m_json.end_array();
-            m_json.end_object();
-        }
-        m_json.end_array();
-        write_components("cycle", waiting_cycle(waiting), components);
-    }
-
-    void write_wanted(Refinement::Wanted const& wanted,
-                      std::vector<std::string> const& components) {
-        m_json.begin_object();
-        m_json.member("event", m_names.event(wanted.part_event));
-        m_json.key("as");
-        if (wanted.event == ProcessCompiler::no_event) {
-            m_json.null();
-        } else {
-            m_json.value(m_names.event(wanted.event));
-        }
-        write_components("with", wanted.missing, components);
-        m_json.end_object();
-    }
-
-    void write_components(char const* name, std::vector<std::uint32_t> const& slots,
-                          std::vector<std::string> const& components) {
-        m_json.key(name);
-        m_json.begin_array();
-        for (std::uint32_t const slot : slots) {
-            m_json.value(components[slot]);
-        }
-        m_json.end_array();
+        Tools::write_steps(name, steps, m_names, m_json);
     }
 
     void write_events(char const* name, std::vector<unsigned> const& events) {
-        m_json.member(name, m_names.events(events));
+        Tools::write_events(name, events, m_names, m_json);
     }
 
     Script::Question m_question;

@@ -20,11 +20,6 @@ using Script::Question;
 
 namespace {
 
-std::string after(std::size_t steps) {
-    return steps == 0 ? "at the start"
-                      : fmt::format("after {} step{}", steps, steps == 1 ? "" : "s");
-}
-
 class EvidenceText {
   public:
     explicit EvidenceText(Answered const& answered)

@@ -51,6 +51,7 @@ int do_work(CommandLine const& line) {
     case Command::print: return print_term(line.print);
     case Command::describe: return describe_term(line.describe);
     case Command::machine: return print_machine(line.machine);
+    case Command::trace: return tell_trace(line.trace);
     }
     return exit_bad_input;
 }

@@ -155,6 +155,16 @@ void add_machine(CLI::App& command, MachineOptions& options) {
     add_json(command, options.json);
 }
 
+void add_trace(CLI::App& command, TraceOptions& options) {
+    add_input(command, options.input);
+    command
+        .add_option("TRACE", options.trace,
+                    "The trace, as ltsmin-printtrace writes a .csv file; - for standard input")
+        ->required()
+        ->check(not_empty());
+    add_json(command, options.json);
+}
+
 } // namespace
 
 std::unique_ptr<CLI::App> command_line_parser(CommandLine& line, std::string const& version) {
@@ -181,6 +191,8 @@ std::unique_ptr<CLI::App> command_line_parser(CommandLine& line, std::string con
               line.describe);
     add_machine(add("machine", Command::machine, "Print the machine that a process compiles to"),
                 line.machine);
+    add_trace(add("trace", Command::trace, "Tell a trace that LTSmin found, step by step"),
+              line.trace);
     for (CLI::App* const command : app->get_subcommands([](CLI::App*) { return true; })) {
         add_error_format(*command);
     }

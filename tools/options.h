@@ -4,6 +4,7 @@
 #include "tools/explore_command.h"
 #include "tools/machine_command.h"
 #include "tools/print_command.h"
+#include "tools/trace_command.h"
 
 #include <array>
 #include <memory>
@@ -20,7 +21,7 @@ inline constexpr std::array exit_meanings{
     "done and what was asked for holds", "it does not hold",
     "the input or the command line is wrong or results cannot be written", "stopped early"};
 
-enum class Command { explore, check, print, describe, machine };
+enum class Command { explore, check, print, describe, machine, trace };
 
 /// What a command line says.
 struct CommandLine {
@@ -30,6 +31,7 @@ struct CommandLine {
     PrintOptions print;
     Input describe;
     MachineOptions machine;
+    TraceOptions trace;
 };
 
 /// The commands and all that they take: the one place where that is declared. What is parsed is put

@@ -92,4 +92,9 @@ std::string step_lines(char const* title, std::vector<EvidenceStep> const& steps
     return StepLines(title, steps, names).run();
 }
 
+std::string after(std::size_t steps) {
+    return steps == 0 ? "at the start"
+                      : fmt::format("after {} step{}", steps, steps == 1 ? "" : "s");
+}
+
 } // namespace Calder::Tools

@@ -13,6 +13,9 @@ namespace Calder::Tools {
 std::string step_lines(char const* title, std::vector<Refinement::EvidenceStep> const& steps,
                        RunNames& names);
 
+/// "at the start", "after 1 step".
+std::string after(std::size_t steps);
+
 /// The width of a column that others stand behind, lest they move with every word.
 constexpr std::size_t least_column_width = 15;
 

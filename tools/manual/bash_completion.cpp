@@ -17,9 +17,12 @@ _calder_files() {
     mapfile -t COMPREPLY < <(compgen -f -- "$current")
 }
 
-_calder_scripts() {
+_calder_operands() {
+    local ending
     compopt -o filenames 2>/dev/null
-    mapfile -t COMPREPLY < <(compgen -d -- "$current"; compgen -f -X '!*.csp' -- "$current")
+    mapfile -t COMPREPLY < <(
+        compgen -d -- "$current"
+        for ending; do compgen -f -X "!*.$ending" -- "$current"; done)
 }
 
 _calder() {
@@ -64,6 +67,7 @@ std::string values(Manual const& manual) {
 
 std::string options(Manual const& manual) {
     std::vector<std::string> names;
+    std::string operands;
     std::string text = "    case $command:$current in\n";
     text += fmt::format("        :-*) _calder_words {} ;;\n",
                         quoted_for_shell(option_names(manual.calder)));
@@ -71,12 +75,11 @@ std::string options(Manual const& manual) {
         names.push_back(command.name);
         text += fmt::format("        {}:-*) _calder_words {} ;;\n", command.name,
                             quoted_for_shell(option_names(command)));
+        operands += fmt::format("        {}:*) _calder_operands {} ;;\n", command.name,
+                                operand_endings(command, " "));
     }
     text += fmt::format("        :*) _calder_words {} ;;\n", quoted_for_shell(joined(names, " ")));
-    for (std::string const& name : names) {
-        text += fmt::format("        {}:*) _calder_scripts ;;\n", name);
-    }
-    return text + "    esac\n";
+    return text + operands + "    esac\n";
 }
 
 } // namespace

@@ -41,9 +41,18 @@ std::string options_text(CommandEntry const& command, std::string const& conditi
     return text;
 }
 
-/// Scripts and folders: fish itself would go on with all other files.
-constexpr std::string_view scripts =
-    R"fish('(__fish_complete_suffix .csp | string match -er "(?:\.csp|/)(?:\t|\$)")')fish";
+/// Files with these endings and folders: fish itself would go on with all other files.
+std::string files_for(CommandEntry const& command) {
+    std::string completions;
+    for (OperandEntry const& operand : command.operands) {
+        completions += fmt::format("{}__fish_complete_suffix .{}", completions.empty() ? "" : "; ",
+                                   operand.ending);
+    }
+    std::string const all =
+        command.operands.size() == 1 ? completions : "begin; " + completions + "; end";
+    return fmt::format(R"fish('({} | string match -er "(?:\.(?:{})|/)(?:\t|\$)")')fish", all,
+                       operand_endings(command, "|"));
+}
 
 } // namespace
 
@@ -58,7 +67,8 @@ std::string fish_completion(Manual const& manual) {
     }
     for (CommandEntry const& command : manual.commands) {
         std::string const in_command = "__fish_seen_subcommand_from " + command.name;
-        text += fmt::format("\ncomplete -c calder -n {} -a {}\n", quoted(in_command), scripts) +
+        text += fmt::format("\ncomplete -c calder -n {} -a {}\n", quoted(in_command),
+                            files_for(command)) +
                 options_text(command, in_command);
     }
     return text;

@@ -1,5 +1,6 @@
 #include "tools/manual/manual.h"
 #include "tools/options.h"
+#include "tools/word_lists.h"
 
 #include <fmt/core.h>
 
@@ -93,11 +94,19 @@ std::string options_text(CommandEntry const& command) {
     return text;
 }
 
+std::string operands_text(CommandEntry const& command) {
+    std::vector<std::string> names;
+    for (OperandEntry const& operand : command.operands) {
+        names.push_back(italic(operand.name));
+    }
+    return joined(names, " ");
+}
+
 std::string synopsis(Manual const& manual) {
     std::string text;
     for (CommandEntry const& command : manual.commands) {
         text += fmt::format("{} [{} ...] {}\n.br\n", bold("calder " + command.name),
-                            italic("option"), italic("FILE"));
+                            italic("option"), operands_text(command));
     }
     for (OptionEntry const& option : manual.calder.options) {
         text += fmt::format("{}{}\n", bold("calder " + option.names.back()),
@@ -138,10 +147,14 @@ that it compiles to, looks for deadlocks, writes transition systems to files,
 and answers the assertions of a script.
 .PP
 .I FILE
-is the script;
+is the script, and
+.I TRACE
+what
+.B ltsmin\-printtrace
+made of a trace that LTSmin found;
 .B \-
 is standard input.
-An option stands before or behind it, and its value behind a blank or an
+An option stands before or behind them, and its value behind a blank or an
 equals sign.
 The process is the one that the script defines last, unless
 .B \-\-process
@@ -169,6 +182,11 @@ Otherwise they are cut from larger blocks, which is faster.
 .TP
 .IR NAME .csp
 A script.
+.TP
+.IR NAME .csv
+A trace, as
+.B calder trace
+reads it.
 .TP
 .IR NAME .aut
 A transition system in the Aldebaran format, as

@@ -39,7 +39,10 @@ OptionEntry entry_of(CLI::Option const& option) {
 CommandEntry entry_of(CLI::App const& command) {
     CommandEntry entry{command.get_name(), command.get_description(), {}};
     for (CLI::Option const* const option : command.get_options()) {
-        if (!option->get_positional()) {
+        if (option->get_positional()) {
+            std::string const name = option->get_name(true);
+            entry.operands.push_back({name, name == "TRACE" ? "csv" : "csp"});
+        } else {
             entry.options.push_back(entry_of(*option));
         }
     }
@@ -66,6 +69,14 @@ std::string option_names(CommandEntry const& command) {
         names.insert(names.end(), option.names.begin(), option.names.end());
     }
     return joined(names, " ");
+}
+
+std::string operand_endings(CommandEntry const& command, std::string const& separator) {
+    std::vector<std::string> endings;
+    for (OperandEntry const& operand : command.operands) {
+        endings.push_back(operand.ending);
+    }
+    return joined(endings, separator);
 }
 
 std::string quoted_for_shell(std::string_view text) {

@@ -21,16 +21,26 @@ struct OptionEntry {
     bool takes_file() const { return value == "FILE"; }
 };
 
+/// What stands behind a command without an option in front of it.
+struct OperandEntry {
+    /// "FILE"
+    std::string name;
+    /// "csp": of the files that it is for.
+    std::string ending;
+};
+
 /// What stands behind `calder`, or, without a name, `calder` alone.
 struct CommandEntry {
     std::string name;
     std::string description;
     std::vector<OptionEntry> options;
+    /// What else it takes, in this order.
+    std::vector<OperandEntry> operands{};
 };
 
 struct Manual {
     CommandEntry calder;
-    /// Each takes one script as its FILE.
+    /// Each takes a script as its first operand.
     std::vector<CommandEntry> commands;
 };
 
@@ -39,6 +49,9 @@ Manual make_manual();
 
 /// The names of all options, with blanks between them.
 std::string option_names(CommandEntry const& command);
+
+/// The endings of its operands, with `separator` between them.
+std::string operand_endings(CommandEntry const& command, std::string const& separator);
 
 /// In single quotes for a shell that ends them at every quote (bash, zsh).
 std::string quoted_for_shell(std::string_view text);

@@ -47,6 +47,16 @@ std::string option_lines(CommandEntry const& command, std::string const& indenta
     return text;
 }
 
+/// Those of the operands.
+std::string operand_lines(CommandEntry const& command) {
+    std::vector<std::string> lines;
+    for (OperandEntry const& operand : command.operands) {
+        lines.push_back(fmt::format("                '{}:{}:_files -g \"*.{}\"'", lines.size() + 1,
+                                    operand.name, operand.ending));
+    }
+    return joined(lines, " \\\n");
+}
+
 } // namespace
 
 std::string zsh_completion(Manual const& manual) {
@@ -67,9 +77,8 @@ std::string zsh_completion(Manual const& manual) {
             "    arguments)\n"
             "        case $line[1] in\n";
     for (CommandEntry const& command : manual.commands) {
-        text += fmt::format("        {})\n            _arguments \\\n{}"
-                            "                '1:script:_files -g \"*.csp\"' ;;\n",
-                            command.name, option_lines(command, "                "));
+        text += fmt::format("        {})\n            _arguments \\\n{}{} ;;\n", command.name,
+                            option_lines(command, "                "), operand_lines(command));
     }
     return text + "        esac ;;\n    esac\n}\n\n_calder \"$@\"\n";
 }
