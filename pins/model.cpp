@@ -14,6 +14,9 @@ using StateSpace::MachineRefusal;
 
 namespace {
 
+/// What no machine can follow mostly has no end, and its terms grow.
+constexpr StateSpace::StateNumber most_states_by_terms = 5'000;
+
 /// Of one leaf, which does what was explored.
 std::unique_ptr<Machine const>
 machine_of_one_leaf(ProcessPointer const& start, StateSpace::LabelledTransitionSystem const& lts) {
@@ -29,8 +32,9 @@ machine_of_one_leaf(ProcessPointer const& start, StateSpace::LabelledTransitionS
 std::unique_ptr<Machine const> explored(ProcessPointer const& start,
                                         NamedProcessSource const& source,
                                         StateSpace::ExplorationOptions options,
+                                        StateSpace::StateNumber most_states,
                                         std::string const& refusal) {
-    options.max_states = std::min(options.max_states, StateSpace::most_leaf_states);
+    options.max_states = std::min(options.max_states, most_states);
     StateSpace::Exploration const exploration = StateSpace::explore(start, source, options);
     if (exploration.outcome == StateSpace::Outcome::interrupted) {
         throw StateSpace::SearchEnded();
@@ -56,7 +60,9 @@ std::unique_ptr<Machine const> make_machine(ProcessPointer const& start,
     if (compilation.explored && compilation.explored->outcome == StateSpace::Outcome::complete) {
         return machine_of_one_leaf(start, compilation.explored->lts);
     }
-    return explored(start, source, options, compilation.refusal);
+    return explored(start, source, options,
+                    compilation.is_one_leaf ? StateSpace::most_leaf_states : most_states_by_terms,
+                    compilation.refusal);
 }
 
 } // namespace

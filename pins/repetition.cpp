@@ -8,7 +8,6 @@
 
 namespace Calder::Pins {
 
-using StateSpace::none;
 using Condition = ColumnRules::Condition;
 using Rule = ColumnRules::Rule;
 using Source = ColumnRules::Source;
@@ -16,6 +15,8 @@ using Taker = ColumnRules::Taker;
 using Write = ColumnRules::Write;
 
 namespace {
+
+constexpr std::size_t most_compared = 256;
 
 class Search {
   public:
@@ -54,7 +55,7 @@ class Search {
     /// Among the rules of one event.
     void search(std::uint32_t first, std::uint32_t last) {
         m_writers.clear();
-        std::uint32_t last_that_may_idle = none;
+        m_idle.clear();
         for (std::uint32_t rule = first; rule < last; ++rule) {
             if (repeats_itself(m_rules.rules[rule])) {
                 m_result.may_repeat[rule] = true;
@@ -65,15 +66,28 @@ class Search {
                 may_idle = may_idle && !always_changes(m_rules.rules[rule], write);
             }
             m_monitor.go_on(1 + m_rules.writes_of(m_rules.rules[rule]).size());
-            if (may_idle) { // any two of them may change nothing
-                if (last_that_may_idle != none) {
-                    join(last_that_may_idle, rule);
-                }
-                last_that_may_idle = rule;
+            if (may_idle) {
+                compare_with_idle(rule);
+                m_idle.push_back(rule);
             }
         }
         for (std::uint32_t rule = first; rule < last; ++rule) {
             compare_with_neighbours(rule);
+        }
+    }
+
+    /// Of two rules that may change nothing, wherever they take place, both may repeat the other. Of
+    /// more than `most_compared` that is taken to be so.
+    void compare_with_idle(std::uint32_t rule) {
+        m_monitor.go_on(m_idle.size());
+        for (std::uint32_t const other : m_idle) {
+            if (m_idle.size() > most_compared ||
+                may_meet(m_rules.rules[rule], m_rules.rules[other])) {
+                join(rule, other);
+            }
+            if (m_idle.size() > most_compared) {
+                return;
+            }
         }
     }
 
@@ -194,7 +208,9 @@ class Search {
     StateSpace::SearchMonitor& m_monitor;
     Repetition m_result;
     LeafEvents m_leaf_events;
-    std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> m_writers; // of one event
+    // Of one event:
+    std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> m_writers; // by column
+    std::vector<std::uint32_t> m_idle; // rules that may change nothing
 };
 
 } // namespace

@@ -20,6 +20,10 @@ using StateSpace::SearchMonitor;
 
 namespace {
 
+/// Of the rules of all configurations of a section, their participants and sources included. A part that
+/// grows at each step would have 4096 configurations only when it has some gigabytes of them.
+constexpr std::size_t most_entries = std::size_t{1} << 22;
+
 /// Stands for a section in the frame: it can always do all that the part ever can.
 std::unique_ptr<Leaf const> stand_in(Part const& part) {
     StateSpace::LtsBuilder builder;
@@ -160,6 +164,7 @@ void Sections::enumerate(PartNumber part, std::size_t most_configurations, Searc
     SectionShape& shape = *m_shapes[part];
     Columns columns(shape);
     std::unordered_map<ConfigurationNumber, std::uint32_t>& numbers = shape.numbers;
+    std::size_t entries = 0;
     auto const meet = [&](ConfigurationNumber number, std::uint32_t before,
                           std::uint32_t const* sources) {
         if (!numbers.try_emplace(number, shape.configurations.size()).second) {
@@ -169,7 +174,13 @@ void Sections::enumerate(PartNumber part, std::size_t most_configurations, Searc
             throw StateSpace::MachineRefusal(
                 fmt::format("a part of it has more than {} configurations", most_configurations));
         }
-        SectionShape::Configuration met{number, &m_tables.make_rules(number, monitor), {}, {}};
+        FlatRules const& rules = m_tables.make_rules(number, monitor);
+        entries += rules.rules.size() + rules.participants.size() + rules.sources.size();
+        if (entries > most_entries) {
+            throw StateSpace::MachineRefusal(
+                "the configurations of a part of it have too many rules");
+        }
+        SectionShape::Configuration met{number, &rules, {}, {}};
         for (std::uint32_t const leaf : m_configurations.leaves(number)) {
             met.leaves.push_back(m_configurations.machine().leaves[leaf].get());
         }

@@ -132,8 +132,7 @@ inline std::optional<Reached> explore_vectors(VectorMachine const& machine,
         }
         reached.transitions += reached.steps.back().size();
         bool const has_ended = machine.ended_column() && state[*machine.ended_column()] == 1;
-        reached.has_deadlock =
-            reached.has_deadlock || (reached.steps.back().empty() && !has_ended);
+        reached.has_deadlock = reached.has_deadlock || (reached.steps.back().empty() && !has_ended);
     }
     return reached;
 }
