@@ -188,8 +188,8 @@ std::string refusal_of(char const* text) {
 TEST(Columns, there_is_a_reason_where_there_are_none) {
     EXPECT_EQ(
         refusal_of("channel a P = a -> (P ||| SKIP)"),
-        "it comes back inside arguments that do not allow recursion; term by term, the process "
-        "nests too deeply for the stack");
+        "it comes back inside arguments that do not allow recursion; term by term, the limit on "
+        "states was reached");
     EXPECT_EQ(refusal_of("channel a "
                          "P(n) = if n == 5000 then STOP else (a -> SKIP ||| a -> SKIP) ; P(n + 1) "
                          "Q = P(0)"),
