@@ -10,7 +10,8 @@ namespace Calder::Pins {
 /// column is; its one edge label, `action`, is the event by its name. Where there is a column that tells
 /// the end after tick, it is the state label by which the engine tells valid ends from deadlocks.
 ///
-/// The engine asks in one thread: it is told of no other language module that could do more.
+/// One thread asks at a time: the workers of an engine are processes wherever it has loaded a language
+/// module, since it cannot know what one could stand.
 void hand_over(model_t model, CompiledScript compiled);
 
 /// Tells what is being handled on standard error, and ends every worker with an exit code that is none

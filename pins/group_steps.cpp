@@ -21,8 +21,6 @@ constexpr std::size_t block_size = 64;
 /// Columns of more values do not filter: the tables would cost more than the lookups that they save.
 constexpr std::uint32_t most_filtering_values = 1 << 12;
 
-constexpr std::size_t whole = static_cast<std::size_t>(Form::whole);
-
 std::uint32_t place_in(std::vector<std::uint32_t> const& columns, std::uint32_t column) {
     auto const found = std::lower_bound(columns.begin(), columns.end(), column);
     return found == columns.end() || *found != column
