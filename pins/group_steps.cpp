@@ -49,15 +49,13 @@ GroupSteps::GroupSteps(ColumnRules const& rules, Groups const& groups,
             m_watching.push_back(static_cast<std::uint32_t>(group));
         }
         monitor.go_on(members.rules.size() + members.watched.size());
+        m_in_blocks.insert(m_in_blocks.end(), members.rules.begin(), members.rules.end());
         m_members.push_back(std::move(members));
     }
     for (std::uint32_t number = 0; number < m_rules.size(); ++number) {
         m_rules[number].label = static_cast<int>(
             std::lower_bound(events.begin(), events.end(), rules.rules[number].event) -
             events.begin());
-        if (!groups.may_repeat[number]) {
-            m_in_blocks.push_back(number);
-        }
     }
     for (std::size_t first = 0; first < m_in_blocks.size(); first += block_size) {
         add_block(rules, first, monitor);

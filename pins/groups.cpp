@@ -65,6 +65,12 @@ void add_to(ColumnList& all, ColumnList const& more) {
     all = std::move(sum);
 }
 
+ColumnList touched_by(Groups::Group const& group) {
+    ColumnList columns = group.reads;
+    add_to(columns, group.writes);
+    return columns;
+}
+
 /// The number of the group of each rule. Rules with one key are in one group; those that have to be
 /// watched together and have several are in a group of their own.
 class Grouping {
@@ -142,6 +148,10 @@ Groups make_groups(ColumnRules& rules, StateSpace::SearchMonitor& monitor) {
         monitor.go_on(group.rules.size());
         complete(rules, group);
     }
+    std::stable_sort(result.groups.begin(), result.groups.end(),
+                     [](Groups::Group const& left, Groups::Group const& right) {
+                         return touched_by(left) < touched_by(right);
+                     });
     return result;
 }
 

@@ -19,7 +19,8 @@ struct Groups {
         std::vector<std::uint32_t> rules;
     };
 
-    /// In the order of their first rules.
+    /// Ascending by the columns that they touch: what happens side by side stands side by side, for tables
+    /// as for decision diagrams.
     std::vector<Group> groups;
     /// By rule: whether it must be watched for steps that it or another one of its group repeats.
     std::vector<bool> may_repeat;

@@ -78,9 +78,9 @@ Row const rows[] = {
      "channel a, b, c P = a -> b -> P Q = b -> c -> Q R = P [|{b}|] Q ||| P",
      "leaf0 leaf1 leaf2\n"
      "a (leaf0) -> (leaf0)\n"
-     "a b (leaf2) -> (leaf2)\n"
      "b (leaf0 leaf1) -> (leaf0 leaf1)\n"
-     "c (leaf1) -> (leaf1)\n"},
+     "c (leaf1) -> (leaf1)\n"
+     "a b (leaf2) -> (leaf2)\n"},
     {"rules of the same columns are one group",
      "channel a : {0..3} channel b P = a?x -> b -> P Q = P ||| P",
      "leaf0 leaf1\n"
@@ -97,47 +97,47 @@ Row const rows[] = {
     {"what two components do to the same end is one step, told by one group",
      "channel a, b P = a -> P [] b -> STOP Q = P ||| P",
      "leaf0 leaf1\n"
-     "a (leaf0 leaf1) -> ()\n"
      "b (leaf0) -> (leaf0)\n"
+     "a (leaf0 leaf1) -> ()\n"
      "b (leaf1) -> (leaf1)\n"},
     {"what was hidden of the same two is one group, though each step is told once",
      "channel a, b, c P = a -> c -> P [] b -> c -> P Q = (P [|{a, b}|] (a -> b -> STOP)) \\ {a, b}",
      "leaf0 leaf1\n"
-     "tau (leaf0 leaf1) -> (leaf0 leaf1)\n"
-     "c (leaf0) -> (leaf0)\n"},
+     "c (leaf0) -> (leaf0)\n"
+     "tau (leaf0 leaf1) -> (leaf0 leaf1)\n"},
     {"the end has a column, which the last steps alone write",
      "channel a P = a -> SKIP Q = P ||| P",
      "leaf0 leaf1 ended\n"
-     "tick (leaf0 leaf1) -> (leaf0 leaf1 ended)\n"
      "a (leaf0) -> (leaf0)\n"
+     "tick (leaf0 leaf1) -> (leaf0 leaf1 ended)\n"
      "a (leaf1) -> (leaf1)\n"},
     {"parts that change have configurations of their own, which add up",
      "channel a, b, c P = (a -> SKIP ||| b -> SKIP) ; c -> P Q = P ||| P",
      "configuration0 leaf0 leaf1 configuration1 leaf2 leaf3\n"
-     "tau (configuration0 leaf0 leaf1) -> (configuration0 leaf0 leaf1)\n"
-     "tau (configuration1 leaf2 leaf3) -> (configuration1 leaf2 leaf3)\n"
-     "a (configuration0 leaf0) -> (leaf0)\n"
-     "a (configuration1 leaf2) -> (leaf2)\n"
-     "b (configuration0 leaf1) -> (leaf1)\n"
-     "b (configuration1 leaf3) -> (leaf3)\n"
      "c (configuration0) -> (configuration0)\n"
-     "c (configuration1) -> (configuration1)\n"},
+     "a (configuration0 leaf0) -> (leaf0)\n"
+     "tau (configuration0 leaf0 leaf1) -> (configuration0 leaf0 leaf1)\n"
+     "b (configuration0 leaf1) -> (leaf1)\n"
+     "c (configuration1) -> (configuration1)\n"
+     "a (configuration1 leaf2) -> (leaf2)\n"
+     "tau (configuration1 leaf2 leaf3) -> (configuration1 leaf2 leaf3)\n"
+     "b (configuration1 leaf3) -> (leaf3)\n"},
     {"a column stays with its leaf while the formats change",
      "channel a, b, c, go P = a -> c -> P Q = b -> c -> SKIP S = go -> P R = (P ||| Q) [|{c}|> (P ||| S)",
      "configuration0 leaf0 leaf1\n"
      "a (configuration0 leaf0) -> (leaf0)\n"
      "a c (configuration0 leaf0) -> (leaf0)\n"
+     "c (configuration0 leaf0 leaf1) -> (configuration0 leaf0 leaf1)\n"
      "a c go (configuration0 leaf1) -> (leaf1)\n"
-     "b (configuration0 leaf1) -> (leaf1)\n"
-     "c (configuration0 leaf0 leaf1) -> (configuration0 leaf0 leaf1)\n"},
+     "b (configuration0 leaf1) -> (leaf1)\n"},
     {"who starts afresh takes the column where the same leaf ran before, or a free one",
      "channel a, b, stop P = a -> b -> P Q = b -> a -> Q R = (P ||| Q) /\\ stop -> (Q ||| P)",
      "configuration0 leaf0 leaf1\n"
      "a b (configuration0 leaf0) -> (leaf0)\n"
-     "a b (configuration0 leaf1) -> (leaf1)\n"
-     "a b (configuration0 leaf1) -> (leaf1)\n"
      "a b (configuration0 leaf0) -> (leaf0)\n"
-     "stop (configuration0) -> (configuration0 leaf0 leaf1)\n"},
+     "stop (configuration0) -> (configuration0 leaf0 leaf1)\n"
+     "a b (configuration0 leaf1) -> (leaf1)\n"
+     "a b (configuration0 leaf1) -> (leaf1)\n"},
     {"a process that can do nothing at all still has a column",
      "channel a P = STOP [|{a}|] STOP",
      "leaf0 leaf1\n"},
