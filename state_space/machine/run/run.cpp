@@ -14,6 +14,10 @@ namespace {
 
 constexpr std::uint64_t most_sources = 1024;
 
+/// A round has so many times the work, for each thread, after which the monitor looks around at the latest.
+/// Smaller ones meet too often, larger ones have to get what they added back into the cache.
+constexpr std::uint64_t most_looks_of_round = 2;
+
 /// Explores job by job, by one thread, where there is little to explore, and otherwise round by round.
 class Runner {
   public:
@@ -171,7 +175,8 @@ std::optional<SharedRound::Size> Runner::next_round() {
         return std::nullopt;
     }
     std::uint64_t const sources = sources_wanted();
-    std::uint64_t const most_jobs = m_monitor.work_ahead() * m_options.threads / m_cut.steps_of_job;
+    std::uint64_t const most_jobs =
+        most_looks_of_round * m_monitor.work_ahead() * m_options.threads / m_cut.steps_of_job;
     std::uint64_t const last =
         std::min<std::uint64_t>(m_level_end, m_explored + most_jobs * sources);
     std::uint64_t const jobs = (last - m_explored) / sources;

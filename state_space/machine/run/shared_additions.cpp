@@ -1,31 +1,37 @@
 #include "state_space/machine/run/shared_additions.h"
 
+#include "state_space/machine/run/team.h"
+
 namespace Calder::StateSpace {
 
-void SharedAdditions::begin(std::size_t most, std::vector<Adder>& adders, Team& team) {
+void SharedAdditions::begin(std::size_t most, Team& team) {
     m_states.make_room(most, &team);
+    m_buckets = m_states.m_buckets.get();
+    m_bucket_count = m_states.m_bucket_count;
+    m_width = m_states.width();
     m_first = m_states.size();
-    m_record_words = head_words + m_states.m_width;
-    std::size_t const records = most + adders.size() * records_at_a_time;
-    if (m_capacity < records * m_record_words) {
+    m_record_words = head_words + m_width;
+    std::size_t const words =
+        (most + std::size_t{team.size()} * records_at_a_time + record_distance) * m_record_words;
+    if (m_capacity < words) {
         m_capacity = 0;
         m_records.reset();
-        m_records = make_large_array<Word>(records * m_record_words);
-        m_capacity = records * m_record_words;
+        m_records = make_large_array<Word>(words);
+        m_capacity = words;
     }
     m_taken.store(0, std::memory_order_relaxed);
-    for (Adder& adder : adders) {
-        adder = Adder();
-    }
 }
 
-/// The next one of the adder, whose it stays until it is counted.
+/// The next one of the adder, whose it stays until it is counted. A lock would have to wait for a record that
+/// is not in the cache.
 StateNumber SharedAdditions::free_record(Adder& adder) noexcept {
     if (adder.next == adder.end) {
         adder.next = m_taken.fetch_add(records_at_a_time, std::memory_order_relaxed);
         adder.end = adder.next + records_at_a_time;
     }
-    return m_first + static_cast<StateNumber>(adder.next);
+    StateNumber const free = m_first + static_cast<StateNumber>(adder.next);
+    __builtin_prefetch(record(free) + record_distance * m_record_words, 1);
+    return free;
 }
 
 /// Whether the place is lower than all at which the addition was met so far.
@@ -43,7 +49,7 @@ bool SharedAdditions::note(StateNumber addition, Place place) const noexcept {
 void SharedAdditions::give_number(StateNumber addition, StateNumber number) noexcept {
     Word* const own = record(addition);
     own[number_word] = number;
-    copy_words(own + head_words, m_states.place_of(number), m_states.m_width);
+    copy_words(own + head_words, m_states.place_of(number), m_width);
     constexpr Word places = (Word{1} << entry_bits) - 1;
     bucket_of_record(own).replace_shared(static_cast<unsigned>(own[entry_word] & places), number);
 }

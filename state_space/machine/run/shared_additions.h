@@ -32,14 +32,16 @@ class SharedAdditions {
 
     explicit SharedAdditions(VisitedStates& states) : m_states(states) {}
 
-    /// Room for `most` additions by each of `adders`, together, which start with records of none. Throws
+    /// Room for `most` additions by all threads of the team together, each of which has a new adder. Throws
     /// as VisitedStates::make_room does.
-    void begin(std::size_t most, std::vector<Adder>& adders, Team& team);
+    void begin(std::size_t most, Team& team);
 
-    void prefetch_bucket(std::uint64_t hash) const noexcept { m_states.prefetch_bucket(hash); }
+    void prefetch_bucket(std::uint64_t hash) const noexcept {
+        __builtin_prefetch(&m_buckets[bucket_of(hash)]);
+    }
     /// As of VisitedStates.
     StateNumber prefetch_state(std::uint64_t hash) noexcept {
-        Bucket& bucket = m_states.m_buckets[m_states.bucket_of(hash)];
+        Bucket& bucket = m_buckets[bucket_of(hash)];
         unsigned const matches = bucket.shared_head().matches(VisitedStates::tag_of(hash));
         if (matches == 0) {
             return no_state;
@@ -50,8 +52,8 @@ class SharedAdditions {
     }
     [[nodiscard]] bool is_state(StateNumber state, Word const* other) const noexcept {
         Word const* const known = words(state);
-        std::uint32_t const width = m_states.m_width;
-        return *known == *other && (width == 1 || std::equal(known + 1, known + width, other + 1));
+        return *known == *other &&
+               (m_width == 1 || std::equal(known + 1, known + m_width, other + 1));
     }
 
     /// The state, which is met at this place.
@@ -101,6 +103,7 @@ class SharedAdditions {
 
     static constexpr unsigned entry_bits = 4;
     static constexpr unsigned records_at_a_time = 64;
+    static constexpr std::size_t record_distance = 8; // for which memory is asked for ahead
 
     [[nodiscard]] Word* record(StateNumber addition) const noexcept {
         return &m_records[std::size_t{addition - m_first} * m_record_words];
@@ -109,12 +112,20 @@ class SharedAdditions {
         return state < m_first ? m_states.words(state) : record(state) + head_words;
     }
     [[nodiscard]] Bucket& bucket_of_record(Word const* each) const noexcept {
-        return m_states.m_buckets[each[entry_word] >> entry_bits];
+        return m_buckets[each[entry_word] >> entry_bits];
     }
     [[nodiscard]] bool note(StateNumber addition, Place place) const noexcept;
     StateNumber free_record(Adder& adder) noexcept;
 
+    [[nodiscard]] std::size_t bucket_of(std::uint64_t hash) const noexcept {
+        return VisitedStates::bucket_of(hash, m_bucket_count);
+    }
+
     VisitedStates& m_states;
+    // Those of the states, closer at hand: who looks up reads them again after every bucket.
+    Bucket* m_buckets = nullptr;
+    std::size_t m_bucket_count = 0;
+    std::uint32_t m_width = 1;
     StateNumber m_first = 0; // the number of the first record
     std::size_t m_record_words = 0;
     std::size_t m_capacity = 0;
@@ -125,9 +136,9 @@ class SharedAdditions {
 inline SharedAdditions::Found SharedAdditions::find_or_add(Word const* words, std::uint64_t hash,
                                                            Place place, Adder& adder) noexcept {
     std::uint8_t const tag = VisitedStates::tag_of(hash);
-    std::size_t number = m_states.bucket_of(hash);
+    std::size_t number = bucket_of(hash);
     for (Patience patience;;) {
-        Bucket& bucket = m_states.m_buckets[number];
+        Bucket& bucket = m_buckets[number];
         Bucket::Head const head = bucket.shared_head();
         for (unsigned rest = head.matches(tag); rest != 0; rest &= rest - 1) {
             StateNumber const known = bucket.shared_number(VisitedStates::first_of_set(rest));
@@ -136,7 +147,7 @@ inline SharedAdditions::Found SharedAdditions::find_or_add(Word const* words, st
             }
         }
         if (head.is_full()) {
-            number = m_states.next(number);
+            number = number + 1 == m_bucket_count ? 0 : number + 1;
         } else if (head.is_locked()) {
             patience.wait();
         } else {
@@ -144,7 +155,7 @@ inline SharedAdditions::Found SharedAdditions::find_or_add(Word const* words, st
             Word* const own = record(addition);
             own[place_word] = place;
             own[entry_word] = Word{number} << entry_bits | head.count();
-            copy_words(words, own + head_words, m_states.m_width);
+            copy_words(words, own + head_words, m_width);
             may_be_late();
             if (bucket.lock(head)) { // nobody has added it meanwhile
                 may_be_late();

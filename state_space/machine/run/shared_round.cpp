@@ -13,24 +13,24 @@ constexpr std::size_t number_distance = 16;
 
 SharedRound::SharedRound(Team& team, VisitedStates& states, ConfigurationTables const& tables,
                          FoundRows& rows)
-    : m_team(team), m_states(states), m_tables(tables), m_rows(rows), m_workers(team.size()),
-      m_adders(team.size()) {}
+    : m_team(team), m_states(states), m_tables(tables), m_rows(rows), m_workers(team.size()) {}
 
 bool SharedRound::explore(Size const& size) {
     begin(size);
-    m_team.each(m_job_count, [this](unsigned thread, std::size_t number) { find(thread, number); });
+    m_team.each(m_job_count,
+                [this](unsigned thread, std::size_t number) { find(m_workers[thread], number); });
     if (m_is_over) {
         take_back();
         return false;
     }
-    m_team.each(m_job_count, [this](unsigned, std::size_t number) { keep_first(number); });
+    for_jobs_of_each(&SharedRound::keep_first);
     if (!make_room()) {
         take_back();
         return false;
     }
-    m_team.each(m_job_count, [this](unsigned, std::size_t number) { give_numbers(number); });
+    for_jobs_of_each(&SharedRound::give_numbers);
     if (m_rows.keeps()) {
-        m_team.each(m_job_count, [this](unsigned, std::size_t number) { copy_rows(number); });
+        for_jobs_of_each(&SharedRound::copy_rows);
     }
     StateNumber added = 0;
     for (std::size_t number = 0; number < m_job_count; ++number) {
@@ -49,19 +49,23 @@ void SharedRound::begin(Size const& size) {
     for (std::size_t number = 0; number < m_job_count; ++number) {
         m_jobs[number].addition_count = 0;
     }
-    m_additions.begin(size.most_additions, m_adders, m_team);
+    for (Worker& worker : m_workers) {
+        worker.adder = {};
+        worker.jobs.clear();
+    }
+    m_additions.begin(size.most_additions, m_team);
     m_room_left = static_cast<std::int64_t>(size.most_additions);
     m_is_over = false;
 }
 
 /// The first work. What it throws ends the round.
-void SharedRound::find(unsigned thread, std::size_t number) noexcept try {
+void SharedRound::find(Worker& worker, std::size_t number) noexcept try {
     if (m_is_over.load(std::memory_order_relaxed)) {
         return;
     }
     StateNumber const first = m_size.first + static_cast<StateNumber>(number) * m_size.sources;
     StateNumber const last = std::min(first + m_size.sources, m_size.last);
-    SearchJob& search = m_workers[thread].search;
+    SearchJob& search = worker.search;
     search.clear(m_states.width(), m_size.most_steps);
     for (StateNumber source = first; source < last; ++source) {
         Word const* const words = m_states.words(source);
@@ -73,34 +77,34 @@ void SharedRound::find(unsigned thread, std::size_t number) noexcept try {
         m_is_over = true;
         return;
     }
-    look_up(thread, number);
+    worker.jobs.push_back(number);
+    look_up(worker, number);
     auto const added = static_cast<std::int64_t>(m_jobs[number].addition_count);
     m_room_left.fetch_add(steps - added, std::memory_order_relaxed);
 } catch (...) {
     m_is_over = true;
 }
 
-void SharedRound::look_up(unsigned thread, std::size_t number) {
+void SharedRound::look_up(Worker& worker, std::size_t number) {
     Job& job = m_jobs[number];
-    SearchJob const& search = m_workers[thread].search;
-    LookingAhead<SharedAdditions>& ahead = m_workers[thread].ahead;
-    SharedAdditions::Adder& adder = m_adders[thread];
+    SearchJob const& search = worker.search;
     Steps const& steps = search.steps();
     job.rows.clear();
     job.steps = steps.size();
     if (job.additions.size() < steps.size()) {
         job.additions.resize(steps.size());
     }
-    ahead.begin(m_additions, search);
+    worker.ahead.begin(m_additions, search);
     auto const target_of = [&](std::size_t step) {
-        StateNumber const likely = ahead.likely_target(m_additions, search, step);
+        StateNumber const likely = worker.ahead.likely_target(m_additions, search, step);
         Word const* const words = steps.words(step);
         SharedAdditions::Found const found =
             likely != no_state && m_additions.is_state(likely, words)
                 ? m_additions.meet(likely, place(number, step))
-                : m_additions.find_or_add(words, search.hash(step), place(number, step), adder);
+                : m_additions.find_or_add(words, search.hash(step), place(number, step),
+                                          worker.adder);
         if (found.is_first) {
-            job.additions[job.addition_count++] = {step, found.state};
+            job.additions[job.addition_count++] = {static_cast<std::uint32_t>(step), found.state};
         }
         return found.state;
     };
@@ -109,6 +113,14 @@ void SharedRound::look_up(unsigned thread, std::size_t number) {
         job.rows.add_row(steps, first, search.row_end(source), target_of);
         first = search.row_end(source);
     }
+}
+
+void SharedRound::for_jobs_of_each(void (SharedRound::*work)(std::size_t) noexcept) {
+    m_team.all([this, work](unsigned thread) {
+        for (std::size_t const number : m_workers[thread].jobs) {
+            (this->*work)(number);
+        }
+    });
 }
 
 /// The second work.

@@ -28,6 +28,8 @@ namespace Calder::StateSpace {
 /// enough room, or memory), the additions are taken back, and it is as if the round had not been: one thread
 /// then comes to what happened at its place in the order, and meets it as it would without a team.
 ///
+/// In the later works a thread has the jobs that it took in the first one, whose memory is in its cache.
+///
 /// A round costs four meetings of the team, some microseconds each, and an addition 24 bytes and its words
 /// while the round lasts. Numbers are given at once, not at the end of a level, as the buckets to be written to
 /// are then still in a cache: giving them costs less than a run can be measured to, also where nobody will look
@@ -58,7 +60,7 @@ class SharedRound {
 
   private:
     struct Addition {
-        std::size_t step;
+        std::uint32_t step;
         StateNumber state;
     };
     struct alignas(64) Job {
@@ -74,11 +76,14 @@ class SharedRound {
     struct alignas(64) Worker {
         SearchJob search;
         LookingAhead<SharedAdditions> ahead;
+        SharedAdditions::Adder adder;
+        std::vector<std::size_t> jobs; // that it has taken in this round
     };
 
     void begin(Size const& size);
-    void find(unsigned thread, std::size_t number) noexcept;
-    void look_up(unsigned thread, std::size_t number);
+    void find(Worker& worker, std::size_t number) noexcept;
+    void look_up(Worker& worker, std::size_t number);
+    void for_jobs_of_each(void (SharedRound::*work)(std::size_t) noexcept);
     void keep_first(std::size_t number) noexcept;
     [[nodiscard]] bool make_room();
     void take_back() noexcept;
@@ -99,9 +104,8 @@ class SharedRound {
     std::uint64_t m_steps = 0;
     std::deque<Job> m_jobs; // there may be more than these
     std::vector<Worker> m_workers;
-    std::vector<SharedAdditions::Adder> m_adders; // by thread, as workers
-    std::atomic<std::int64_t> m_room_left = 0;    // for additions
-    std::atomic<bool> m_is_over = false;          // something happened
+    std::atomic<std::int64_t> m_room_left = 0; // for additions
+    std::atomic<bool> m_is_over = false;       // something happened
 };
 
 } // namespace Calder::StateSpace

@@ -51,19 +51,36 @@ std::thread Team::start_thread(std::function<void()> work) {
     return std::thread(std::move(work));
 }
 
-void Team::each(std::size_t count, Work const& work) {
-    m_work = &work;
-    m_count = count;
-    m_next.store(0, std::memory_order_relaxed);
-    if (m_threads.empty() || count <= 1) {
-        do_pieces(0);
+void Team::all(Work const& work) {
+    if (m_threads.empty()) {
+        work(0);
         return;
     }
+    m_work = &work;
     m_busy.store(size() - 1, std::memory_order_relaxed);
     announce();
-    do_pieces(0);
+    work(0);
     while (unsigned const busy = m_busy.load(std::memory_order_acquire)) {
         wait_while(m_busy, busy, m_looks);
+    }
+}
+
+void Team::each(std::size_t count, PieceWork const& work) {
+    m_next.store(0, std::memory_order_relaxed);
+    auto const take_pieces = [&](unsigned thread) {
+        for (;;) {
+            std::size_t const piece = m_next.fetch_add(1, std::memory_order_relaxed);
+            if (piece >= count) {
+                return;
+            }
+            work(thread, piece);
+            may_be_late();
+        }
+    };
+    if (count > 1) {
+        all([&take_pieces](unsigned thread) { take_pieces(thread); });
+    } else {
+        take_pieces(0);
     }
 }
 
@@ -89,21 +106,10 @@ void Team::work_along(unsigned thread) {
         if (m_ends) {
             return;
         }
-        do_pieces(thread);
+        (*m_work)(thread);
         if (m_busy.fetch_sub(1, std::memory_order_acq_rel) == 1) {
             m_busy.notify_one();
         }
-    }
-}
-
-void Team::do_pieces(unsigned thread) {
-    for (;;) {
-        std::size_t const piece = m_next.fetch_add(1, std::memory_order_relaxed);
-        if (piece >= m_count) {
-            return;
-        }
-        (*m_work)(thread, piece);
-        may_be_late();
     }
 }
 

@@ -15,9 +15,10 @@ namespace Calder::StateSpace {
 class CALDER_STATE_SPACE_EXPORT Team {
   public:
     using ThreadStarter = std::function<std::thread(std::function<void()>)>;
-    /// Does the piece of that number; the first argument is the thread's number, the owner's being 0. It
-    /// must not throw.
-    using Work = std::function<void(unsigned, std::size_t)>;
+    /// What the thread of that number does, the owner's being 0. It must not throw.
+    using Work = std::function<void(unsigned)>;
+    /// The same for a piece of work, whose number comes second.
+    using PieceWork = std::function<void(unsigned, std::size_t)>;
 
     /// `threads` counts the owner. Where `start` throws std::system_error, those that started must
     /// do; the owner alone does, too.
@@ -31,22 +32,22 @@ class CALDER_STATE_SPACE_EXPORT Team {
         return static_cast<unsigned>(m_threads.size()) + 1;
     }
 
-    /// Does the pieces 0 to `count` - 1, which the threads take one after another, and returns when all are
-    /// done. What was written before is seen in the work, and what the work writes afterwards.
-    void each(std::size_t count, Work const& work);
+    /// Lets each thread work once, and returns when all have. What was written before is seen in the work, and
+    /// what the work writes afterwards.
+    void all(Work const& work);
+    /// The same for pieces 0 to `count` - 1, which the threads take one after another.
+    void each(std::size_t count, PieceWork const& work);
 
   private:
     static std::thread start_thread(std::function<void()> work);
     void stop() noexcept;
     void work_along(unsigned thread);
-    void do_pieces(unsigned thread);
     void announce() noexcept;
 
     unsigned const m_looks; // before a thread sleeps
     std::vector<std::thread> m_threads;
     // Of the work that is announced; the owner writes them while all others wait.
     Work const* m_work = nullptr;
-    std::size_t m_count = 0;
     bool m_ends = false;
     std::atomic<unsigned> m_announced = 0; // works so far
     std::atomic<unsigned> m_busy = 0;      // threads besides the owner

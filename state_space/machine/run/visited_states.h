@@ -118,8 +118,11 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
         return std::size_t{1} << (first_block_bits + (block == 0 ? 0 : block - 1));
     }
 
+    static std::size_t bucket_of(std::uint64_t hash, std::size_t bucket_count) noexcept {
+        return static_cast<std::size_t>(((hash >> 32) * bucket_count) >> 32);
+    }
     [[nodiscard]] std::size_t bucket_of(std::uint64_t hash) const noexcept {
-        return static_cast<std::size_t>(((hash >> 32) * m_bucket_count) >> 32);
+        return bucket_of(hash, m_bucket_count);
     }
     static std::uint8_t tag_of(std::uint64_t hash) noexcept {
         return static_cast<std::uint8_t>(hash);
