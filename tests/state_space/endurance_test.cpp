@@ -1,6 +1,7 @@
 #include "process_compiler/guarded_maker.h"
 #include "process_compiler/session.h"
 #include "state_space/machine/machine_exploration.h"
+#include "state_space/machine/run/run.h"
 #include "state_space/machine/run/team.h"
 #include "tests/state_space/counted_allocation.h"
 #include "tests/state_space/machine/fake_construct.h"
@@ -152,12 +153,22 @@ bool is_complete(Run const& run, StateNumber states) {
     return false;
 }
 
-/// By a machine, with threads.
-bool run_machine(unsigned threads) {
+bool run_machine() {
     Network network;
+    return is_complete(explore_by_machine(network.term, network.source, {}).run, 12);
+}
+
+/// By a team, round after round.
+bool run_rounds() {
+    Network network;
+    auto const machine = machine_of(network.term);
+    if (!machine) {
+        return false;
+    }
+    ConfigurationTables tables(*machine);
     RunOptions options;
-    options.threads = threads;
-    return is_complete(explore_by_machine(network.term, network.source, options).run, 12);
+    options.threads = 3;
+    return is_complete(run(tables, options, {1, 1}), 12);
 }
 
 /// A component of instances that are made by the way, beside another one.
@@ -213,8 +224,8 @@ TEST(Endurance, an_allocation_that_fails_ends_a_search_and_loses_nothing) {
         {"declarations", declare, 10},
         {"terms", explore_terms, 30},
         {"instances", make_instances, 100},
-        {"machine", [] { return run_machine(1); }, 100},
-        {"machine, two threads", [] { return run_machine(2); }, 100},
+        {"machine", run_machine, 100},
+        {"machine, round after round", run_rounds, 100},
     };
     for (auto const& row : rows) {
         row.work(); // what is allocated once for the whole program
