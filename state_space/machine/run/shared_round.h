@@ -30,10 +30,11 @@ namespace Calder::StateSpace {
 ///
 /// In the later works a thread has the jobs that it took in the first one, whose memory is in its cache.
 ///
-/// A round costs four meetings of the team, some microseconds each, and an addition 24 bytes and its words
-/// while the round lasts. Numbers are given at once, not at the end of a level, as the buckets to be written to
-/// are then still in a cache: giving them costs less than a run can be measured to, also where nobody will look
-/// at them.
+/// A round costs four meetings of the team, some microseconds each where processors are idle, and an addition
+/// 24 bytes and its words while the round lasts. Numbers are given after each round, not each level, as much of
+/// what is to be written to is still in a cache then; with the second work this takes a twentieth of a run. It
+/// is done even where nobody will look at the numbers, so that a limit on states ends a run at the same
+/// transition with any number of threads.
 class SharedRound {
   public:
     /// How large a round is.

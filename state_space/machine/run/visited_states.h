@@ -36,10 +36,7 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
     /// The words of each state.
     [[nodiscard]] std::uint32_t width() const noexcept { return m_width; }
 
-    [[nodiscard]] Word const* words(StateNumber state) const noexcept {
-        unsigned const block = block_of(state);
-        return m_begins[block] + std::size_t{state - first_of(block)} * m_width;
-    }
+    [[nodiscard]] Word const* words(StateNumber state) const noexcept { return place_of(state); }
 
     /// Word by word a multiplication, its high half brought down before the next, and at the end a
     /// thorough mixing: a bucket is taken from the upper bits, a tag from the lower ones.
@@ -134,7 +131,7 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
         return bucket + 1 == m_bucket_count ? 0 : bucket + 1;
     }
     /// Where the words of a state stand, or will stand; its block must be there.
-    [[nodiscard]] Word* place_of(StateNumber state) noexcept {
+    [[nodiscard]] Word* place_of(StateNumber state) const noexcept {
         unsigned const block = block_of(state);
         return m_begins[block] + std::size_t{state - first_of(block)} * m_width;
     }
