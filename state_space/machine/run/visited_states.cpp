@@ -75,7 +75,8 @@ void VisitedStates::fill_buckets(std::size_t count, Team* team) {
         for (std::size_t first = 0; first < count; first += piece) {
             clear(first);
         }
-        fill_from(0, m_size, &VisitedStates::insert);
+        fill_from(0, m_size,
+                  [this](StateNumber state, std::uint64_t hash) { insert(state, hash); });
         return;
     }
     auto const pieces = [](std::size_t all) { return (all + piece - 1) / piece; };
@@ -84,7 +85,7 @@ void VisitedStates::fill_buckets(std::size_t count, Team* team) {
         std::size_t const first = number * piece;
         fill_from(static_cast<StateNumber>(first),
                   static_cast<StateNumber>(std::min<std::size_t>(first + piece, m_size)),
-                  &VisitedStates::insert_shared);
+                  [this](StateNumber state, std::uint64_t hash) { insert_shared(state, hash); });
     });
 }
 
@@ -98,11 +99,11 @@ void VisitedStates::fill_from(StateNumber first, StateNumber last, Insert each) 
             hashes[hashed % fill_distance] = hash(words(hashed), m_width);
             prefetch_bucket(hashes[hashed % fill_distance]);
         }
-        (this->*each)(state, hashes[state % fill_distance]);
+        each(state, hashes[state % fill_distance]);
     }
 }
 
-void VisitedStates::insert(StateNumber state, std::uint64_t hash) noexcept {
+inline void VisitedStates::insert(StateNumber state, std::uint64_t hash) noexcept {
     std::size_t place = bucket_of(hash);
     while (m_buckets[place].is_full()) {
         place = next(place);
