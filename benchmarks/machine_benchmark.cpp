@@ -1,6 +1,9 @@
 #include "benchmarks/measurement.h"
 #include "benchmarks/philosophers.h"
+#include "benchmarks/probing.h"
 #include "csp/rename_operator.h"
+
+#include <chrono>
 
 namespace Calder::Benchmarks {
 namespace {
@@ -22,20 +25,56 @@ void philosophers(benchmark::State& state) {
                     counting(static_cast<unsigned>(state.range(1))));
 }
 BENCHMARK(philosophers)
-    ->ArgsProduct({{5, 6, 7, 8, 9, 10, 11}, {1}})
-    ->Args({9, 2})
-    ->Args({10, 2})
+    ->ArgsProduct({{5, 6, 7, 8}, {1}})
+    ->ArgsProduct({{9, 10, 11}, {1, 2, 8}})
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 
 /// The same with the transitions kept.
 void philosophers_kept(benchmark::State& state) {
     Philosophers const model(static_cast<unsigned>(state.range(0)));
-    RunOptions options = counting(1);
+    RunOptions options = counting(static_cast<unsigned>(state.range(1)));
     options.keep_transitions = true;
     measure_machine(state, model.start, model.source, options);
 }
-BENCHMARK(philosophers_kept)->Arg(9)->Unit(benchmark::kMillisecond);
+BENCHMARK(philosophers_kept)
+    ->ArgsProduct({{9, 10, 11}, {1, 2, 8}})
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+
+/// Arguments: philosophers, threads. The run, and in turn with it what no run by one thread can be faster
+/// than: see Probing. `of probing` is the run's speed, transition by transition, to that of lookups.
+void philosophers_to_probing(benchmark::State& state) {
+    Philosophers const model(static_cast<unsigned>(state.range(0)));
+    RunOptions const options = counting(static_cast<unsigned>(state.range(1)));
+    using Clock = std::chrono::steady_clock;
+    Clock::duration running{};
+    Clock::duration probing{};
+    std::uint64_t transitions = 0;
+    for (auto _ : state) {
+        Clock::time_point const begin = Clock::now();
+        auto const run = StateSpace::explore_by_machine(model.start, model.source, options).run;
+        Clock::time_point const middle = Clock::now();
+        Probing set(run.state_count);
+        if (set.look_up(run.transition_count) != run.state_count) {
+            state.SkipWithError("there are not as many keys as states");
+            return;
+        }
+        probing += Clock::now() - middle;
+        running += middle - begin;
+        transitions += run.transition_count;
+    }
+    auto const a_second = [&](Clock::duration time) {
+        return static_cast<double>(transitions) / std::chrono::duration<double>(time).count();
+    };
+    state.counters["transitions/s"] = a_second(running);
+    state.counters["lookups/s"] = a_second(probing);
+    state.counters["of probing"] = a_second(running) / a_second(probing);
+}
+BENCHMARK(philosophers_to_probing)
+    ->ArgsProduct({{9, 10}, {1, 2}})
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
 
 /// Argument: leaves. As many philosophers as there are forks, up to a million states.
 void growth_with_components(benchmark::State& state) {

@@ -11,6 +11,7 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
+option(CALDER_LATE_THREADS "Threads are late at random wherever it matters which comes first" OFF)
 set(CALDER_SANITIZERS "" CACHE STRING "Sanitizers to build with, for example address,undefined")
 
 find_package(Boost 1.74 REQUIRED)
@@ -27,6 +28,9 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(calder_settings INTERFACE -fno-gnu-unique)
   # g++ 12 sees overlapping copies in "x" + std::string that are not there (GCC bug 105651).
   target_compile_options(calder_settings INTERFACE -Wno-restrict)
+endif()
+if(CALDER_LATE_THREADS)
+  target_compile_definitions(calder_settings INTERFACE CALDER_LATE_THREADS)
 endif()
 if(CALDER_SANITIZERS)
   add_compile_options(-fsanitize=${CALDER_SANITIZERS} -fno-omit-frame-pointer

@@ -48,9 +48,9 @@ struct ExplorationOptions {
     /// For the resident set of the process, in bytes; 0 means no limit. The moments when an array
     /// is copied to grow are reckoned with.
     std::uint64_t max_memory = 0;
-    /// Called about every 4096 transitions of terms, or 65536 of a machine, and more often where
-    /// they take long, also before the first of them; while a machine is made, as often. Answers
-    /// whether to go on.
+    /// Called about every 4096 transitions of terms, or 65536 of a machine (four times as many for each of
+    /// several threads that run it), and more often where they take long, also before the first of them;
+    /// while a machine is made, as often. By the thread that called. Answers whether to go on.
     std::function<bool(Progress const&)> progress = nullptr;
 };
 

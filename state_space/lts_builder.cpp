@@ -32,6 +32,20 @@ void LtsBuilder::drop_row() {
     m_row_is_wide = false;
 }
 
+LtsBuilder::Room LtsBuilder::make_room(std::size_t rows, std::uint64_t transitions) {
+    drop_row();
+    Room const room{m_lts.m_row_ends.size(), m_lts.m_transitions.size()};
+    m_lts.m_row_ends.resize(room.first_row + rows);
+    try {
+        m_lts.m_transitions.resize(room.first_transition + transitions);
+    } catch (...) {
+        m_lts.m_row_ends.resize(room.first_row);
+        throw;
+    }
+    m_row_begin = m_lts.m_transitions.size();
+    return room;
+}
+
 LabelledTransitionSystem LtsBuilder::finish(StateNumber state_count) {
     drop_row();
     m_lts.m_state_count = state_count;

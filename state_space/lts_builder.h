@@ -26,6 +26,36 @@ class LtsBuilder {
     /// Forgets what was added since the last row ended.
     void drop_row();
 
+    /// Forgets all rows, and keeps the storage.
+    void clear() noexcept {
+        m_lts.m_transitions.clear();
+        m_lts.m_row_ends.clear();
+        m_row_begin = 0;
+        m_row_is_wide = false;
+    }
+
+    /// Where rows may be copied to.
+    struct Room {
+        std::size_t first_row = 0;
+        std::uint64_t first_transition = 0;
+    };
+    /// Room for so many rows with so many transitions together, behind those that have ended. All of it
+    /// must be copied to before anything else is asked. Throws std::bad_alloc, and is then as before.
+    Room make_room(std::size_t rows, std::uint64_t transitions);
+    /// Copies all rows that have ended in another builder; a target becomes `number_of(target)`. May be
+    /// called by several threads at once, for rooms apart from each other.
+    template <typename NumberOf>
+    void copy(LtsBuilder const& from, Room room, NumberOf&& number_of) noexcept {
+        std::size_t row = room.first_row;
+        for (std::uint64_t const end : from.m_lts.m_row_ends) {
+            m_lts.m_row_ends[row++] = room.first_transition + end;
+        }
+        std::uint64_t place = room.first_transition;
+        for (Transition const& each : from.m_lts.m_transitions) {
+            m_lts.m_transitions[place++] = {each.event, number_of(each.target)};
+        }
+    }
+
     /// The system of the rows that have ended, with this number of states, which is above every
     /// target and not below the number of rows. The builder is then as new.
     [[nodiscard]] LabelledTransitionSystem finish(StateNumber state_count);

@@ -15,8 +15,8 @@ struct RunOptions : ExplorationOptions {
     /// Whether the transitions are wanted, and not only their number: 8 bytes each and 8 bytes a
     /// state.
     bool keep_transitions = true;
-    /// How many threads work, at least 1. One of them numbers the states; the others find
-    /// successors for it. The result does not depend on it.
+    /// How many threads explore, at least 1; where there is little to explore, one of them does. The
+    /// result does not depend on it, but for where a limit on memory or whoever watches ends a run.
     unsigned threads = 1;
 };
 

@@ -1,7 +1,8 @@
 #include "process_compiler/guarded_maker.h"
 #include "process_compiler/session.h"
 #include "state_space/machine/machine_exploration.h"
-#include "state_space/machine/run/successor_search.h"
+#include "state_space/machine/run/run.h"
+#include "state_space/machine/run/team.h"
 #include "tests/state_space/counted_allocation.h"
 #include "tests/state_space/machine/fake_construct.h"
 #include "tests/state_space/stack_of_size.h"
@@ -96,7 +97,7 @@ TEST(Endurance, a_leaf_that_only_collects_ends_a_compilation_in_the_same_ways) {
 }
 
 /// The k-th thread and all after it do not start.
-SuccessorSearch::ThreadStarter starts_before(unsigned& asked, unsigned k) {
+Team::ThreadStarter starts_before(unsigned& asked, unsigned k) {
     return [&asked, k](std::function<void()> work) {
         if (++asked > k) {
             throw std::system_error(
@@ -107,25 +108,21 @@ SuccessorSearch::ThreadStarter starts_before(unsigned& asked, unsigned k) {
 }
 
 TEST(Endurance, the_threads_that_start_do_the_work) {
-    for (unsigned const started : {0U, 1U, 2U}) {
+    for (unsigned const started : {0U, 1U, 2U, 3U}) {
         unsigned asked = 0;
-        SuccessorSearch search(4, starts_before(asked, started));
-        EXPECT_EQ(asked, started + 1);
-        unsigned taken = 0;
-        for (unsigned submitted = 0; submitted < 100;) {
-            for (; search.has_room() && submitted < 100; ++submitted) {
-                search.free_job().clear(1);
-                search.submit();
-            }
-            EXPECT_EQ(search.oldest().source_count(), 0U);
-            search.release_oldest();
-            ++taken;
+        Team team(4, starts_before(asked, started));
+        EXPECT_EQ(asked, std::min(started + 1, 3U));
+        EXPECT_EQ(team.size(), started + 1);
+        std::vector<unsigned> done(100, 0);
+        for (unsigned work = 0; work < 50; ++work) {
+            std::size_t const pieces = work % 3 == 0 ? work % 2 : done.size();
+            team.each(pieces, [&](unsigned thread, std::size_t piece) {
+                EXPECT_LT(thread, team.size());
+                ++done[piece];
+            });
         }
-        for (; !search.is_idle(); ++taken) {
-            (void)search.oldest();
-            search.release_oldest();
-        }
-        EXPECT_EQ(taken, 100U) << started;
+        EXPECT_EQ(done[0], 33U + 8U) << started;
+        EXPECT_EQ(done[99], 33U) << started;
     }
 }
 
@@ -137,7 +134,7 @@ TEST(Endurance, no_thread_is_left_behind_where_another_error_ends_the_start) {
         }
         return std::thread(std::move(work));
     };
-    EXPECT_THROW(SuccessorSearch(4, start), std::bad_alloc);
+    EXPECT_THROW(Team(4, start), std::bad_alloc);
 }
 
 /// Two rings side by side, as a term that both engines know.
@@ -156,12 +153,22 @@ bool is_complete(Run const& run, StateNumber states) {
     return false;
 }
 
-/// By a machine, with threads.
-bool run_machine(unsigned threads) {
+bool run_machine() {
     Network network;
+    return is_complete(explore_by_machine(network.term, network.source, {}).run, 12);
+}
+
+/// By a team, round after round.
+bool run_rounds() {
+    Network network;
+    auto const machine = machine_of(network.term);
+    if (!machine) {
+        return false;
+    }
+    ConfigurationTables tables(*machine);
     RunOptions options;
-    options.threads = threads;
-    return is_complete(explore_by_machine(network.term, network.source, options).run, 12);
+    options.threads = 3;
+    return is_complete(run(tables, options, {1, 1}), 12);
 }
 
 /// A component of instances that are made by the way, beside another one.
@@ -217,8 +224,8 @@ TEST(Endurance, an_allocation_that_fails_ends_a_search_and_loses_nothing) {
         {"declarations", declare, 10},
         {"terms", explore_terms, 30},
         {"instances", make_instances, 100},
-        {"machine", [] { return run_machine(1); }, 100},
-        {"machine, two threads", [] { return run_machine(2); }, 100},
+        {"machine", run_machine, 100},
+        {"machine, round after round", run_rounds, 100},
     };
     for (auto const& row : rows) {
         row.work(); // what is allocated once for the whole program

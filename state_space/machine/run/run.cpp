@@ -1,30 +1,28 @@
 #include "state_space/machine/run/run.h"
 
-#include "state_space/lts_builder.h"
 #include "state_space/machine/machine_refusal.h"
-#include "state_space/machine/run/successor_search.h"
+#include "state_space/machine/run/shared_round.h"
 #include "state_space/machine/run/visited_states.h"
 
 #include <algorithm>
-#include <array>
 #include <new>
+#include <optional>
 
 namespace Calder::StateSpace {
 
 namespace {
 
-/// How many steps ahead memory is asked for: first the bucket, then the state that it names.
-constexpr std::size_t bucket_distance = 32;
-constexpr std::size_t state_distance = 16;
-
-/// Steps wanted of one job: what stays in a core's own cache, and makes handing it over cheap.
-constexpr std::uint64_t steps_wanted = 4096;
 constexpr std::uint64_t most_sources = 1024;
 
+/// A round has so many times the work, for each thread, after which the monitor looks around at the latest.
+/// Smaller ones meet too often, larger ones have to get what they added back into the cache.
+constexpr std::uint64_t most_looks_of_round = 2;
+
+/// Explores job by job, by one thread, where there is little to explore, and otherwise round by round.
 class Runner {
   public:
-    Runner(ConfigurationTables& tables, RunOptions const& options)
-        : m_tables(tables), m_options(options), m_search(options.threads) {}
+    Runner(ConfigurationTables& tables, RunOptions const& options, Cut const& cut)
+        : m_tables(tables), m_options(options), m_cut(cut) {}
 
     Run run() {
         Run result;
@@ -36,13 +34,12 @@ class Runner {
             result.refusal = refusal.what();
         } catch (SearchEnded const&) { // the monitor knows why
         }
-        m_search.stop();
+        m_round.reset();
+        m_team.reset();
         result.state_count = m_states->size();
-        result.transition_count = m_transitions;
+        result.transition_count = m_rows.transition_count();
         result.outcome = m_monitor.outcome();
-        if (m_options.keep_transitions) {
-            result.lts = m_builder.finish(m_states->size());
-        }
+        result.lts = m_rows.finish(m_states->size());
         result.states = std::move(m_states);
         return result;
     }
@@ -50,47 +47,41 @@ class Runner {
   private:
     void explore_all();
     bool add_start();
-    void hand_out_work();
-    void fill(SearchJob& job);
-    bool take(SearchJob& job);
-    bool take_row(SearchJob const& job, std::size_t first, std::size_t last);
-    void end_row(std::uint64_t never_repeated);
-    StateNumber target_of(SearchJob const& job, std::size_t step);
-    void begin_looking_ahead(SearchJob const& job);
+    bool explore_job();
+    void fill_job();
+    bool take_job();
+    std::optional<SharedRound::Size> next_round();
+    bool has_team();
+    bool explore_round(SharedRound::Size const& size);
+    void make_tables(StateNumber first, StateNumber last);
     std::uint64_t sources_wanted() const;
+    std::uint64_t additions_of(std::uint64_t jobs) const;
+    std::uint64_t round_bytes(std::uint64_t jobs, std::uint64_t additions) const;
     std::size_t most_steps() const;
+    void count_explored(StateNumber count);
     bool look_around();
 
     ConfigurationTables& m_tables;
     RunOptions const& m_options;
+    Cut const m_cut;
     SearchMonitor m_monitor{m_options, SearchMonitor::longest_for_machines};
     std::shared_ptr<VisitedStates> m_states = std::make_shared<VisitedStates>(1);
-    LtsBuilder m_builder; // when transitions are not kept, only of steps that may be repeated
-    SuccessorSearch m_search;
-    StateNumber m_handed_out = 0; // states whose successors are being looked for, or known
+    FoundRows m_rows{m_options.keep_transitions};
+    SearchJob m_job;
+    LookingAhead<VisitedStates> m_ahead;
+    std::optional<Team> m_team; // from the first round on
+    std::optional<SharedRound> m_round;
+    StateNumber m_alone_until = 0; // what a round could not do
     StateNumber m_explored = 0;
-    std::uint64_t m_transitions = 0;
     StateNumber m_depth = 0;
     StateNumber m_level_end = 1;
-    /// Of the steps to come, the states that they most likely lead to: step i is at i modulo the
-    /// distance.
-    std::array<StateNumber, state_distance> m_ahead{};
 };
 
 void Runner::explore_all() {
-    if (!add_start()) {
-        return;
-    }
-    for (;;) {
-        hand_out_work();
-        if (m_search.is_idle()) {
-            return;
-        }
-        bool const goes_on = take(m_search.oldest());
-        m_search.release_oldest();
-        if (!goes_on) {
-            return;
-        }
+    bool goes_on = add_start();
+    while (goes_on && m_explored < m_states->size()) {
+        std::optional<SharedRound::Size> const round = next_round();
+        goes_on = round && has_team() ? explore_round(*round) : explore_job();
     }
 }
 
@@ -104,36 +95,39 @@ bool Runner::add_start() {
            m_monitor.stop(Outcome::state_limit);
 }
 
-void Runner::hand_out_work() {
-    while (m_search.has_room() && m_handed_out < m_states->size()) {
-        fill(m_search.free_job());
-        m_search.submit();
+bool Runner::explore_job() {
+    fill_job();
+    m_job.search();
+    if (m_job.steps().width() < m_states->width()) {
+        m_job.widen(m_states->width());
     }
+    return take_job();
 }
 
 /// A table that is made on the way may need wider states: the job ends before such a state.
-void Runner::fill(SearchJob& job) {
+void Runner::fill_job() {
     std::uint64_t const wanted = sources_wanted();
-    job.clear(m_states->width(), most_steps());
-    while (m_handed_out < m_states->size() && job.source_count() < wanted) {
+    m_job.clear(m_states->width(), most_steps());
+    for (StateNumber state = m_explored; state < m_states->size() && m_job.source_count() < wanted;
+         ++state) {
         SuccessorTable const& table =
-            m_tables.table(m_tables.configuration_of(m_states->words(m_handed_out)), m_monitor);
+            m_tables.table(m_tables.configuration_of(m_states->words(state)), m_monitor);
         if (m_tables.width() > m_states->width()) {
             m_states->widen(m_tables.width());
-            if (job.source_count() > 0) {
+            if (m_job.source_count() > 0) {
                 return;
             }
-            job.clear(m_states->width(), most_steps());
+            m_job.clear(m_states->width(), most_steps());
         }
-        job.add_source(m_states->words(m_handed_out), table);
-        ++m_handed_out;
+        m_job.add_source(m_states->words(state), table);
     }
 }
 
 /// By how many successors the states had so far.
 std::uint64_t Runner::sources_wanted() const {
-    return std::clamp<std::uint64_t>(steps_wanted * (m_explored + 1) / (m_transitions + 1), 1,
-                                     most_sources);
+    std::uint64_t const transitions = m_rows.transition_count();
+    return std::clamp<std::uint64_t>(
+        m_cut.steps_of_job * (std::uint64_t{m_explored} + 1) / (transitions + 1), 1, most_sources);
 }
 
 /// What there is memory for, twice over while an array grows: a step with its hash, and its state in
@@ -142,93 +136,114 @@ std::size_t Runner::most_steps() const {
     std::uint64_t const words = std::uint64_t{2} * m_states->width() * sizeof(Word);
     constexpr std::uint64_t rest = sizeof(unsigned) + sizeof(std::uint64_t) + sizeof(std::uint64_t);
     return static_cast<std::size_t>(std::clamp<std::uint64_t>(
-        m_monitor.memory_left() / (2 * (words + rest)), steps_wanted, Steps::unbounded));
+        m_monitor.memory_left() / (2 * (words + rest)), m_cut.steps_of_job, Steps::unbounded));
 }
 
-bool Runner::take(SearchJob& job) {
-    if (job.steps().width() < m_states->width()) {
-        job.widen(m_states->width());
-    }
-    m_states->make_room(job.steps().size());
-    begin_looking_ahead(job);
+bool Runner::take_job() {
+    Steps const& steps = m_job.steps();
+    m_states->make_room(steps.size());
+    m_ahead.begin(*m_states, m_job);
+    auto const target_of = [&](std::size_t step) { // no_state when it is one too many
+        StateNumber const likely = m_ahead.likely_target(*m_states, m_job, step);
+        Word const* const words = steps.words(step);
+        return likely != no_state && m_states->is_state(likely, words)
+                   ? likely
+                   : m_states->find_or_add(words, m_job.hash(step), m_options.max_states);
+    };
     std::size_t first = 0;
-    for (std::size_t source = 0; source < job.source_count(); ++source) {
-        if (!take_row(job, first, job.row_end(source))) {
+    for (std::size_t source = 0; source < m_job.source_count(); ++source) {
+        if (!m_rows.add_row(steps, first, m_job.row_end(source), target_of)) {
             return m_monitor.stop(Outcome::state_limit);
         }
-        first = job.row_end(source);
+        first = m_job.row_end(source);
+        count_explored(1);
     }
-    return !m_monitor.is_due(job.steps().size()) || look_around();
+    return !m_monitor.is_due(steps.size()) || look_around();
 }
 
-/// The row of the state that is being explored; false when it has a state too many.
-bool Runner::take_row(SearchJob const& job, std::size_t first, std::size_t last) {
-    Steps const& steps = job.steps();
-    std::uint64_t never_repeated = 0;
-    for (std::size_t step = first; step < last; ++step) {
-        StateNumber const target = target_of(job, step);
-        if (target == no_state) {
-            return false;
-        }
-        if (steps.can_repeat(step)) {
-            m_builder.add(steps.event(step), target);
-        } else if (m_options.keep_transitions) {
-            m_builder.add_new(steps.event(step), target);
-        } else {
-            ++never_repeated;
-        }
-    }
-    end_row(never_repeated);
-    return true;
-}
-
-void Runner::end_row(std::uint64_t never_repeated) {
-    if (m_options.keep_transitions) {
-        m_builder.end_row();
-        m_transitions = m_builder.transition_count();
-    } else {
-        m_transitions += never_repeated + m_builder.transition_count();
-        m_builder.drop_row();
-    }
-    if (++m_explored == m_level_end) {
+void Runner::count_explored(StateNumber count) {
+    m_explored += count;
+    if (m_explored == m_level_end) {
         ++m_depth;
         m_level_end = m_states->size();
     }
 }
 
-/// no_state when it is one too many.
-StateNumber Runner::target_of(SearchJob const& job, std::size_t step) {
-    std::size_t const steps = job.steps().size();
-    StateNumber& ahead = m_ahead[step % state_distance];
-    StateNumber const likely = ahead;
-    if (step + bucket_distance < steps) {
-        m_states->prefetch_bucket(job.hash(step + bucket_distance));
+/// Where enough is to be explored on this level, and there is room and memory for what is found.
+std::optional<SharedRound::Size> Runner::next_round() {
+    if (m_options.threads == 1 || m_explored < m_alone_until) {
+        return std::nullopt;
     }
-    if (step + state_distance < steps) {
-        ahead = m_states->prefetch_state(job.hash(step + state_distance));
+    std::uint64_t const sources = sources_wanted();
+    std::uint64_t const most_jobs =
+        most_looks_of_round * m_monitor.work_ahead() * m_options.threads / m_cut.steps_of_job;
+    std::uint64_t const last =
+        std::min<std::uint64_t>(m_level_end, m_explored + most_jobs * sources);
+    std::uint64_t const jobs = (last - m_explored) / sources;
+    std::uint64_t const additions = additions_of(jobs);
+    if (jobs < m_cut.least_jobs_of_round ||
+        m_states->size() + additions >
+            std::min(m_options.max_states, SharedAdditions::most_states(m_options.threads)) ||
+        round_bytes(jobs, additions) > m_monitor.memory_left()) {
+        return std::nullopt;
     }
-    Word const* const words = job.steps().words(step);
-    return likely != no_state && m_states->is_state(likely, words)
-               ? likely
-               : m_states->find_or_add(words, job.hash(step), m_options.max_states);
+    return SharedRound::Size{m_explored, static_cast<StateNumber>(last),
+                             static_cast<StateNumber>(sources), most_steps() / m_options.threads,
+                             static_cast<std::size_t>(additions)};
 }
 
-void Runner::begin_looking_ahead(SearchJob const& job) {
-    std::size_t const steps = job.steps().size();
-    for (std::size_t step = 0; step < std::min(bucket_distance, steps); ++step) {
-        m_states->prefetch_bucket(job.hash(step));
+/// Room for what so many jobs add: as many as there were of so many steps, twice over, and steps of which it
+/// is not known yet.
+std::uint64_t Runner::additions_of(std::uint64_t jobs) const {
+    std::uint64_t const steps = (jobs + 1) * m_cut.steps_of_job;
+    std::uint64_t const transitions = m_rows.transition_count() + 1;
+    return 2 * (std::min(steps, steps * m_states->size() / transitions) +
+                m_options.threads * m_cut.steps_of_job);
+}
+
+/// What a round may take besides what there is.
+std::uint64_t Runner::round_bytes(std::uint64_t jobs, std::uint64_t additions) const {
+    constexpr std::uint64_t a_step = 40; // in a list of additions and, twice over, as a transition
+    return m_states->growth_bytes(additions) +
+           SharedAdditions::bytes_of(additions, m_states->width()) +
+           m_rows.growth_bytes((jobs + 1) * m_cut.steps_of_job) +
+           (jobs + 1) * m_cut.steps_of_job * a_step;
+}
+
+bool Runner::has_team() {
+    if (!m_team) {
+        m_team.emplace(m_options.threads);
+        m_round.emplace(*m_team, *m_states, m_tables, m_rows);
     }
-    for (std::size_t step = 0; step < std::min(state_distance, steps); ++step) {
-        m_ahead[step] = m_states->prefetch_state(job.hash(step));
+    return m_team->size() > 1;
+}
+
+bool Runner::explore_round(SharedRound::Size const& size) {
+    make_tables(size.first, size.last);
+    if (!m_round->explore(size)) {
+        m_alone_until = size.last;
+        return true;
+    }
+    count_explored(size.last - size.first);
+    return !m_monitor.is_due(m_round->step_count()) || look_around();
+}
+
+/// Those that the states need, as wide as that makes all states.
+void Runner::make_tables(StateNumber first, StateNumber last) {
+    for (StateNumber state = first; state < last && !m_tables.is_static(); ++state) {
+        m_tables.table(m_tables.configuration_of(m_states->words(state)), m_monitor);
+        if (m_tables.width() > m_states->width()) {
+            m_states->widen(m_tables.width());
+        }
     }
 }
 
 bool Runner::look_around() {
     StateNumber const states = m_states->size();
-    std::uint64_t const ahead = m_monitor.work_ahead() + steps_wanted; // a job may go beyond
+    std::uint64_t const ahead = m_monitor.work_ahead() + m_cut.steps_of_job; // a job may go beyond
     return m_monitor.look_around(
-        Progress{states, m_transitions, m_explored, states - m_explored, m_depth},
-        m_states->growth_bytes(ahead) + m_builder.growth_bytes(ahead));
+        Progress{states, m_rows.transition_count(), m_explored, states - m_explored, m_depth},
+        m_states->growth_bytes(ahead) + m_rows.growth_bytes(ahead));
 }
 
 } // namespace
@@ -242,8 +257,8 @@ Run run_of(Exploration exploration) {
     return run;
 }
 
-Run run(ConfigurationTables& tables, RunOptions const& options) {
-    return Runner(tables, options).run();
+Run run(ConfigurationTables& tables, RunOptions const& options, Cut const& cut) {
+    return Runner(tables, options, cut).run();
 }
 
 } // namespace Calder::StateSpace

@@ -1,5 +1,8 @@
 #include "state_space/machine/run/visited_states.h"
 
+#include "state_space/machine/run/patience.h"
+#include "state_space/machine/run/team.h"
+
 #include <algorithm>
 
 namespace Calder::StateSpace {
@@ -14,17 +17,20 @@ constexpr std::uint64_t most_load = 85;
 /// How many states ahead the memory of a bucket is asked for while the table is made anew.
 constexpr StateNumber fill_distance = 16;
 
+/// What a thread of a team clears or fills at a time.
+constexpr std::size_t piece = std::size_t{1} << 15;
+
 } // namespace
 
-void VisitedStates::make_room(std::uint64_t count) {
+void VisitedStates::make_room(std::uint64_t count, Team* team) {
     if (m_size + count <= capacity()) {
         return;
     }
     std::size_t buckets = std::max(m_bucket_count, first_bucket_count);
-    while (buckets * bucket_size * most_load / 100 < m_size + count) {
+    while (buckets * Bucket::size * most_load / 100 < m_size + count) {
         buckets *= 2;
     }
-    fill_buckets(buckets);
+    fill_buckets(buckets, team);
 }
 
 void VisitedStates::widen(std::uint32_t width) {
@@ -56,49 +62,93 @@ std::uint64_t VisitedStates::growth_bytes(std::uint64_t additions) const noexcep
 }
 
 /// The table anew, from the words of all states.
-void VisitedStates::fill_buckets(std::size_t count) {
+void VisitedStates::fill_buckets(std::size_t count, Team* team) {
     m_bucket_count = 0;
     m_buckets.reset();
     m_buckets = make_large_array<Bucket>(count);
     m_bucket_count = count;
-    for (std::size_t bucket = 0; bucket < count; ++bucket) {
-        m_buckets[bucket].count = 0;
+    auto const clear = [this](std::size_t first) {
+        std::size_t const last = std::min(first + piece, m_bucket_count);
+        std::for_each(&m_buckets[first], &m_buckets[last], [](Bucket& each) { each.clear(); });
+    };
+    if (team == nullptr) {
+        for (std::size_t first = 0; first < count; first += piece) {
+            clear(first);
+        }
+        fill_from(0, m_size,
+                  [this](StateNumber state, std::uint64_t hash) { insert(state, hash); });
+        return;
     }
+    auto const pieces = [](std::size_t all) { return (all + piece - 1) / piece; };
+    team->each(pieces(count), [&](unsigned, std::size_t number) { clear(number * piece); });
+    team->each(pieces(m_size), [&](unsigned, std::size_t number) {
+        std::size_t const first = number * piece;
+        fill_from(static_cast<StateNumber>(first),
+                  static_cast<StateNumber>(std::min<std::size_t>(first + piece, m_size)),
+                  [this](StateNumber state, std::uint64_t hash) { insert_shared(state, hash); });
+    });
+}
+
+/// Some of the states, none of which is in the table.
+template <typename Insert>
+void VisitedStates::fill_from(StateNumber first, StateNumber last, Insert each) {
     std::array<std::uint64_t, fill_distance> hashes{};
-    StateNumber hashed = 0;
-    for (StateNumber state = 0; state < m_size; ++state) {
-        for (; hashed < m_size && hashed < state + fill_distance; ++hashed) {
+    StateNumber hashed = first;
+    for (StateNumber state = first; state < last; ++state) {
+        for (; hashed < last && hashed < state + fill_distance; ++hashed) {
             hashes[hashed % fill_distance] = hash(words(hashed), m_width);
             prefetch_bucket(hashes[hashed % fill_distance]);
         }
-        insert(state, hashes[state % fill_distance]);
+        each(state, hashes[state % fill_distance]);
     }
 }
 
-/// A state that is not in the table.
-void VisitedStates::insert(StateNumber state, std::uint64_t hash) noexcept {
+inline void VisitedStates::insert(StateNumber state, std::uint64_t hash) noexcept {
     std::size_t place = bucket_of(hash);
-    while (m_buckets[place].count == bucket_size) {
+    while (m_buckets[place].is_full()) {
         place = next(place);
     }
     m_buckets[place].append(state, tag_of(hash));
 }
 
-/// A new state whose hash has room in the bucket.
-StateNumber VisitedStates::add(std::size_t bucket, Word const* words, std::uint64_t hash) {
-    unsigned const block = block_of(m_size);
-    if (block == m_blocks.size()) {
+/// The same, while other threads do so, too.
+void VisitedStates::insert_shared(StateNumber state, std::uint64_t hash) noexcept {
+    std::size_t place = bucket_of(hash);
+    for (Patience patience;;) {
+        Bucket::Head const head = m_buckets[place].shared_head();
+        if (head.is_full()) {
+            place = next(place);
+        } else if (head.is_locked()) {
+            patience.wait();
+        } else if (m_buckets[place].lock(head)) {
+            m_buckets[place].append_and_unlock(head, state, tag_of(hash));
+            return;
+        }
+    }
+}
+
+/// The blocks for so many states.
+void VisitedStates::make_blocks(std::uint64_t states) {
+    while (states > 0 && m_blocks.size() <= block_of(static_cast<StateNumber>(states - 1))) {
+        auto const block = static_cast<unsigned>(m_blocks.size());
         m_blocks.push_back(make_large_array<Word>(size_of(block) * m_width));
         m_begins[block] = m_blocks[block].get();
     }
-    copy_words(words, m_begins[block] + std::size_t{m_size - first_of(block)} * m_width, m_width);
+}
+
+/// A new state whose hash has room in the bucket.
+StateNumber VisitedStates::add(std::size_t bucket, Word const* words, std::uint64_t hash) {
+    if (block_of(m_size) == m_blocks.size()) {
+        make_blocks(std::uint64_t{m_size} + 1);
+    }
+    copy_words(words, place_of(m_size), m_width);
     m_buckets[bucket].append(m_size, tag_of(hash));
     return m_size++;
 }
 
 /// How many states the table has room for.
 std::uint64_t VisitedStates::capacity() const noexcept {
-    return std::uint64_t{m_bucket_count} * bucket_size * most_load / 100;
+    return std::uint64_t{m_bucket_count} * Bucket::size * most_load / 100;
 }
 
 } // namespace Calder::StateSpace

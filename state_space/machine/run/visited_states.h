@@ -3,6 +3,7 @@
 #include "core/large_array.h"
 #include "state_space/export.h"
 #include "state_space/labelled_transition_system.h"
+#include "state_space/machine/run/bucket.h"
 #include "state_space/machine/run/layout.h"
 #include "state_space/mix.h"
 
@@ -10,11 +11,9 @@
 #include <bit>
 #include <vector>
 
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
-
 namespace Calder::StateSpace {
+
+class Team;
 
 /// The states of a machine that were reached, numbered in the order in which they were added.
 ///
@@ -27,6 +26,8 @@ namespace Calder::StateSpace {
 ///
 /// A search has three stages, of which the first two only ask for memory ahead of time:
 /// `prefetch_bucket`, `prefetch_state`, `find_or_add`.
+///
+/// It belongs to one thread, but for what SharedAdditions does.
 class CALDER_STATE_SPACE_EXPORT VisitedStates {
   public:
     explicit VisitedStates(std::uint32_t width) : m_width(width) {}
@@ -35,10 +36,7 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
     /// The words of each state.
     [[nodiscard]] std::uint32_t width() const noexcept { return m_width; }
 
-    [[nodiscard]] Word const* words(StateNumber state) const noexcept {
-        unsigned const block = block_of(state);
-        return m_begins[block] + std::size_t{state - first_of(block)} * m_width;
-    }
+    [[nodiscard]] Word const* words(StateNumber state) const noexcept { return place_of(state); }
 
     /// Word by word a multiplication, its high half brought down before the next, and at the end a
     /// thorough mixing: a bucket is taken from the upper bits, a tag from the lower ones.
@@ -60,7 +58,7 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
         if (matches == 0) {
             return no_state;
         }
-        StateNumber const likely = bucket.numbers[first_of_set(matches)];
+        StateNumber const likely = bucket.number(first_of_set(matches));
         __builtin_prefetch(words(likely));
         return likely;
     }
@@ -78,21 +76,21 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
         for (;;) {
             Bucket const& bucket = m_buckets[place];
             for (unsigned rest = bucket.matches(tag_of(hash)); rest != 0; rest &= rest - 1) {
-                StateNumber const known = bucket.numbers[first_of_set(rest)];
+                StateNumber const known = bucket.number(first_of_set(rest));
                 if (is_state(known, words)) {
                     return known;
                 }
             }
-            if (bucket.count < bucket_size) {
+            if (!bucket.is_full()) {
                 return m_size < max_states ? add(place, words, hash) : no_state;
             }
             place = next(place);
         }
     }
 
-    /// Room in the table for `count` more states. Where that throws std::bad_alloc nothing can be
-    /// found any more, but the states are still there.
-    void make_room(std::uint64_t count);
+    /// Room in the table for `count` more states; the work is the team's, if there is one. Where that
+    /// throws std::bad_alloc nothing can be found any more, but the states are still there.
+    void make_room(std::uint64_t count, Team* team = nullptr);
 
     /// Makes every state `width` words long, the new ones zero. Where that throws std::bad_alloc,
     /// the states are as before, though perhaps not to be found any more.
@@ -103,37 +101,9 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
     [[nodiscard]] std::uint64_t growth_bytes(std::uint64_t additions) const noexcept;
 
   private:
+    friend class SharedAdditions;
+
     static constexpr unsigned first_block_bits = 10;
-    static constexpr unsigned bucket_size = 12;
-
-    struct alignas(64) Bucket {
-        /// Bit i for each number whose tag is the given one.
-        unsigned matches(std::uint8_t tag) const noexcept {
-            unsigned const taken = (1U << count) - 1;
-#ifdef __SSE2__
-            // The tags and the count are 16 bytes, compared all at once.
-            auto const* const bytes = reinterpret_cast<__m128i const*>(tags.data());
-            __m128i const equal =
-                _mm_cmpeq_epi8(_mm_load_si128(bytes), _mm_set1_epi8(static_cast<char>(tag)));
-            return static_cast<unsigned>(_mm_movemask_epi8(equal)) & taken;
-#else
-            unsigned found = 0;
-            for (unsigned i = 0; i < bucket_size; ++i) {
-                found |= (tags[i] == tag ? 1U : 0U) << i;
-            }
-            return found & taken;
-#endif
-        }
-
-        void append(StateNumber number, std::uint8_t tag) noexcept {
-            tags[count] = tag;
-            numbers[count++] = number;
-        }
-
-        std::array<std::uint8_t, bucket_size> tags;
-        std::uint32_t count;
-        std::array<StateNumber, bucket_size> numbers;
-    };
 
     static unsigned block_of(StateNumber state) noexcept {
         return static_cast<unsigned>(std::bit_width(state >> first_block_bits));
@@ -145,8 +115,11 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
         return std::size_t{1} << (first_block_bits + (block == 0 ? 0 : block - 1));
     }
 
+    static std::size_t bucket_of(std::uint64_t hash, std::size_t bucket_count) noexcept {
+        return static_cast<std::size_t>(((hash >> 32) * bucket_count) >> 32);
+    }
     [[nodiscard]] std::size_t bucket_of(std::uint64_t hash) const noexcept {
-        return static_cast<std::size_t>(((hash >> 32) * m_bucket_count) >> 32);
+        return bucket_of(hash, m_bucket_count);
     }
     static std::uint8_t tag_of(std::uint64_t hash) noexcept {
         return static_cast<std::uint8_t>(hash);
@@ -157,9 +130,17 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
     [[nodiscard]] std::size_t next(std::size_t bucket) const noexcept {
         return bucket + 1 == m_bucket_count ? 0 : bucket + 1;
     }
+    /// Where the words of a state stand, or will stand; its block must be there.
+    [[nodiscard]] Word* place_of(StateNumber state) const noexcept {
+        unsigned const block = block_of(state);
+        return m_begins[block] + std::size_t{state - first_of(block)} * m_width;
+    }
+    void make_blocks(std::uint64_t states);
     StateNumber add(std::size_t bucket, Word const* words, std::uint64_t hash);
     void insert(StateNumber state, std::uint64_t hash) noexcept;
-    void fill_buckets(std::size_t count);
+    void insert_shared(StateNumber state, std::uint64_t hash) noexcept;
+    void fill_buckets(std::size_t count, Team* team = nullptr);
+    template <typename Insert> void fill_from(StateNumber first, StateNumber last, Insert insert);
     [[nodiscard]] std::uint64_t capacity() const noexcept;
 
     std::uint32_t m_width;

@@ -1,0 +1,112 @@
+#pragma once
+
+#include "state_space/machine/run/configuration_tables.h"
+#include "state_space/machine/run/found_rows.h"
+#include "state_space/machine/run/looking_ahead.h"
+#include "state_space/machine/run/shared_additions.h"
+#include "state_space/machine/run/team.h"
+
+#include <deque>
+
+namespace Calder::StateSpace {
+
+/// Explores some states in a row by all threads of a team, who share one set of states (after Laarman, van
+/// de Pol and Weber, "Boosting multi-core reachability performance with shared hash tables", 2010). Everything
+/// has the number and the place afterwards that one thread alone would have given it. A round has four works,
+/// between which all threads wait:
+///
+/// 1. The states are taken in jobs, one after another. A thread finds the successors of a job's states, looks
+///    them up, and adds those that are new, as SharedAdditions describes; the place of a step is the number of
+///    its job, and its own there. The job notes each addition that nobody had met at a lower place by then.
+/// 2. Of these each job keeps those that nobody met at a lower place by now either: all additions, each in one
+///    job, in the order in which one thread would have made them. Their numbers begin where those of the jobs
+///    before end.
+/// 3. Additions get their numbers.
+/// 4. Where transitions are kept, each job copies its own behind those of the jobs before, with the numbers.
+///
+/// Nothing of a round is final before the third work. When something happens in the first one (there is not
+/// enough room, or memory), the additions are taken back, and it is as if the round had not been: one thread
+/// then comes to what happened at its place in the order, and meets it as it would without a team.
+///
+/// In the later works a thread has the jobs that it took in the first one, whose memory is in its cache.
+///
+/// A round costs four meetings of the team, some microseconds each where processors are idle, and an addition
+/// 24 bytes and its words while the round lasts. Numbers are given after each round, not each level, as much of
+/// what is to be written to is still in a cache then; with the second work this takes a twentieth of a run. It
+/// is done even where nobody will look at the numbers, so that a limit on states ends a run at the same
+/// transition with any number of threads.
+class SharedRound {
+  public:
+    /// How large a round is.
+    struct Size {
+        StateNumber first;
+        StateNumber last;
+        /// In each job.
+        StateNumber sources;
+        /// That one job may have.
+        std::size_t most_steps;
+        /// States that may be added, those not counted that turn out to be known.
+        std::size_t most_additions;
+    };
+
+    SharedRound(Team& team, VisitedStates& states, ConfigurationTables const& tables,
+                FoundRows& rows);
+
+    /// False when nothing has changed and one thread must do it. The tables of all configurations must be
+    /// there, and states wide enough for them. Throws std::bad_alloc where the table of states could not grow.
+    bool explore(Size const& size);
+
+    /// Of the last round.
+    [[nodiscard]] std::uint64_t step_count() const noexcept { return m_steps; }
+
+  private:
+    struct Addition {
+        std::uint32_t step;
+        StateNumber state;
+    };
+    struct alignas(64) Job {
+        explicit Job(bool keep) : rows(keep) {}
+
+        FoundRows rows; // targets that have no number yet are additions
+        std::uint64_t steps = 0;
+        std::vector<Addition> additions; // there may be more than `addition_count`
+        std::size_t addition_count = 0;
+        StateNumber first_number = 0;
+        LtsBuilder::Room room{};
+    };
+    struct alignas(64) Worker {
+        SearchJob search;
+        LookingAhead<SharedAdditions> ahead;
+        SharedAdditions::Adder adder;
+        std::vector<std::size_t> jobs; // that it has taken in this round
+    };
+
+    void begin(Size const& size);
+    void find(Worker& worker, std::size_t number) noexcept;
+    void look_up(Worker& worker, std::size_t number);
+    void for_jobs_of_each(void (SharedRound::*work)(std::size_t) noexcept);
+    void keep_first(std::size_t number) noexcept;
+    [[nodiscard]] bool make_room();
+    void take_back() noexcept;
+    void give_numbers(std::size_t number) noexcept;
+    void copy_rows(std::size_t number) noexcept;
+
+    [[nodiscard]] static SharedAdditions::Place place(std::size_t job, std::size_t step) noexcept {
+        return SharedAdditions::Place{job} << 32 | step;
+    }
+
+    Team& m_team;
+    VisitedStates& m_states;
+    ConfigurationTables const& m_tables;
+    FoundRows& m_rows;
+    SharedAdditions m_additions{m_states};
+    Size m_size{};
+    std::size_t m_job_count = 0;
+    std::uint64_t m_steps = 0;
+    std::deque<Job> m_jobs; // there may be more than these
+    std::vector<Worker> m_workers;
+    std::atomic<std::int64_t> m_room_left = 0; // for additions
+    std::atomic<bool> m_is_over = false;       // something happened
+};
+
+} // namespace Calder::StateSpace
