@@ -150,6 +150,17 @@ TEST(Columns, are_touched_by_no_more_groups_than_need_be) {
     }
 }
 
+/// Of so many that change nothing, not every two are compared: here one waits for another configuration
+/// than all others.
+TEST(Columns, have_each_step_once_however_many_do_the_same) {
+    auto const script = script_of("channel a, b, go P = a -> P [] b -> STOP "
+                                  "Q = P /\\ go -> ((||| i : {1..300} @ P) [|{b}|] STOP)");
+    auto const reached = explore_vectors(*model_of(*script).vectors, 10);
+    ASSERT_TRUE(reached);
+    EXPECT_EQ(reached->wrong, "");
+    EXPECT_EQ(reached->transitions, 5U);
+}
+
 /// As `calder explore` counts them, and finds deadlocks.
 TEST(Columns, of_every_example_have_as_many_states_and_transitions) {
     unsigned compared = 0;
