@@ -23,9 +23,9 @@ class LeafEvents {
     };
 
     static constexpr StateSpace::StateNumber most_states = 1 << 16;
-    /// At states, for all pairs of events; half a second. A leaf of thousands of events has millions of
-    /// pairs.
-    static constexpr std::uint64_t most_looks = std::uint64_t{1} << 27;
+    /// At states, for all pairs of events: a leaf of thousands of events has millions of pairs. A look
+    /// costs some 5 ns, or 150 ns in a leaf that has no dense tables.
+    static constexpr std::uint64_t most_looks = std::uint64_t{1} << 25;
 
     Effect const& effect(StateSpace::Leaf const& leaf, std::uint32_t event_index);
     /// Whether some state comes to the same state by either event.
