@@ -1,6 +1,7 @@
 #include "pins/engine_model.h"
 
 #include <algorithm>
+#include <deque>
 #include <optional>
 #include <string>
 #include <utility>
@@ -18,6 +19,9 @@ std::size_t slots_of(VectorMachine const& machine) {
     return std::max(machine.columns().size(), least_slots);
 }
 
+/// The symbolic engine crashes without groups: a machine that does nothing gets one, which has no steps.
+constexpr std::size_t least_groups = 1;
+
 /// What the engine's model keeps for us.
 struct Context {
     explicit Context(CompiledScript of)
@@ -25,7 +29,9 @@ struct Context {
 
     CompiledScript compiled;
     VectorMachine const& machine;
-    VectorMachine::Scratch scratch{};
+    /// One for each call that has not returned yet.
+    std::deque<VectorMachine::Scratch> scratches{};
+    std::size_t calls = 0;
     /// The engine's numbers of the events, by their places.
     std::vector<int> labels{};
     /// Of the state label; read only where there is one.
@@ -35,6 +41,26 @@ struct Context {
 Context& context_of(model_t model) {
     return *static_cast<Context*>(GBgetContext(model));
 }
+
+/// What a call of the engine finds steps with. It may come while another one tells of its own: a property
+/// that asks whether an event is possible asks that of a successor as soon as it is told of it.
+class Call {
+  public:
+    explicit Call(Context& context) : m_context(context) {
+        if (m_context.calls == m_context.scratches.size()) {
+            m_context.scratches.emplace_back();
+        }
+        ++m_context.calls;
+    }
+    ~Call() { --m_context.calls; }
+    Call(Call const&) = delete;
+    Call& operator=(Call const&) = delete;
+
+    VectorMachine::Scratch& scratch() const { return m_context.scratches[m_context.calls - 1]; }
+
+  private:
+    Context& m_context;
+};
 
 /// Nothing is thrown through the engine's frames.
 template <typename Work> int guarded(Work const& work) noexcept {
@@ -79,7 +105,8 @@ int next_all(model_t model, int* state, TransitionCB tell, void* told) {
     Context& context = context_of(model);
     Receiver receiver{context, tell, told};
     return guarded([&] {
-        return context.machine.for_all_steps(state, context.scratch, receiver.long_taker());
+        Call const call(context);
+        return context.machine.for_all_steps(state, call.scratch(), receiver.long_taker());
     });
 }
 
@@ -92,10 +119,14 @@ using TakerOfGroup = VectorMachine::StepTaker (Receiver::*)();
 template <StepsOfGroup steps, TakerOfGroup taker>
 int next_of(model_t model, int group, int* state, TransitionCB tell, void* told) {
     Context& context = context_of(model);
+    auto const number = static_cast<std::size_t>(group);
+    if (number >= context.machine.groups().size()) {
+        return 0;
+    }
     Receiver receiver{context, tell, told};
     return guarded([&] {
-        return (context.machine.*steps)(static_cast<std::size_t>(group), state, context.scratch,
-                                        (receiver.*taker)());
+        Call const call(context);
+        return (context.machine.*steps)(number, state, call.scratch(), (receiver.*taker)());
     });
 }
 
@@ -122,7 +153,7 @@ using ColumnsOfGroup = std::vector<std::uint32_t> VectorMachine::Group::*;
 
 matrix_t* columns_of_groups(VectorMachine const& machine, ColumnsOfGroup columns) {
     auto const& groups = machine.groups();
-    matrix_t* const matrix = new_matrix(groups.size(), slots_of(machine));
+    matrix_t* const matrix = new_matrix(std::max(groups.size(), least_groups), slots_of(machine));
     for (std::size_t group = 0; group < groups.size(); ++group) {
         for (std::uint32_t const column : groups[group].*columns) {
             dm_set(matrix, static_cast<int>(group), static_cast<int>(column));

@@ -59,26 +59,33 @@ LeafEvents::Effect const& LeafEvents::effect(Leaf const& leaf, std::uint32_t eve
 }
 
 bool LeafEvents::may_meet(Leaf const& leaf, std::uint32_t left, std::uint32_t right) {
-    if (left == right || leaf.state_count() > most_states) {
+    if (left == right) {
         return true;
     }
-    auto const [place, is_new] =
-        m_meetings.try_emplace({&leaf, std::min(left, right), std::max(left, right)});
-    if (is_new) {
-        place->second = meet(leaf, left, right);
+    EventsOfLeaf const key{&leaf, std::min(left, right), std::max(left, right)};
+    auto const known = m_meetings.find(key);
+    if (known != m_meetings.end()) {
+        return known->second;
     }
-    return place->second;
+    return !may_look_through(leaf) || (m_meetings[key] = meet(leaf, left, right));
 }
 
 bool LeafEvents::may_follow(Leaf const& leaf, std::uint32_t event, std::uint32_t next) {
-    if (leaf.state_count() > most_states) {
-        return true;
+    EventsOfLeaf const key{&leaf, event, next};
+    auto const known = m_followers.find(key);
+    if (known != m_followers.end()) {
+        return known->second;
     }
-    auto const [place, is_new] = m_followers.try_emplace({&leaf, event, next});
-    if (is_new) {
-        place->second = follows(leaf, event, next);
+    return !may_look_through(leaf) || (m_followers[key] = follows(leaf, event, next));
+}
+
+/// For two events that were not asked for yet.
+bool LeafEvents::may_look_through(Leaf const& leaf) {
+    if (leaf.state_count() > most_states || m_looks >= most_looks) {
+        return false;
     }
-    return place->second;
+    m_looks += leaf.state_count();
+    return true;
 }
 
 } // namespace Calder::Pins

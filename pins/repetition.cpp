@@ -77,16 +77,17 @@ class Search {
     }
 
     /// Of two rules that may change nothing, wherever they take place, both may repeat the other. Of
-    /// more than `most_compared` that is taken to be so.
+    /// more than `most_compared` that is taken to be so: the first one too many joins all of them.
     void compare_with_idle(std::uint32_t rule) {
+        if (m_idle.size() > most_compared) {
+            join(rule, m_idle.front());
+            return;
+        }
         m_monitor.go_on(m_idle.size());
         for (std::uint32_t const other : m_idle) {
-            if (m_idle.size() > most_compared ||
+            if (m_idle.size() == most_compared ||
                 may_meet(m_rules.rules[rule], m_rules.rules[other])) {
                 join(rule, other);
-            }
-            if (m_idle.size() > most_compared) {
-                return;
             }
         }
     }

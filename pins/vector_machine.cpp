@@ -139,6 +139,9 @@ std::optional<std::vector<Word>> VectorMachine::Impl::words_of(std::span<int con
     }
     StateSpace::ConfigurationNumber const whole = m_sections.whole(configurations);
     m_tables.make_first(monitor);
+    if (m_tables.is_static() && whole != m_tables.configurations().start()) {
+        return std::nullopt; // the rest of the machine never lets a part of it come there
+    }
     m_tables.table(whole, monitor);
     std::vector<Word> words = m_tables.start();
     if (!m_tables.is_static()) {

@@ -48,7 +48,8 @@ class VectorMachine {
         std::vector<std::uint32_t> writes;
     };
 
-    /// The storage of one caller, which is kept from call to call.
+    /// The storage of one caller, which is kept from call to call. Whoever asks for steps while he is
+    /// told of others has another one for that.
     class Scratch {
       public:
         Scratch();

@@ -150,6 +150,17 @@ TEST(Columns, are_touched_by_no_more_groups_than_need_be) {
     }
 }
 
+/// Of so many that change nothing, not every two are compared: here one waits for another configuration
+/// than all others.
+TEST(Columns, have_each_step_once_however_many_do_the_same) {
+    auto const script = script_of("channel a, b, go P = a -> P [] b -> STOP "
+                                  "Q = P /\\ go -> ((||| i : {1..300} @ P) [|{b}|] STOP)");
+    auto const reached = explore_vectors(*model_of(*script).vectors, 10);
+    ASSERT_TRUE(reached);
+    EXPECT_EQ(reached->wrong, "");
+    EXPECT_EQ(reached->transitions, 5U);
+}
+
 /// As `calder explore` counts them, and finds deadlocks.
 TEST(Columns, of_every_example_have_as_many_states_and_transitions) {
     unsigned compared = 0;
@@ -173,6 +184,31 @@ TEST(Columns, of_every_example_have_as_many_states_and_transitions) {
         ++compared;
     }
     EXPECT_GT(compared, 10U);
+}
+
+TEST(Columns, stand_for_states_of_the_machine_alone) {
+    struct WordsRow {
+        char const* what;
+        State state;
+        bool is_one;
+    };
+    WordsRow const states[] = {
+        {"the start", {0, 0, 0, 0}, true},
+        {"too few columns", {0, 0, 0}, false},
+        {"a number below all", {0, -1, 0, 0}, false},
+        {"a state that the leaf does not have", {0, 1, 0, 0}, false},
+        {"a configuration that there is not", {2, 0, 0, 0}, false},
+        {"a column that is not used in the configuration", {0, 0, 1, 0}, false},
+        {"a configuration that the rest of the machine never allows", {1, 0, 0, 0}, false},
+    };
+    auto const script = script_of("channel a, b, go P = a -> P "
+                                  "Q = (P /\\ go -> (P ||| b -> P)) [|{go}|] STOP");
+    Model const model = model_of(*script);
+    StateSpace::ExplorationOptions const unbounded;
+    StateSpace::SearchMonitor monitor(unbounded, StateSpace::SearchMonitor::longest_for_machines);
+    for (auto const& [what, state, is_one] : states) {
+        EXPECT_EQ(model.vectors->words_of(state, monitor).has_value(), is_one) << what;
+    }
 }
 
 std::string refusal_of(char const* text) {
