@@ -185,6 +185,36 @@ std::string refusal_of(char const* text) {
     return "";
 }
 
+/// Of 2^64 steps none would be left of a product that has 64 bits, and that would be a deadlock.
+TEST(Columns, a_state_of_more_steps_than_can_be_counted_is_refused) {
+    struct Case {
+        char const* what;
+        char const* script;
+        bool is_refused;
+    };
+    std::string const process = "channel a, b P = a -> P [] a -> STOP ";
+    Case const cases[] = {
+        {"2^8", "Q = [|{a}|] i : {1..8} @ P", false},
+        {"2^31", "Q = [|{a}|] i : {1..31} @ P", true},
+        {"2^64", "Q = [|{a}|] i : {1..64} @ P", true},
+        {"none, since one cannot", "Q = ([|{a}|] i : {1..64} @ P) [|{a}|] b -> a -> STOP", false},
+    };
+    for (Case const& row : cases) {
+        auto const script = script_of(process + row.script);
+        Model const model = model_of(*script);
+        VectorMachine::Scratch scratch;
+        State const state = model.vectors->start();
+        TakenSteps taken{{}, {}, state.size()};
+        bool is_refused = false;
+        try {
+            model.vectors->for_all_steps(state.data(), scratch, take_into(taken));
+        } catch (StateSpace::MachineRefusal const&) {
+            is_refused = true;
+        }
+        EXPECT_EQ(is_refused, row.is_refused) << row.what;
+    }
+}
+
 TEST(Columns, there_is_a_reason_where_there_are_none) {
     EXPECT_EQ(
         refusal_of("channel a P = a -> (P ||| SKIP)"),
