@@ -1,5 +1,7 @@
 #include "pins/engine_model.h"
 
+#include "process_compiler/event_numbers.h"
+
 #include <algorithm>
 #include <optional>
 #include <string>
@@ -13,6 +15,10 @@ namespace {
 /// The distributed engine takes no vectors that are shorter: a machine of one column gets a slot more,
 /// which is always 0.
 constexpr std::size_t least_slots = 2;
+
+/// The symbolic engine breaks down, or finds no deadlock, where there are none: a machine that can do
+/// nothing gets a group that touches nothing and has no steps.
+constexpr std::size_t least_groups = 1;
 
 std::size_t slots_of(VectorMachine const& machine) {
     return std::max(machine.columns().size(), least_slots);
@@ -92,6 +98,9 @@ using TakerOfGroup = VectorMachine::StepTaker (Receiver::*)();
 template <StepsOfGroup steps, TakerOfGroup taker>
 int next_of(model_t model, int group, int* state, TransitionCB tell, void* told) {
     Context& context = context_of(model);
+    if (context.machine.groups().empty()) {
+        return 0;
+    }
     Receiver receiver{context, tell, told};
     return guarded([&] {
         return (context.machine.*steps)(static_cast<std::size_t>(group), state, context.scratch,
@@ -122,7 +131,7 @@ using ColumnsOfGroup = std::vector<std::uint32_t> VectorMachine::Group::*;
 
 matrix_t* columns_of_groups(VectorMachine const& machine, ColumnsOfGroup columns) {
     auto const& groups = machine.groups();
-    matrix_t* const matrix = new_matrix(groups.size(), slots_of(machine));
+    matrix_t* const matrix = new_matrix(std::max(groups.size(), least_groups), slots_of(machine));
     for (std::size_t group = 0; group < groups.size(); ++group) {
         for (std::uint32_t const column : groups[group].*columns) {
             dm_set(matrix, static_cast<int>(group), static_cast<int>(column));
@@ -168,10 +177,14 @@ std::vector<int> put_events(model_t model, VectorMachine const& machine,
     int const type = lts_type_get_edge_label_typeno(GBgetLTStype(model), 0);
     std::vector<int> numbers;
     numbers.reserve(machine.events().size());
+    auto const put = [&](std::string name) {
+        return pins_chunk_put(model, type, {static_cast<chunk_len>(name.size()), name.data()});
+    };
     for (unsigned const event : machine.events()) {
-        std::string name = session.event_object(event)->name();
-        numbers.push_back(
-            pins_chunk_put(model, type, {static_cast<chunk_len>(name.size()), name.data()}));
+        numbers.push_back(put(session.event_object(event)->name()));
+    }
+    if (numbers.empty()) { // engines that write files take an empty table of names for an error
+        put(session.event_object(ProcessCompiler::tau)->name());
     }
     return numbers;
 }
