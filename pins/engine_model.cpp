@@ -1,5 +1,7 @@
 #include "pins/engine_model.h"
 
+#include "process_compiler/event_numbers.h"
+
 #include <algorithm>
 #include <deque>
 #include <optional>
@@ -15,12 +17,13 @@ namespace {
 /// which is always 0.
 constexpr std::size_t least_slots = 2;
 
+/// The symbolic engine breaks down, or finds no deadlock, where there are none: a machine that can do
+/// nothing gets a group that touches nothing and has no steps.
+constexpr std::size_t least_groups = 1;
+
 std::size_t slots_of(VectorMachine const& machine) {
     return std::max(machine.columns().size(), least_slots);
 }
-
-/// The symbolic engine crashes without groups: a machine that does nothing gets one, which has no steps.
-constexpr std::size_t least_groups = 1;
 
 /// What the engine's model keeps for us.
 struct Context {
@@ -199,10 +202,14 @@ std::vector<int> put_events(model_t model, VectorMachine const& machine,
     int const type = lts_type_get_edge_label_typeno(GBgetLTStype(model), 0);
     std::vector<int> numbers;
     numbers.reserve(machine.events().size());
+    auto const put = [&](std::string name) {
+        return pins_chunk_put(model, type, {static_cast<chunk_len>(name.size()), name.data()});
+    };
     for (unsigned const event : machine.events()) {
-        std::string name = session.event_object(event)->name();
-        numbers.push_back(
-            pins_chunk_put(model, type, {static_cast<chunk_len>(name.size()), name.data()}));
+        numbers.push_back(put(session.event_object(event)->name()));
+    }
+    if (numbers.empty()) { // engines that write files take an empty table of names for an error
+        put(session.event_object(ProcessCompiler::tau)->name());
     }
     return numbers;
 }

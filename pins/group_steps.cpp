@@ -1,9 +1,11 @@
 #include "pins/group_steps.h"
 
+#include "state_space/machine/machine_refusal.h"
 #include "state_space/mix.h"
 
 #include <algorithm>
 #include <bit>
+#include <limits>
 #include <unordered_set>
 
 namespace Calder::Pins {
@@ -20,6 +22,14 @@ constexpr std::size_t block_size = 64;
 
 /// Columns of more values do not filter: the tables would cost more than the lookups that they save.
 constexpr std::uint32_t most_filtering_values = 1 << 12;
+
+/// Of one rule in one state: engines count the steps of a state as `int`.
+constexpr std::size_t most_choices = std::numeric_limits<int>::max();
+
+/// `most_choices` + 1 stands for all that are more.
+std::size_t product(std::size_t left, std::size_t right) {
+    return right != 0 && left > most_choices / right ? most_choices + 1 : left * right;
+}
 
 std::uint32_t place_in(std::vector<std::uint32_t> const& columns, std::uint32_t column) {
     auto const found = std::lower_bound(columns.begin(), columns.end(), column);
@@ -265,7 +275,10 @@ template <Form form, typename Tell> int GroupSteps::fire_choices(Rule const& rul
             return 0; // of another configuration
         }
         storage.choices.push_back(taker.leaf->successors(before, taker.event_index));
-        count *= storage.choices.back().size();
+        count = product(count, storage.choices.back().size());
+    }
+    if (count > most_choices) {
+        throw StateSpace::MachineRefusal("a state has more steps than can be counted");
     }
     storage.chosen.resize(storage.choices.size());
     int* const successor = storage.successor.data();

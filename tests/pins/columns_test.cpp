@@ -138,6 +138,39 @@ Row const rows[] = {
      "stop (configuration0) -> (configuration0 leaf0 leaf1)\n"
      "a b (configuration0 leaf1) -> (leaf1)\n"
      "a b (configuration0 leaf1) -> (leaf1)\n"},
+    {"who only looks on while the formats change is not touched",
+     "channel a, b, c P = a -> b -> P Q = (P ||| P) [] c -> STOP",
+     "configuration0 leaf0 leaf1 leaf2\n"
+     "a (configuration0 leaf0) -> (configuration0 leaf0 leaf2)\n"
+     "a (configuration0 leaf1) -> (configuration0 leaf1 leaf2)\n"
+     "a b (configuration0 leaf0) -> (leaf0)\n"
+     "a b (configuration0 leaf1) -> (leaf1)\n"
+     "c (configuration0 leaf2) -> (configuration0 leaf0 leaf1 leaf2)\n"
+     "(configuration0 leaf2) -> (leaf2)\n"},
+    {"nor is a column in which nobody ran before or runs afterwards",
+     "channel a, b, c, d P = (a -> SKIP ||| b -> SKIP) ; c -> d -> P",
+     "configuration0 leaf0 leaf1\n"
+     "tau (configuration0 leaf0 leaf1) -> (configuration0 leaf0 leaf1)\n"
+     "a (configuration0 leaf0) -> (leaf0)\n"
+     "b (configuration0 leaf1) -> (leaf1)\n"
+     "c (configuration0) -> (configuration0)\n"
+     "d (configuration0) -> (configuration0)\n"},
+    {"what cannot follow the end in its configuration does not take it back",
+     "channel a, b, c P = (a -> SKIP ||| b -> SKIP) ; c -> SKIP",
+     "configuration0 leaf0 leaf1 ended\n"
+     "tau (configuration0 leaf0 leaf1) -> (configuration0 leaf0 leaf1)\n"
+     "tick (configuration0 leaf0) -> (leaf0 ended)\n"
+     "a (configuration0 leaf0) -> (leaf0)\n"
+     "b (configuration0 leaf1) -> (leaf1)\n"
+     "c (configuration0 leaf0) -> (leaf0)\n"},
+    {"nor what waits for another configuration than the end leads to",
+     "channel a, b, c P = (a -> SKIP ||| b -> SKIP) /\\ c -> STOP",
+     "configuration0 leaf0 leaf1 leaf2 ended\n"
+     "tick (configuration0 leaf0 leaf1) -> (configuration0 leaf0 leaf1 leaf2 ended)\n"
+     "a (configuration0 leaf0) -> (leaf0)\n"
+     "b (configuration0 leaf1) -> (leaf1)\n"
+     "c (configuration0 leaf2) -> (configuration0 leaf0 leaf1 leaf2)\n"
+     "(configuration0 leaf2) -> (leaf2)\n"},
     {"a process that can do nothing at all still has a column",
      "channel a P = STOP [|{a}|] STOP",
      "leaf0 leaf1\n"},
@@ -219,6 +252,36 @@ std::string refusal_of(char const* text) {
         return refusal.what();
     }
     return "";
+}
+
+/// Of 2^64 steps none would be left of a product that has 64 bits, and that would be a deadlock.
+TEST(Columns, a_state_of_more_steps_than_can_be_counted_is_refused) {
+    struct Case {
+        char const* what;
+        char const* script;
+        bool is_refused;
+    };
+    std::string const process = "channel a, b P = a -> P [] a -> STOP ";
+    Case const cases[] = {
+        {"2^8", "Q = [|{a}|] i : {1..8} @ P", false},
+        {"2^31", "Q = [|{a}|] i : {1..31} @ P", true},
+        {"2^64", "Q = [|{a}|] i : {1..64} @ P", true},
+        {"none, since one cannot", "Q = ([|{a}|] i : {1..64} @ P) [|{a}|] b -> a -> STOP", false},
+    };
+    for (Case const& row : cases) {
+        auto const script = script_of(process + row.script);
+        Model const model = model_of(*script);
+        VectorMachine::Scratch scratch;
+        State const state = model.vectors->start();
+        TakenSteps taken{{}, {}, state.size()};
+        bool is_refused = false;
+        try {
+            model.vectors->for_all_steps(state.data(), scratch, take_into(taken));
+        } catch (StateSpace::MachineRefusal const&) {
+            is_refused = true;
+        }
+        EXPECT_EQ(is_refused, row.is_refused) << row.what;
+    }
 }
 
 TEST(Columns, there_is_a_reason_where_there_are_none) {
