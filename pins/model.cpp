@@ -3,6 +3,8 @@
 #include "state_space/machine/machine_exploration.h"
 #include "state_space/machine/machine_refusal.h"
 
+#include <fmt/core.h>
+
 #include <string>
 
 namespace Calder::Pins {
@@ -40,7 +42,10 @@ std::unique_ptr<Machine const> explored(ProcessPointer const& start,
         throw StateSpace::SearchEnded();
     }
     if (exploration.outcome != StateSpace::Outcome::complete) {
-        std::string const reason = "term by term, " + std::string(describe(exploration.outcome));
+        std::string const reason =
+            exploration.outcome == StateSpace::Outcome::state_limit
+                ? fmt::format("term by term it has more than {} states", options.max_states)
+                : fmt::format("term by term, {}", describe(exploration.outcome));
         throw MachineRefusal(refusal.empty() ? reason : refusal + "; " + reason);
     }
     return machine_of_one_leaf(start, exploration.lts);

@@ -227,6 +227,9 @@ void TraceRows::read_columns(TraceLine const& head, std::vector<std::string> con
                            fmt::format("the column '{}' stands here again", name));
         }
     }
+    if (auto const found = places.find(event_column); found != places.end()) {
+        m_event_place = found->second;
+    }
     std::unordered_set<std::string_view> stems;
     for (std::string const& column : columns) {
         auto const found = places.find(column);
@@ -246,9 +249,6 @@ void TraceRows::read_columns(TraceLine const& head, std::vector<std::string> con
                                    fmt::format("a trace of this process has no column '{}'", name));
         }
     }
-    if (auto const found = places.find(event_column); found != places.end()) {
-        m_event_place = found->second;
-    }
 }
 
 /// Of those wanted, this one is the first that is missing.
@@ -258,7 +258,7 @@ void TraceRows::refuse_columns(TraceLine const& head, std::string const& column)
                        "the columns have commas between them; ltsmin-printtrace writes these "
                        "without another --csv-separator");
     }
-    if (m_places.empty()) {
+    if (m_places.empty() && !m_event_place) { // a column of events is one of a trace
         throw error_at(head, head.fields[0],
                        fmt::format("a trace begins with its columns, '{}' among them; {}", column,
                                    how_to_write));

@@ -66,8 +66,8 @@ TEST(CompiledScript, TellsWhatIsWrongAsTheCommandDoes) {
                 "                                     ^~~\n"
                 "  in COUNT(3), called at --process:1:1\n"},
         {{ends, "UP(0)", {}, {}},
-         "calder: UP(0) cannot be compiled for an engine of vectors: term by term, the limit on "
-         "states was reached\n"},
+         "calder: UP(0) cannot be compiled for an engine of vectors: term by term it has "
+         "more than 1000000 states\n"},
     };
     for (Row const& row : rows) {
         EXPECT_EQ(answer(row.wanted), row.words);

@@ -147,6 +147,8 @@ TEST(TraceRows, TellsWhatIsWrongAndWhere) {
         {"state 0/5\n", "1:1+9: a trace begins with its columns, 'leaf0' among them"},
         {"leaf0:n;leaf1:n;action:a\n", "1:1+24: the columns have commas between them"},
         {"leaf0:n, leaf1:n,action:a\n", "1:1+7: the columns have commas between them"},
+        {"configuration0:n,leaf1:n,action:a\n",
+         "1:1+16: a trace of this process has a column 'leaf0'"},
         {"leaf0:n,action:a\n", "1:1+7: a trace of this process has a column 'leaf1'"},
         {"leaf0:n,leaf1:n,leaf2:n\n", "1:17+7: a trace of this process has no column 'leaf2'"},
         {"leaf0:n,leaf0:n,leaf1:n\n", "1:9+7: the column 'leaf0' stands here again"},
