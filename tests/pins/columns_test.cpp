@@ -141,35 +141,35 @@ Row const rows[] = {
     {"who only looks on while the formats change is not touched",
      "channel a, b, c P = a -> b -> P Q = (P ||| P) [] c -> STOP",
      "configuration0 leaf0 leaf1 leaf2\n"
-     "a (configuration0 leaf0) -> (configuration0 leaf0 leaf2)\n"
-     "a (configuration0 leaf1) -> (configuration0 leaf1 leaf2)\n"
      "a b (configuration0 leaf0) -> (leaf0)\n"
-     "a b (configuration0 leaf1) -> (leaf1)\n"
      "c (configuration0 leaf2) -> (configuration0 leaf0 leaf1 leaf2)\n"
+     "a (configuration0 leaf0) -> (configuration0 leaf0 leaf2)\n"
+     "a b (configuration0 leaf1) -> (leaf1)\n"
+     "a (configuration0 leaf1) -> (configuration0 leaf1 leaf2)\n"
      "(configuration0 leaf2) -> (leaf2)\n"},
     {"nor is a column in which nobody ran before or runs afterwards",
      "channel a, b, c, d P = (a -> SKIP ||| b -> SKIP) ; c -> d -> P",
      "configuration0 leaf0 leaf1\n"
-     "tau (configuration0 leaf0 leaf1) -> (configuration0 leaf0 leaf1)\n"
-     "a (configuration0 leaf0) -> (leaf0)\n"
-     "b (configuration0 leaf1) -> (leaf1)\n"
      "c (configuration0) -> (configuration0)\n"
-     "d (configuration0) -> (configuration0)\n"},
+     "d (configuration0) -> (configuration0)\n"
+     "a (configuration0 leaf0) -> (leaf0)\n"
+     "tau (configuration0 leaf0 leaf1) -> (configuration0 leaf0 leaf1)\n"
+     "b (configuration0 leaf1) -> (leaf1)\n"},
     {"what cannot follow the end in its configuration does not take it back",
      "channel a, b, c P = (a -> SKIP ||| b -> SKIP) ; c -> SKIP",
      "configuration0 leaf0 leaf1 ended\n"
+     "a (configuration0 leaf0) -> (leaf0)\n"
+     "c (configuration0 leaf0) -> (leaf0)\n"
      "tau (configuration0 leaf0 leaf1) -> (configuration0 leaf0 leaf1)\n"
      "tick (configuration0 leaf0) -> (leaf0 ended)\n"
-     "a (configuration0 leaf0) -> (leaf0)\n"
-     "b (configuration0 leaf1) -> (leaf1)\n"
-     "c (configuration0 leaf0) -> (leaf0)\n"},
+     "b (configuration0 leaf1) -> (leaf1)\n"},
     {"nor what waits for another configuration than the end leads to",
      "channel a, b, c P = (a -> SKIP ||| b -> SKIP) /\\ c -> STOP",
      "configuration0 leaf0 leaf1 leaf2 ended\n"
-     "tick (configuration0 leaf0 leaf1) -> (configuration0 leaf0 leaf1 leaf2 ended)\n"
      "a (configuration0 leaf0) -> (leaf0)\n"
-     "b (configuration0 leaf1) -> (leaf1)\n"
      "c (configuration0 leaf2) -> (configuration0 leaf0 leaf1 leaf2)\n"
+     "tick (configuration0 leaf0 leaf1) -> (configuration0 leaf0 leaf1 leaf2 ended)\n"
+     "b (configuration0 leaf1) -> (leaf1)\n"
      "(configuration0 leaf2) -> (leaf2)\n"},
     {"a process that can do nothing at all still has a column",
      "channel a P = STOP [|{a}|] STOP",
