@@ -137,8 +137,8 @@ Oracle::Model model_of_seed(std::uint64_t seed) {
 
 TEST(VectorsOfRandomModels, do_step_by_step_what_the_machine_does) {
     expect_no_difference(
-        8'000, model_of_seed,
-        [](Oracle::Model const& model) { return compare(model).difference; }, 4);
+        8'000, model_of_seed, [](Oracle::Model const& model) { return compare(model).difference; },
+        4);
 }
 
 /// So that the comparison does not pass for lack of anything to compare.
