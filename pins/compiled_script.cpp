@@ -37,7 +37,7 @@ std::string words_of_current_exception() {
     } catch (Script::ScriptError const& error) {
         return error.what();
     } catch (std::bad_alloc const&) {
-        return "calder: out of memory\n";
+        return out_of_memory_words;
     } catch (std::exception const& error) {
         return fmt::format("calder: {}\n", error.what());
     }

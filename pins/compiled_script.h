@@ -19,6 +19,9 @@ struct CompiledScript {
 /// that there is. Throws what `words_of_current_exception` has words for.
 [[nodiscard]] CompiledScript compile_script(Script::ScriptFile const& wanted);
 
+/// For whom there is no memory left to make words in.
+inline constexpr char const* out_of_memory_words = "calder: out of memory\n";
+
 /// What people are told of the exception that is being handled, with its line ends: the errors of a
 /// script at their places, of anything else a line, both as the command has them.
 [[nodiscard]] std::string words_of_current_exception();

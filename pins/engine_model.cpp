@@ -254,8 +254,12 @@ void hand_over(model_t model, CompiledScript compiled) {
 }
 
 void end_with_current_exception() noexcept {
-    std::string const words = words_of_current_exception();
-    std::fwrite(words.data(), 1, words.size(), stderr);
+    try {
+        std::string const words = words_of_current_exception();
+        std::fwrite(words.data(), 1, words.size(), stderr);
+    } catch (std::bad_alloc const&) {
+        std::fputs(out_of_memory_words, stderr);
+    }
     std::fflush(stderr);
     ltsmin_abort(LTSMIN_EXIT_FAILURE);
 }

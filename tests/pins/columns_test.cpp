@@ -105,6 +105,12 @@ Row const rows[] = {
      "leaf0 leaf1\n"
      "c (leaf0) -> (leaf0)\n"
      "tau (leaf0 leaf1) -> (leaf0 leaf1)\n"},
+    {"what two events do to the same end is two steps, though either is told once",
+     "channel a, b, c, d P = a -> STOP [] b -> STOP [] c -> STOP [] d -> STOP "
+     "Q = (P ||| P)[[b <- a, d <- c]]",
+     "leaf0 leaf1\n"
+     "a c (leaf0) -> (leaf0)\n"
+     "a c (leaf1) -> (leaf1)\n"},
     {"the end has a column, which the last steps alone write",
      "channel a P = a -> SKIP Q = P ||| P",
      "leaf0 leaf1 ended\n"
