@@ -17,7 +17,8 @@ if(CALDER_LTSMIN)
   find_path(LTSmin_INCLUDE_DIR ltsmin/dlopen-api.h
             PATHS ${CALDER_LTSMIN}/include NO_DEFAULT_PATH NO_CACHE)
   if(NOT LTSmin_INCLUDE_DIR)
-    message(FATAL_ERROR "CALDER_LTSMIN is ${CALDER_LTSMIN}, which has no include/ltsmin/dlopen-api.h")
+    message(FATAL_ERROR "CALDER_LTSMIN is ${CALDER_LTSMIN}, which has no include/ltsmin/dlopen-api.h "
+                        "(`CALDER_LTSMIN= scripts/build` looks for one again)")
   endif()
 elseif(CALDER_LTSMIN STREQUAL "")
   find_package(PkgConfig QUIET)
