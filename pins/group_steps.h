@@ -34,7 +34,7 @@ struct StepStorage {
 /// takes them back after it was told.
 class GroupSteps {
   public:
-    /// `touched` has the columns of each group; `value_counts` how many values each column can have.
+    /// `described` has the columns of each group, `value_counts` how many values each column can have.
     GroupSteps(ColumnRules const& rules, Groups const& groups,
                std::vector<VectorMachine::Group> const& described,
                std::vector<unsigned> const& events, std::vector<std::uint32_t> value_counts,

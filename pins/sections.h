@@ -26,8 +26,12 @@ struct SectionShape {
     };
 
     [[nodiscard]] bool changes() const noexcept { return configurations.size() > 1; }
+
+    /// By number.
     std::vector<Configuration> configurations;
-    std::unordered_map<StateSpace::ConfigurationNumber, std::uint32_t> numbers; // where they stand
+    /// By the machine's own numbers: where they stand.
+    std::unordered_map<StateSpace::ConfigurationNumber, std::uint32_t> numbers;
+    /// How many leaves run at a time at most, and more where one would have to change its column.
     std::uint32_t leaf_columns = 0;
 };
 
