@@ -291,9 +291,13 @@ TEST(Columns, a_state_of_more_steps_than_can_be_counted_is_refused) {
 }
 
 TEST(Columns, there_is_a_reason_where_there_are_none) {
-    EXPECT_EQ(refusal_of("channel a P = a -> (P ||| SKIP)"),
-              "it comes back inside arguments that do not allow recursion; term by term it has "
-              "more than 5000 states");
+    // Which of the two comes first depends on how much stack the build takes for a level.
+    std::string const by_terms =
+        "it comes back inside arguments that do not allow recursion; term by term";
+    std::string const reason = refusal_of("channel a P = a -> (P ||| SKIP)");
+    EXPECT_TRUE(reason == by_terms + " it has more than 5000 states" ||
+                reason == by_terms + ", the process nests too deeply for the stack")
+        << reason;
     EXPECT_EQ(refusal_of("channel a "
                          "P(n) = if n == 5000 then STOP else (a -> SKIP ||| a -> SKIP) ; P(n + 1) "
                          "Q = P(0)"),
