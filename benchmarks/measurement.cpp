@@ -1,7 +1,7 @@
 #include "benchmarks/measurement.h"
 
 #include "state_space/machine/run/configuration_tables.h"
-#include "state_space/machine/run/visited_states.h"
+#include "state_space/machine/run/reached_states.h"
 
 #include <algorithm>
 #include <cstdlib>

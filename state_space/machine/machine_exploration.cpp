@@ -1,8 +1,8 @@
 #include "state_space/machine/machine_exploration.h"
 
 #include "state_space/machine/machine_refusal.h"
+#include "state_space/machine/run/reached_states.h"
 #include "state_space/machine/run/run.h"
-#include "state_space/machine/run/visited_states.h"
 #include "state_space/memory.h"
 
 #include <algorithm>
@@ -140,17 +140,17 @@ std::size_t configurations_met(MachineExploration const& exploration) {
 
 std::vector<std::uint32_t> leaves_in(MachineExploration const& exploration, StateNumber state) {
     ConfigurationTables const& tables = *exploration.tables;
-    return tables.leaves(tables.configuration_of(exploration.run.states->words(state)));
+    return tables.leaves(tables.configuration_of(exploration.run.states->first_word(state)));
 }
 
 std::vector<std::uint32_t> slots_taking_part(MachineExploration const& exploration,
                                              StateNumber source, unsigned event,
                                              StateNumber target) {
-    VisitedStates const& states = *exploration.run.states;
-    Word const* const words = states.words(source);
-    std::vector<Word> const wanted(states.words(target), states.words(target) + states.width());
-    ConfigurationNumber const configuration = exploration.tables->configuration_of(words);
-    auto const rule = exploration.tables->table(configuration).rule_between(words, event, wanted);
+    ReachedStates const& states = *exploration.run.states;
+    ConfigurationNumber const configuration =
+        exploration.tables->configuration_of(states.first_word(source));
+    auto const rule = exploration.tables->table(configuration)
+                          .rule_between(states.words(source).data(), event, states.words(target));
     std::vector<std::uint32_t> slots;
     if (rule) {
         FlatRules const& flat = exploration.tables->rules(configuration);

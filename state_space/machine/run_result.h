@@ -8,7 +8,7 @@
 
 namespace Calder::StateSpace {
 
-class VisitedStates;
+class ReachedStates;
 
 /// The limits of a run, and what it keeps.
 struct RunOptions : ExplorationOptions {
@@ -33,7 +33,7 @@ struct Run {
     /// Why the machine cannot be run, a part of a sentence; empty when it can.
     std::string refusal{};
     /// What the numbers of the states stand for.
-    std::shared_ptr<VisitedStates const> states{};
+    std::shared_ptr<ReachedStates const> states{};
 };
 
 /// What an exploration term by term found, in the same form.

@@ -102,6 +102,10 @@ class alignas(64) Bucket {
                                      std::memory_order_relaxed);
     }
     /// For who locked it with this head.
+    void unlock(Head head) noexcept {
+        std::atomic_ref(m_head.high).store(head.high, std::memory_order_release);
+    }
+    /// The same, with one number more.
     void append_and_unlock(Head head, StateNumber number, std::uint8_t tag) noexcept {
         Head const longer = with(head, tag);
         std::atomic_ref(m_numbers[head.count()]).store(number, std::memory_order_relaxed);

@@ -33,8 +33,11 @@ class CALDER_STATE_SPACE_EXPORT ConfigurationTables {
     /// The state in which the machine starts, `width` words long.
     [[nodiscard]] std::vector<Word> start() const;
 
+    [[nodiscard]] ConfigurationNumber configuration_of(Word first_word) const noexcept {
+        return m_is_static ? m_start : static_cast<ConfigurationNumber>(first_word & 0xFFFFFFFF);
+    }
     [[nodiscard]] ConfigurationNumber configuration_of(Word const* state) const noexcept {
-        return m_is_static ? m_start : static_cast<ConfigurationNumber>(*state & 0xFFFFFFFF);
+        return configuration_of(*state);
     }
 
     /// The table for the configuration, which is made if it is new; then `width` may have grown.

@@ -11,14 +11,24 @@ namespace Calder::StateSpace {
 /// Bits of a machine's state: one word of 64 after another.
 using Word = std::uint64_t;
 
-/// Most states are one word; asking the library to copy it would cost more than the copy.
+/// @{
+/// They are few: asking the library would cost more than the work.
 inline void copy_words(Word const* from, Word* to, std::uint32_t width) noexcept {
-    if (width == 1) {
-        *to = *from;
-    } else {
-        std::copy_n(from, width, to);
+    *to = *from;
+    for (std::uint32_t i = 1; i < width; ++i) {
+        to[i] = from[i];
     }
 }
+[[nodiscard]] inline bool are_equal_words(Word const* left, Word const* right,
+                                          std::uint32_t width) noexcept {
+    for (std::uint32_t i = 0; i < width; ++i) {
+        if (left[i] != right[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+/// @}
 
 /// How the states of a configuration's slots are packed into words: each slot has the bits that its
 /// leaf's states need, no slot crosses from one word into the next, and what is left over is

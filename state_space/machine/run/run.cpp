@@ -2,7 +2,6 @@
 
 #include "state_space/machine/machine_refusal.h"
 #include "state_space/machine/run/shared_round.h"
-#include "state_space/machine/run/visited_states.h"
 
 #include <algorithm>
 #include <new>
@@ -56,6 +55,7 @@ class Runner {
     void make_tables(StateNumber first, StateNumber last);
     std::uint64_t sources_wanted() const;
     std::uint64_t additions_of(std::uint64_t jobs) const;
+    std::uint64_t nodes_of(std::uint64_t additions) const;
     std::uint64_t round_bytes(std::uint64_t jobs, std::uint64_t additions) const;
     std::size_t most_steps() const;
     void count_explored(StateNumber count);
@@ -65,7 +65,8 @@ class Runner {
     RunOptions const& m_options;
     Cut const m_cut;
     SearchMonitor m_monitor{m_options, SearchMonitor::longest_for_machines};
-    std::shared_ptr<VisitedStates> m_states = std::make_shared<VisitedStates>(1);
+    std::shared_ptr<ReachedStates> m_states =
+        std::make_shared<ReachedStates>(m_cut.most_plain_words);
     FoundRows m_rows{m_options.keep_transitions};
     SearchJob m_job;
     LookingAhead<VisitedStates> m_ahead;
@@ -89,37 +90,31 @@ bool Runner::add_start() {
     m_tables.make_first(m_monitor);
     m_states->widen(m_tables.width());
     std::vector<Word> const words = m_tables.start();
-    m_states->make_room(1);
-    std::uint64_t const hash = VisitedStates::hash(words.data(), m_states->width());
-    return m_states->find_or_add(words.data(), hash, m_options.max_states) != no_state ||
+    return m_states->find_or_add(words.data(), m_options.max_states) != no_state ||
            m_monitor.stop(Outcome::state_limit);
 }
 
 bool Runner::explore_job() {
     fill_job();
     m_job.search();
-    if (m_job.steps().width() < m_states->width()) {
-        m_job.widen(m_states->width());
-    }
     return take_job();
 }
 
 /// A table that is made on the way may need wider states: the job ends before such a state.
 void Runner::fill_job() {
     std::uint64_t const wanted = sources_wanted();
-    m_job.clear(m_states->width(), most_steps());
+    m_job.clear(*m_states, most_steps());
     for (StateNumber state = m_explored; state < m_states->size() && m_job.source_count() < wanted;
          ++state) {
         SuccessorTable const& table =
-            m_tables.table(m_tables.configuration_of(m_states->words(state)), m_monitor);
+            m_tables.table(m_tables.configuration_of(m_states->first_word(state)), m_monitor);
         if (m_tables.width() > m_states->width()) {
-            m_states->widen(m_tables.width());
             if (m_job.source_count() > 0) {
                 return;
             }
-            m_job.clear(m_states->width(), most_steps());
+            m_states->widen(m_tables.width());
         }
-        m_job.add_source(m_states->words(state), table);
+        m_job.add_source(state, table);
     }
 }
 
@@ -141,14 +136,15 @@ std::size_t Runner::most_steps() const {
 
 bool Runner::take_job() {
     Steps const& steps = m_job.steps();
-    m_states->make_room(steps.size());
-    m_ahead.begin(*m_states, m_job);
+    VisitedStates& states = m_states->kept();
+    states.make_room(steps.size());
+    m_ahead.begin(states, m_job);
     auto const target_of = [&](std::size_t step) { // no_state when it is one too many
-        StateNumber const likely = m_ahead.likely_target(*m_states, m_job, step);
+        StateNumber const likely = m_ahead.likely_target(states, m_job, step);
         Word const* const words = steps.words(step);
-        return likely != no_state && m_states->is_state(likely, words)
+        return likely != no_state && states.is_state(likely, words)
                    ? likely
-                   : m_states->find_or_add(words, m_job.hash(step), m_options.max_states);
+                   : states.find_or_add(words, m_job.hash(step), m_options.max_states);
     };
     std::size_t first = 0;
     for (std::size_t source = 0; source < m_job.source_count(); ++source) {
@@ -187,9 +183,12 @@ std::optional<SharedRound::Size> Runner::next_round() {
         round_bytes(jobs, additions) > m_monitor.memory_left()) {
         return std::nullopt;
     }
-    return SharedRound::Size{m_explored, static_cast<StateNumber>(last),
-                             static_cast<StateNumber>(sources), most_steps() / m_options.threads,
-                             static_cast<std::size_t>(additions)};
+    return SharedRound::Size{m_explored,
+                             static_cast<StateNumber>(last),
+                             static_cast<StateNumber>(sources),
+                             most_steps() / m_options.threads,
+                             static_cast<std::size_t>(additions),
+                             nodes_of(additions)};
 }
 
 /// Room for what so many jobs add: as many as there were of so many steps, twice over, and steps of which it
@@ -201,11 +200,19 @@ std::uint64_t Runner::additions_of(std::uint64_t jobs) const {
                 m_options.threads * m_cut.steps_of_job);
 }
 
+/// The same for the nodes of a tree while so many states are added.
+std::uint64_t Runner::nodes_of(std::uint64_t additions) const {
+    StateTree const* const tree = m_states->tree();
+    return tree == nullptr ? 0
+                           : 2 * additions * tree->node_count() / m_states->size() +
+                                 m_options.threads * m_cut.steps_of_job;
+}
+
 /// What a round may take besides what there is.
 std::uint64_t Runner::round_bytes(std::uint64_t jobs, std::uint64_t additions) const {
     constexpr std::uint64_t a_step = 40; // in a list of additions and, twice over, as a transition
-    return m_states->growth_bytes(additions) +
-           SharedAdditions::bytes_of(additions, m_states->width()) +
+    return m_states->growth_bytes(std::max(additions, nodes_of(additions))) +
+           SharedAdditions::bytes_of(additions, m_states->kept().width()) +
            m_rows.growth_bytes((jobs + 1) * m_cut.steps_of_job) +
            (jobs + 1) * m_cut.steps_of_job * a_step;
 }
@@ -231,7 +238,7 @@ bool Runner::explore_round(SharedRound::Size const& size) {
 /// Those that the states need, as wide as that makes all states.
 void Runner::make_tables(StateNumber first, StateNumber last) {
     for (StateNumber state = first; state < last && !m_tables.is_static(); ++state) {
-        m_tables.table(m_tables.configuration_of(m_states->words(state)), m_monitor);
+        m_tables.table(m_tables.configuration_of(m_states->first_word(state)), m_monitor);
         if (m_tables.width() > m_states->width()) {
             m_states->widen(m_tables.width());
         }

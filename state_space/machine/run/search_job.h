@@ -1,5 +1,6 @@
 #pragma once
 
+#include "state_space/machine/run/reached_states.h"
 #include "state_space/machine/run/successor_table.h"
 
 namespace Calder::StateSpace {
@@ -8,15 +9,12 @@ namespace Calder::StateSpace {
 /// that a thread needs to find them, and keeps its storage.
 class SearchJob {
   public:
-    /// For states of `width` words each, that have no more than `most_steps` successors together.
-    void clear(std::uint32_t width, std::size_t most_steps = Steps::unbounded) noexcept;
-    void add_source(Word const* state, SuccessorTable const& table);
+    /// For some of these states, which have no more than `most_steps` successors together.
+    void clear(ReachedStates& states, std::size_t most_steps = Steps::unbounded) noexcept;
+    void add_source(StateNumber state, SuccessorTable const& table);
 
-    /// Finds the successors. Throws std::bad_alloc, also where there are more than were given.
+    /// Finds the successors, as they are kept. Throws std::bad_alloc, also where there are more than were given.
     void search();
-
-    /// Makes the successors longer; see Steps.
-    void widen(std::uint32_t width);
 
     [[nodiscard]] std::size_t source_count() const noexcept { return m_tables.size(); }
     [[nodiscard]] Steps const& steps() const noexcept { return m_steps; }
@@ -27,15 +25,18 @@ class SearchJob {
     }
 
   private:
+    void append_successors();
+    void append_roots();
     void hash_steps();
 
-    std::uint32_t m_width = 1;
-    std::vector<Word> m_sources;
+    ReachedStates* m_states = nullptr;
+    std::vector<StateNumber> m_sources;
     std::vector<SuccessorTable const*> m_tables; // by source
     Steps m_steps;
     std::vector<std::uint64_t> m_hashes; // by step
     std::vector<std::size_t> m_row_ends; // by source
     std::vector<StateNumber> m_scratch;
+    StateTree::Work m_work;
 };
 
 } // namespace Calder::StateSpace

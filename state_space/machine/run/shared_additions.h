@@ -51,9 +51,7 @@ class SharedAdditions {
         return likely;
     }
     [[nodiscard]] bool is_state(StateNumber state, Word const* other) const noexcept {
-        Word const* const known = words(state);
-        return *known == *other &&
-               (m_width == 1 || std::equal(known + 1, known + m_width, other + 1));
+        return are_equal_words(words(state), other, m_width);
     }
 
     /// The state, which is met at this place.

@@ -11,12 +11,24 @@ constexpr std::size_t number_distance = 16;
 
 } // namespace
 
-SharedRound::SharedRound(Team& team, VisitedStates& states, ConfigurationTables const& tables,
+SharedRound::SharedRound(Team& team, ReachedStates& states, ConfigurationTables const& tables,
                          FoundRows& rows)
     : m_team(team), m_states(states), m_tables(tables), m_rows(rows), m_workers(team.size()) {}
 
 bool SharedRound::explore(Size const& size) {
+    StateTree* const tree = m_states.tree();
+    if (tree != nullptr) {
+        tree->begin_sharing(size.most_nodes, m_team);
+    }
     begin(size);
+    bool const is_done = explore_shared();
+    if (tree != nullptr) {
+        tree->end_sharing();
+    }
+    return is_done;
+}
+
+bool SharedRound::explore_shared() {
     m_team.each(m_job_count,
                 [this](unsigned thread, std::size_t number) { find(m_workers[thread], number); });
     if (m_is_over) {
@@ -66,10 +78,10 @@ void SharedRound::find(Worker& worker, std::size_t number) noexcept try {
     StateNumber const first = m_size.first + static_cast<StateNumber>(number) * m_size.sources;
     StateNumber const last = std::min(first + m_size.sources, m_size.last);
     SearchJob& search = worker.search;
-    search.clear(m_states.width(), m_size.most_steps);
+    search.clear(m_states, m_size.most_steps);
     for (StateNumber source = first; source < last; ++source) {
-        Word const* const words = m_states.words(source);
-        search.add_source(words, m_tables.table(m_tables.configuration_of(words)));
+        search.add_source(source,
+                          m_tables.table(m_tables.configuration_of(m_states.first_word(source))));
     }
     search.search();
     auto const steps = static_cast<std::int64_t>(search.steps().size());

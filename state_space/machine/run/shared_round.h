@@ -47,9 +47,11 @@ class SharedRound {
         std::size_t most_steps;
         /// States that may be added, those not counted that turn out to be known.
         std::size_t most_additions;
+        /// Nodes that a tree of states may get.
+        std::uint64_t most_nodes;
     };
 
-    SharedRound(Team& team, VisitedStates& states, ConfigurationTables const& tables,
+    SharedRound(Team& team, ReachedStates& states, ConfigurationTables const& tables,
                 FoundRows& rows);
 
     /// False when nothing has changed and one thread must do it. The tables of all configurations must be
@@ -81,6 +83,7 @@ class SharedRound {
         std::vector<std::size_t> jobs; // that it has taken in this round
     };
 
+    [[nodiscard]] bool explore_shared();
     void begin(Size const& size);
     void find(Worker& worker, std::size_t number) noexcept;
     void look_up(Worker& worker, std::size_t number);
@@ -96,10 +99,10 @@ class SharedRound {
     }
 
     Team& m_team;
-    VisitedStates& m_states;
+    ReachedStates& m_states;
     ConfigurationTables const& m_tables;
     FoundRows& m_rows;
-    SharedAdditions m_additions{m_states};
+    SharedAdditions m_additions{m_states.kept()};
     Size m_size{};
     std::size_t m_job_count = 0;
     std::uint64_t m_steps = 0;

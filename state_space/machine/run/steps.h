@@ -63,8 +63,10 @@ class CALDER_STATE_SPACE_EXPORT Steps {
         m_words[m_size++] = successor;
     }
 
-    /// Makes every successor `width` words long, the new ones zero.
-    void widen(std::uint32_t width);
+    /// Another successor for the step.
+    void set_words(std::size_t step, Word const* successor) noexcept {
+        copy_words(successor, &m_words[step * m_width], m_width);
+    }
 
   private:
     void grow(std::size_t wanted);

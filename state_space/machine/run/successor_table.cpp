@@ -17,6 +17,30 @@ constexpr StateNumber most_filtering_states = 1 << 12;
 /// Slots side by side are looked up together while their bits have no more values than these.
 constexpr Word most_joint_values = 255;
 
+/// Steps by all words of their successors, as ChangedWords has them by those that change.
+class WholeWords {
+  public:
+    WholeWords(Word const* state, Steps& steps) : m_state(state), m_steps(steps) {}
+
+    void make_room(std::size_t steps) { m_steps.make_room(steps); }
+    void begin_step(unsigned marked_event) {
+        m_successor = m_steps.add(marked_event);
+        copy_words(m_state, m_successor, m_steps.width());
+    }
+    void change(std::uint32_t word, Word difference) { m_successor[word] += difference; }
+    Word* begin_other(unsigned marked_event) {
+        Word* const successor = m_steps.add(marked_event);
+        std::fill_n(successor, m_steps.width(), Word{0});
+        return successor;
+    }
+    void end_other() {}
+
+  private:
+    Word const* m_state;
+    Steps& m_steps;
+    Word* m_successor = nullptr;
+};
+
 } // namespace
 
 SuccessorTable::SuccessorTable(Layout const& layout, FlatRules const& flat,
@@ -41,6 +65,7 @@ SuccessorTable::SuccessorTable(Layout const& layout, FlatRules const& flat,
 void SuccessorTable::append_successors(Word const* state, Steps& steps,
                                        std::vector<StateNumber>& scratch) const {
     bool const is_one_word = steps.width() == 1;
+    WholeWords told(state, steps);
     for (std::size_t block = 0; block < m_blocks.size(); ++block) {
         steps.make_room(block_size);
         for (Word rules = enabled(m_blocks[block], state); rules != 0; rules &= rules - 1) {
@@ -49,8 +74,23 @@ void SuccessorTable::append_successors(Word const* state, Steps& steps,
             if (is_one_word && rule.is_simple) { // as in most machines
                 steps.add_word(rule.marked_event, simple_successor(rule, *state));
             } else {
-                append(rule, state, steps, scratch);
+                append(rule, state, told, scratch);
             }
+        }
+    }
+}
+
+void SuccessorTable::append_successors(Word const* state, ChangedWords& steps,
+                                       std::vector<StateNumber>& scratch) const {
+    for (std::size_t block = 0; block < m_blocks.size(); ++block) {
+        Word rules = enabled(m_blocks[block], state);
+        if (rules == 0) {
+            continue;
+        }
+        steps.make_room(block_size);
+        for (; rules != 0; rules &= rules - 1) {
+            auto const place = static_cast<std::size_t>(std::countr_zero(rules));
+            append(m_rules[block * block_size + place], state, steps, scratch);
         }
     }
 }
@@ -188,47 +228,49 @@ void SuccessorTable::close(Filter const& filter, Taker const& taker, Word rule) 
     }
 }
 
-void SuccessorTable::append(Rule const& rule, Word const* state, Steps& steps,
-                            std::vector<StateNumber>& scratch) const {
+template <typename Told> void SuccessorTable::append(Rule const& rule, Word const* state,
+                                                     Told& told,
+                                                     std::vector<StateNumber>& scratch) const {
     if (rule.is_simple) {
-        append_simple(rule, state, steps);
+        append_simple(rule, state, told);
     } else if (rule.first_source == none) {
-        append_choices(rule, state, steps);
+        append_choices(rule, state, told);
     } else {
-        append_moves(rule, state, steps, scratch);
+        append_moves(rule, state, told, scratch);
     }
 }
 
 /// One step, for which there is room.
-void SuccessorTable::append_simple(Rule const& rule, Word const* state, Steps& steps) const {
-    Word* const successor = steps.add(rule.marked_event);
-    copy_words(state, successor, steps.width());
+template <typename Told>
+void SuccessorTable::append_simple(Rule const& rule, Word const* state, Told& told) const {
+    told.begin_step(rule.marked_event);
     for (std::uint32_t t = rule.first_taker; t != rule.last_taker; ++t) {
         Taker const& taker = m_takers[t];
         Word const before = taker.read(state);
-        successor[taker.word] += (taker.only_successor[before] - before) << taker.shift;
+        told.change(taker.word, (taker.only_successor[before] - before) << taker.shift);
     }
 }
 
-void SuccessorTable::append_choices(Rule const& rule, Word const* state, Steps& steps) const {
+template <typename Told>
+void SuccessorTable::append_choices(Rule const& rule, Word const* state, Told& told) const {
     std::size_t const choices = count_choices(rule, state);
-    steps.make_room(choices + block_size);
+    told.make_room(choices + block_size);
     for (std::size_t choice = 0; choice < choices; ++choice) {
-        Word* const successor = steps.add(rule.marked_event);
-        copy_words(state, successor, steps.width());
+        told.begin_step(rule.marked_event);
         std::size_t rest = choice;
         for (std::uint32_t t = rule.last_taker; t-- != rule.first_taker;) {
             Taker const& taker = m_takers[t];
             StateNumber const after = choice_of(taker, state, rest);
-            successor[taker.word] += (after - taker.read(state)) << taker.shift;
+            told.change(taker.word, (after - taker.read(state)) << taker.shift);
         }
     }
 }
 
-void SuccessorTable::append_moves(Rule const& rule, Word const* state, Steps& steps,
+template <typename Told>
+void SuccessorTable::append_moves(Rule const& rule, Word const* state, Told& told,
                                   std::vector<StateNumber>& scratch) const {
     std::size_t const choices = count_choices(rule, state);
-    steps.make_room(choices + block_size);
+    told.make_room(choices + block_size);
     std::vector<Layout::Slot> const& before = m_layout.slots();
     std::vector<Layout::Slot> const& after = rule.target.layout->slots();
     scratch.resize(before.size());
@@ -240,14 +282,14 @@ void SuccessorTable::append_moves(Rule const& rule, Word const* state, Steps& st
         for (std::uint32_t t = rule.last_taker; t-- != rule.first_taker;) {
             scratch[m_takers[t].slot] = choice_of(m_takers[t], state, rest);
         }
-        Word* const successor = steps.add(rule.marked_event);
-        std::fill_n(successor, steps.width(), Word{0});
+        Word* const successor = told.begin_other(rule.marked_event);
         successor[0] = rule.target.number;
         for (std::size_t slot = 0; slot < after.size(); ++slot) {
             std::uint32_t const source = m_sources[rule.first_source + slot];
             StateNumber const value = source == FlatRules::fresh ? 0 : scratch[source];
             successor[after[slot].word] |= Word{value} << after[slot].shift;
         }
+        told.end_other();
     }
 }
 
@@ -290,7 +332,8 @@ std::optional<std::size_t> SuccessorTable::rule_between(Word const* state, unsig
                 block * block_size + static_cast<std::size_t>(std::countr_zero(rules));
             steps.clear(static_cast<std::uint32_t>(target.size()));
             steps.make_room(1);
-            append(m_rules[number], state, steps, scratch);
+            WholeWords told(state, steps);
+            append(m_rules[number], state, told, scratch);
             for (std::size_t step = 0; step < steps.size(); ++step) {
                 if (steps.event(step) == event &&
                     std::equal(target.begin(), target.end(), steps.words(step))) {

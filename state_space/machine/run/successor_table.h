@@ -2,7 +2,7 @@
 
 #include "state_space/export.h"
 #include "state_space/machine/flatten/flat_rules.h"
-#include "state_space/machine/run/steps.h"
+#include "state_space/machine/run/changed_words.h"
 #include "state_space/search_monitor.h"
 
 #include <optional>
@@ -39,6 +39,9 @@ class CALDER_STATE_SPACE_EXPORT SuccessorTable {
     /// Appends the successors of the state to `steps`, which are as wide as the state. `scratch` is
     /// the caller's, one for each thread.
     void append_successors(Word const* state, Steps& steps,
+                           std::vector<StateNumber>& scratch) const;
+    /// The same, told by what they change.
+    void append_successors(Word const* state, ChangedWords& steps,
                            std::vector<StateNumber>& scratch) const;
 
     /// The number of a rule by which the state leads to `target` with `event`: an index into the
@@ -103,13 +106,15 @@ class CALDER_STATE_SPACE_EXPORT SuccessorTable {
         }
         return rules;
     }
-    void append_simple(Rule const& rule, Word const* state, Steps& steps) const;
     [[nodiscard]] Word simple_successor(Rule const& rule, Word state) const noexcept;
-    void append_choices(Rule const& rule, Word const* state, Steps& steps) const;
-    void append_moves(Rule const& rule, Word const* state, Steps& steps,
-                      std::vector<StateNumber>& scratch) const;
-    void append(Rule const& rule, Word const* state, Steps& steps,
-                std::vector<StateNumber>& scratch) const;
+    template <typename Told>
+    void append_simple(Rule const& rule, Word const* state, Told& told) const;
+    template <typename Told>
+    void append_choices(Rule const& rule, Word const* state, Told& told) const;
+    template <typename Told> void append_moves(Rule const& rule, Word const* state, Told& told,
+                                               std::vector<StateNumber>& scratch) const;
+    template <typename Told> void append(Rule const& rule, Word const* state, Told& told,
+                                         std::vector<StateNumber>& scratch) const;
     [[nodiscard]] static std::size_t product(std::size_t left, std::size_t right) noexcept;
     [[nodiscard]] std::size_t count_choices(Rule const& rule, Word const* state) const;
     [[nodiscard]] StateNumber choice_of(Taker const& taker, Word const* state,

@@ -27,7 +27,7 @@ class Team;
 /// A search has three stages, of which the first two only ask for memory ahead of time:
 /// `prefetch_bucket`, `prefetch_state`, `find_or_add`.
 ///
-/// It belongs to one thread, but for what SharedAdditions does.
+/// It belongs to one thread, but for what NumberedKeys and SharedAdditions do.
 class CALDER_STATE_SPACE_EXPORT VisitedStates {
   public:
     explicit VisitedStates(std::uint32_t width) : m_width(width) {}
@@ -64,9 +64,7 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
     }
 
     [[nodiscard]] bool is_state(StateNumber state, Word const* other) const noexcept {
-        Word const* const known = words(state);
-        return *known == *other &&
-               (m_width == 1 || std::equal(known + 1, known + m_width, other + 1));
+        return are_equal_words(words(state), other, m_width);
     }
 
     /// The state of these words, which is added when it is new; no_state when it is new and there
@@ -101,6 +99,7 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
     [[nodiscard]] std::uint64_t growth_bytes(std::uint64_t additions) const noexcept;
 
   private:
+    friend class NumberedKeys;
     friend class SharedAdditions;
 
     static constexpr unsigned first_block_bits = 10;

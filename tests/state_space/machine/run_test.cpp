@@ -343,20 +343,23 @@ TEST(MachineRun, the_number_of_threads_makes_no_difference) {
         ASSERT_EQ(wanted.state_count, row.grows ? row.max_states : 4096U);
         ASSERT_EQ(wide_already.met(), row.grows ? 5U : 1U);
         Rows const wanted_rows = rows_of(wanted.lts);
-        for (unsigned const threads : {1U, 2U, 4U}) {
+        for (auto const& [threads, most_plain_words] :
+             {std::pair{1U, 4U}, {1U, 1U}, {1U, 0U}, {2U, 4U}, {2U, 0U}, {4U, 1U}}) {
             ConfigurationTables tables(*machine);
             EXPECT_EQ(tables.width() < wide_already.width(), row.grows) << "nothing to widen";
             options.threads = threads;
-            auto const found = run(tables, options);
-            EXPECT_EQ(found.outcome, wanted.outcome) << row.what;
-            EXPECT_EQ(found.state_count, wanted.state_count) << row.what;
-            EXPECT_EQ(found.transition_count, wanted.transition_count) << row.what;
-            EXPECT_TRUE(rows_of(found.lts) == wanted_rows) << row.what << ", " << threads;
+            Cut cut;
+            cut.most_plain_words = most_plain_words;
+            auto const found = run(tables, options, cut);
+            std::string const what = row.what + std::string(", ") + std::to_string(threads) +
+                                     " threads, plain up to " + std::to_string(most_plain_words);
+            EXPECT_EQ(found.outcome, wanted.outcome) << what;
+            EXPECT_EQ(found.state_count, wanted.state_count) << what;
+            EXPECT_EQ(found.transition_count, wanted.transition_count) << what;
+            EXPECT_TRUE(rows_of(found.lts) == wanted_rows) << what;
+            ASSERT_EQ(found.states->width(), wanted.states->width()) << what;
             for (StateNumber state = 0; state < found.state_count; ++state) {
-                ASSERT_TRUE(std::equal(found.states->words(state),
-                                       found.states->words(state) + found.states->width(),
-                                       wanted.states->words(state)))
-                    << row.what << ", " << threads;
+                ASSERT_EQ(found.states->words(state), wanted.states->words(state)) << what;
             }
         }
     }

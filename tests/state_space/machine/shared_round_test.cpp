@@ -16,8 +16,8 @@ namespace {
 using namespace Testing;
 using Random = std::mt19937;
 
-/// So small that rounds are many, even of few states.
-constexpr Cut fine_cuts[] = {{1, 1}, {5, 2}, {64, 1}};
+/// So small that rounds are many, even of few states; these are kept as they are, or as roots of a tree.
+constexpr Cut fine_cuts[] = {{1, 1, 0}, {5, 2}, {64, 1, 1}};
 
 /// Events 3 to 7; often several with the same target, or the same event.
 ProcessPointer random_leaf(Random& random, unsigned number) {
@@ -96,8 +96,8 @@ StateSpace::Run run_cut(Machine const& machine, RunOptions const& options, Cut c
 std::vector<Word> words_of(StateSpace::Run const& run) {
     std::vector<Word> words;
     for (StateNumber state = 0; state < run.state_count; ++state) {
-        Word const* const begin = run.states->words(state);
-        words.insert(words.end(), begin, begin + run.states->width());
+        std::vector<Word> const each = run.states->words(state);
+        words.insert(words.end(), each.begin(), each.end());
     }
     return words;
 }

@@ -1,0 +1,61 @@
+#include "state_space/machine/run/numbered_keys.h"
+
+#include "state_space/machine/run/lateness.h"
+
+#include <algorithm>
+#include <new>
+
+namespace Calder::StateSpace {
+
+namespace {
+
+/// No number is `no_state`, however many threads find the room full at once.
+constexpr NumberedKeys::Number most_keys = no_state - (NumberedKeys::Number{1} << 16);
+
+/// Rather than room for a few keys again and again.
+constexpr std::uint64_t least_growth = 1024;
+
+} // namespace
+
+NumberedKeys::Number NumberedKeys::add(Bucket& bucket, Bucket::Head head, Word const* key,
+                                       std::uint8_t tag) {
+    may_be_late();
+    Number const number = m_next.fetch_add(1, std::memory_order_relaxed);
+    if (number >= m_end) {
+        m_next.fetch_sub(1, std::memory_order_relaxed);
+        bucket.unlock(head);
+        throw std::bad_alloc();
+    }
+    copy_words(key, m_states.place_of(number), width());
+    may_be_late();
+    bucket.append_and_unlock(head, number, tag);
+    return number;
+}
+
+void NumberedKeys::grow(std::uint64_t count, Team* team) {
+    Number const known = size();
+    std::uint64_t const wanted = std::max({count, least_growth, std::uint64_t{known} / 8});
+    if (wanted > most_keys - known) {
+        throw std::bad_alloc();
+    }
+    m_next.store(known, std::memory_order_relaxed);
+    m_end = known;
+    m_states.m_size = known;
+    m_states.make_room(wanted, team);
+    m_states.make_blocks(known + wanted);
+    m_end = known + static_cast<Number>(wanted);
+}
+
+std::uint64_t NumberedKeys::memory_bytes() const noexcept {
+    return std::uint64_t{size()} * width() * sizeof(Word) +
+           m_states.m_bucket_count * sizeof(Bucket);
+}
+
+std::uint64_t NumberedKeys::growth_bytes(std::uint64_t additions) const noexcept {
+    std::uint64_t const keys = additions * width() * sizeof(Word);
+    return size() + additions <= m_states.capacity()
+               ? keys
+               : keys + m_states.m_bucket_count * sizeof(Bucket);
+}
+
+} // namespace Calder::StateSpace
