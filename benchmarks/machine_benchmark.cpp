@@ -2,6 +2,7 @@
 #include "benchmarks/philosophers.h"
 #include "benchmarks/probing.h"
 #include "csp/rename_operator.h"
+#include "state_space/machine/run/run.h"
 
 #include <chrono>
 
@@ -76,13 +77,51 @@ BENCHMARK(philosophers_to_probing)
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 
-/// Argument: leaves. As many philosophers as there are forks, up to a million states.
+/// Arguments: leaves, threads. As many philosophers as there are forks, up to a million states.
 void growth_with_components(benchmark::State& state) {
     Philosophers const model(static_cast<unsigned>(state.range(0)) / 2);
-    measure_machine(state, model.start, model.source, counting(1, 1'000'000));
+    measure_machine(state, model.start, model.source,
+                    counting(static_cast<unsigned>(state.range(1)), 1'000'000));
 }
 BENCHMARK(growth_with_components)
-    ->Arg(10)
+    ->ArgsProduct({{10, 20, 50, 100, 200, 500, 1000}, {1, 2}})
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+
+/// Argument: leaves. The same run, not counting compilation, and in turn with it the one that keeps all words of
+/// each state. `of plain` is the run's speed to that of the other one.
+void wide_states_to_plain(benchmark::State& state) {
+    Philosophers const model(static_cast<unsigned>(state.range(0)) / 2);
+    auto const compiled =
+        StateSpace::compile(StateSpace::make_term_graph(model.start, model.source), model.source);
+    RunOptions const options = counting(1, 1'000'000);
+    StateSpace::Cut plain;
+    plain.most_plain_words = ~std::uint32_t{0};
+    using Clock = std::chrono::steady_clock;
+    Clock::duration as_kept{};
+    Clock::duration as_plain{};
+    auto const measure = [&](StateSpace::Cut const& cut, Clock::duration& time,
+                             std::string const& name) {
+        StateSpace::ConfigurationTables tables(*compiled.machine);
+        Clock::time_point const begin = Clock::now();
+        StateSpace::Run const run = StateSpace::run(tables, options, cut);
+        time += Clock::now() - begin;
+        state.counters["words"] = run.states->width();
+        state.counters["bytes/state" + name] =
+            static_cast<double>(run.states->memory_bytes()) / static_cast<double>(run.state_count);
+        return run.transition_count;
+    };
+    std::uint64_t transitions = 0;
+    for (auto _ : state) {
+        transitions += measure({}, as_kept, "");
+        measure(plain, as_plain, ", plain");
+    }
+    state.counters["transitions/s"] =
+        static_cast<double>(transitions) / std::chrono::duration<double>(as_kept).count();
+    state.counters["of plain"] =
+        std::chrono::duration<double>(as_plain) / std::chrono::duration<double>(as_kept);
+}
+BENCHMARK(wide_states_to_plain)
     ->Arg(20)
     ->Arg(50)
     ->Arg(100)
