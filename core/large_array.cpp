@@ -1,6 +1,7 @@
 #include "core/large_array.h"
 
 #include <cstdint>
+#include <cstring>
 #include <new>
 #include <sys/mman.h>
 
@@ -9,17 +10,17 @@ namespace Calder {
 namespace {
 
 constexpr std::align_val_t cache_line{64};
-constexpr std::size_t large_page = std::size_t{2} << 20;
+
+constexpr std::size_t most_bytes = PTRDIFF_MAX - 2 * large_page;
 
 std::size_t rounded_up(std::size_t bytes) {
     return (bytes + large_page - 1) / large_page * large_page;
 }
 
 /// Maps a page too many, and gives back what stands before and behind the aligned part.
-void* map_aligned(std::size_t bytes) {
+void* map_aligned(std::size_t bytes, int protection) {
     std::size_t const mapped = bytes + large_page;
-    void* const start =
-        mmap(nullptr, mapped, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    void* const start = mmap(nullptr, mapped, protection, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (start == MAP_FAILED) {
         throw std::bad_alloc();
     }
@@ -33,18 +34,47 @@ void* map_aligned(std::size_t bytes) {
     return aligned;
 }
 
+/// In place if nothing stands behind it, otherwise to where there is room. That is mapped first, as the system by
+/// itself may find a place that is not aligned, where pages of 2 MiB become small ones. Where it cannot be
+/// moved the place stays mapped: the system may have given it back by then, and to another thread.
+void* remap_larger(void* storage, std::size_t old_bytes, std::size_t bytes) {
+    if (mremap(storage, old_bytes, bytes, 0) != MAP_FAILED) {
+        return storage;
+    }
+    void* const place = map_aligned(bytes, PROT_NONE);
+    if (mremap(storage, old_bytes, bytes, MREMAP_MAYMOVE | MREMAP_FIXED, place) == MAP_FAILED) {
+        throw std::bad_alloc();
+    }
+    return place;
+}
+
 } // namespace
 
 void* allocate_large(std::size_t bytes) {
     if (bytes < large_page) {
         return ::operator new(bytes, cache_line);
     }
-    if (bytes > PTRDIFF_MAX - 2 * large_page) {
+    if (bytes > most_bytes) {
         throw std::bad_alloc();
     }
-    void* const storage = map_aligned(rounded_up(bytes));
+    void* const storage = map_aligned(rounded_up(bytes), PROT_READ | PROT_WRITE);
     madvise(storage, rounded_up(bytes), MADV_HUGEPAGE); // where it is refused, small pages do
     return storage;
+}
+
+void* grow_large(void* storage, std::size_t old_bytes, std::size_t bytes) {
+    if (old_bytes >= large_page) {
+        if (bytes > most_bytes) {
+            throw std::bad_alloc();
+        }
+        return remap_larger(storage, rounded_up(old_bytes), rounded_up(bytes));
+    }
+    void* const larger = allocate_large(bytes);
+    if (old_bytes != 0) {
+        std::memcpy(larger, storage, old_bytes);
+        free_large(storage, old_bytes);
+    }
+    return larger;
 }
 
 void free_large(void* storage, std::size_t bytes) noexcept {
