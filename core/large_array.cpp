@@ -11,18 +11,19 @@ namespace {
 
 constexpr std::align_val_t cache_line{64};
 
-constexpr std::size_t most_bytes = PTRDIFF_MAX - 2 * large_page;
+constexpr std::size_t most_bytes = PTRDIFF_MAX / 2 - 2 * large_page;
 
 std::size_t rounded_up(std::size_t bytes) {
     return (bytes + large_page - 1) / large_page * large_page;
 }
 
-/// Maps a page too many, and gives back what stands before and behind the aligned part.
+/// Maps a page too many, and gives back what stands before and behind the aligned part. Null where there is no
+/// room.
 void* map_aligned(std::size_t bytes, int protection) {
     std::size_t const mapped = bytes + large_page;
     void* const start = mmap(nullptr, mapped, protection, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (start == MAP_FAILED) {
-        throw std::bad_alloc();
+        return nullptr;
     }
     std::size_t const before =
         (large_page - reinterpret_cast<std::uintptr_t>(start) % large_page) % large_page;
@@ -34,18 +35,23 @@ void* map_aligned(std::size_t bytes, int protection) {
     return aligned;
 }
 
-/// In place if nothing stands behind it, otherwise to where there is room. That is mapped first, as the system by
-/// itself may find a place that is not aligned, where pages of 2 MiB become small ones. Where it cannot be
-/// moved the place stays mapped: the system may have given it back by then, and to another thread.
+/// In place if nothing stands behind it, otherwise to a place that is mapped first: the system by itself may find one
+/// that is not aligned, where pages of 2 MiB become small ones. That is still better than nothing where there is
+/// no address space for both. MAP_FAILED where there is no room.
 void* remap_larger(void* storage, std::size_t old_bytes, std::size_t bytes) {
-    if (mremap(storage, old_bytes, bytes, 0) != MAP_FAILED) {
-        return storage;
+    void* const same = mremap(storage, old_bytes, bytes, 0);
+    if (same != MAP_FAILED) {
+        return same;
     }
-    void* const place = map_aligned(bytes, PROT_NONE);
-    if (mremap(storage, old_bytes, bytes, MREMAP_MAYMOVE | MREMAP_FIXED, place) == MAP_FAILED) {
-        throw std::bad_alloc();
+    // Some systems want room for what is new besides the place. With that at hand the move does not fail; it
+    // could not be told afterwards whether the place is still ours, or another thread's.
+    std::size_t const more = bytes - old_bytes;
+    char* const place = static_cast<char*>(map_aligned(bytes + more, PROT_NONE));
+    if (place == nullptr) {
+        return mremap(storage, old_bytes, bytes, MREMAP_MAYMOVE);
     }
-    return place;
+    munmap(place + bytes, more);
+    return mremap(storage, old_bytes, bytes, MREMAP_MAYMOVE | MREMAP_FIXED, place);
 }
 
 } // namespace
@@ -58,6 +64,9 @@ void* allocate_large(std::size_t bytes) {
         throw std::bad_alloc();
     }
     void* const storage = map_aligned(rounded_up(bytes), PROT_READ | PROT_WRITE);
+    if (storage == nullptr) {
+        throw std::bad_alloc();
+    }
     madvise(storage, rounded_up(bytes), MADV_HUGEPAGE); // where it is refused, small pages do
     return storage;
 }
@@ -67,7 +76,11 @@ void* grow_large(void* storage, std::size_t old_bytes, std::size_t bytes) {
         if (bytes > most_bytes) {
             throw std::bad_alloc();
         }
-        return remap_larger(storage, rounded_up(old_bytes), rounded_up(bytes));
+        void* const larger = remap_larger(storage, rounded_up(old_bytes), rounded_up(bytes));
+        if (larger == MAP_FAILED) {
+            throw std::bad_alloc();
+        }
+        return larger;
     }
     void* const larger = allocate_large(bytes);
     if (old_bytes != 0) {
