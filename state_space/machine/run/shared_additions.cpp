@@ -32,7 +32,7 @@ StateNumber SharedAdditions::free_record(Adder& adder) noexcept {
         adder.end = adder.next + records_at_a_time;
     }
     StateNumber const free = m_first + static_cast<StateNumber>(adder.next);
-    __builtin_prefetch(record(free) + record_distance * m_record_words, 1);
+    prefetch_to_write(record(free) + record_distance * m_record_words);
     return free;
 }
 

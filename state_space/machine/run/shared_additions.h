@@ -2,6 +2,7 @@
 
 #include "state_space/machine/run/lateness.h"
 #include "state_space/machine/run/patience.h"
+#include "state_space/machine/run/prefetch.h"
 #include "state_space/machine/run/visited_states.h"
 
 namespace Calder::StateSpace {
@@ -43,7 +44,8 @@ class SharedAdditions {
     StateNumber prefetch_state(std::uint64_t hash) noexcept {
         Bucket& bucket = m_buckets[bucket_of(hash)];
         unsigned const matches = bucket.shared_head().matches(VisitedStates::tag_of(hash));
-        if (matches == 0) {
+        if (matches == 0) { // it will be added
+            prefetch_to_write(&bucket);
             return no_state;
         }
         StateNumber const likely = bucket.shared_number(VisitedStates::first_of_set(matches));
@@ -71,7 +73,7 @@ class SharedAdditions {
     void make_room_for_words(std::uint64_t states) { m_states.make_blocks(states); }
     /// Asks for the memory that `give_number` will write to.
     void prefetch_entry(StateNumber addition) const noexcept {
-        __builtin_prefetch(&bucket_of_addition(addition), 1);
+        prefetch_to_write(&bucket_of_addition(addition));
     }
     void give_number(StateNumber addition, StateNumber number) noexcept;
     /// That an addition was given; of any other state, its own.
