@@ -20,6 +20,12 @@ inline void copy_words(Word const* from, Word* to, std::uint32_t width) noexcept
     }
 }
 
+/// For the same reason.
+[[nodiscard]] inline bool equal_words(Word const* one, Word const* other,
+                                      std::uint32_t width) noexcept {
+    return *one == *other && (width == 1 || std::equal(one + 1, one + width, other + 1));
+}
+
 /// How the states of a configuration's slots are packed into words: each slot has the bits that its
 /// leaf's states need, no slot crosses from one word into the next, and what is left over is
 /// zero.

@@ -13,7 +13,7 @@ void SharedAdditions::begin(std::size_t most, Team& team) {
     m_record_words = head_words + m_width;
     std::size_t const records =
         most + std::size_t{team.size()} * records_at_a_time + record_distance;
-    if (m_capacity < records * m_record_words) {
+    if (m_capacity < records * m_record_words) { // entries, too: states become no narrower
         m_capacity = 0;
         m_records.reset();
         m_entries.reset();

@@ -53,9 +53,7 @@ class SharedAdditions {
         return likely;
     }
     [[nodiscard]] bool is_state(StateNumber state, Word const* other) const noexcept {
-        Word const* const known = words(state);
-        return *known == *other &&
-               (m_width == 1 || std::equal(known + 1, known + m_width, other + 1));
+        return equal_words(words(state), other, m_width);
     }
 
     /// The state, which is met at this place.
@@ -98,7 +96,7 @@ class SharedAdditions {
 
   private:
     // Of a record; then come the state's words.
-    static constexpr std::size_t order_word = 0; // the least place, and then the number
+    static constexpr std::size_t order_word = 0; // the least place, and at the end the number
     static constexpr std::size_t head_words = 1;
 
     static constexpr unsigned entry_bits = 4;

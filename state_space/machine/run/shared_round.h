@@ -32,7 +32,7 @@ namespace Calder::StateSpace {
 /// its own in earlier rounds.
 ///
 /// A round costs four meetings of the team, some microseconds each where processors are idle, and an addition
-/// 24 bytes and its words while the round lasts. Numbers are given after each round, not each level, as much of
+/// 16 bytes and its words while the round lasts. Numbers are given after each round, not each level, as much of
 /// what is to be written to is still in a cache then; with the second work this takes a twentieth of a run. It
 /// is done even where nobody will look at the numbers, so that a limit on states ends a run at the same
 /// transition with any number of threads.

@@ -64,9 +64,7 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
     }
 
     [[nodiscard]] bool is_state(StateNumber state, Word const* other) const noexcept {
-        Word const* const known = words(state);
-        return *known == *other &&
-               (m_width == 1 || std::equal(known + 1, known + m_width, other + 1));
+        return equal_words(words(state), other, m_width);
     }
 
     /// The state of these words, which is added when it is new; no_state when it is new and there
