@@ -8,6 +8,8 @@
 
 namespace Calder {
 
+constexpr std::size_t large_page = std::size_t{2} << 20;
+
 /// Storage for `bytes`, not initialised, aligned to a cache line. What is at least 2 MiB is mapped
 /// for itself, aligned to that, and asks the system for pages of that size: a table that is entered
 /// at random touches more small pages than the processor keeps translations for. Pages never
@@ -16,6 +18,12 @@ namespace Calder {
 
 /// `bytes` as it was asked for.
 CALDER_CORE_EXPORT void free_large(void* storage, std::size_t bytes) noexcept;
+
+/// Such storage for `bytes`, more than `old_bytes`, that begins with what `storage` has, which is
+/// freed. What is mapped is not copied: its pages get another address. Throws std::bad_alloc, and
+/// `storage` is then as before.
+[[nodiscard]] CALDER_CORE_EXPORT void* grow_large(void* storage, std::size_t old_bytes,
+                                                  std::size_t bytes);
 
 struct FreeLarge {
     std::size_t bytes = 0;

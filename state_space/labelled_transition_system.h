@@ -1,10 +1,10 @@
 #pragma once
 
+#include "core/growing_array.h"
 #include "state_space/export.h"
 
 #include <cstdint>
 #include <span>
-#include <vector>
 
 namespace Calder::StateSpace {
 
@@ -49,18 +49,18 @@ class CALDER_STATE_SPACE_EXPORT LabelledTransitionSystem {
             return {};
         }
         std::uint64_t const begin = state == 0 ? 0 : m_row_ends[state - 1];
-        return std::span(m_transitions).subspan(begin, m_row_ends[state] - begin);
+        return {m_transitions.data() + begin, m_row_ends[state] - begin};
     }
 
-    /// What the arrays have allocated.
+    /// What the arrays occupy.
     [[nodiscard]] std::uint64_t memory_bytes() const noexcept;
 
   private:
     friend class LtsBuilder;
 
     StateNumber m_state_count = 0;
-    std::vector<Transition> m_transitions; // row after row
-    std::vector<std::uint64_t> m_row_ends; // by state: where its row ends and the next one begins
+    GrowingArray<Transition> m_transitions; // row after row
+    GrowingArray<std::uint64_t> m_row_ends; // by state: where its row ends and the next one begins
 };
 
 } // namespace Calder::StateSpace

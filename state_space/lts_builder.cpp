@@ -1,7 +1,5 @@
 #include "state_space/lts_builder.h"
 
-#include "state_space/memory.h"
-
 #include <algorithm>
 #include <utility>
 
@@ -28,18 +26,18 @@ void LtsBuilder::end_row() {
 }
 
 void LtsBuilder::drop_row() {
-    m_lts.m_transitions.resize(m_row_begin);
+    m_lts.m_transitions.shrink(m_row_begin);
     m_row_is_wide = false;
 }
 
 LtsBuilder::Room LtsBuilder::make_room(std::size_t rows, std::uint64_t transitions) {
     drop_row();
     Room const room{m_lts.m_row_ends.size(), m_lts.m_transitions.size()};
-    m_lts.m_row_ends.resize(room.first_row + rows);
+    m_lts.m_row_ends.append(rows);
     try {
-        m_lts.m_transitions.resize(room.first_transition + transitions);
+        m_lts.m_transitions.append(transitions);
     } catch (...) {
-        m_lts.m_row_ends.resize(room.first_row);
+        m_lts.m_row_ends.shrink(room.first_row);
         throw;
     }
     m_row_begin = m_lts.m_transitions.size();
@@ -58,15 +56,14 @@ std::uint64_t LtsBuilder::memory_bytes() const noexcept {
 }
 
 std::uint64_t LtsBuilder::growth_bytes(std::uint64_t additions) const noexcept {
-    return StateSpace::growth_bytes(m_lts.m_transitions, additions) +
-           StateSpace::growth_bytes(m_lts.m_row_ends, additions) +
+    return m_lts.m_transitions.growth_bytes(additions) + m_lts.m_row_ends.growth_bytes(additions) +
            m_wide_row.growth_bytes(additions);
 }
 
 /// Also notes the transition of a wide row as being there.
 bool LtsBuilder::is_in_row(Transition transition) {
-    std::vector<Transition> const& all = m_lts.m_transitions;
-    auto const row = all.begin() + static_cast<std::ptrdiff_t>(m_row_begin);
+    GrowingArray<Transition> const& all = m_lts.m_transitions;
+    Transition const* const row = all.begin() + m_row_begin;
     std::size_t const width = all.size() - m_row_begin;
     if (width < narrow_row) {
         return std::find(row, all.end(), transition) != all.end();

@@ -28,8 +28,8 @@ class LtsBuilder {
 
     /// Forgets all rows, and keeps the storage.
     void clear() noexcept {
-        m_lts.m_transitions.clear();
-        m_lts.m_row_ends.clear();
+        m_lts.m_transitions.shrink(0);
+        m_lts.m_row_ends.shrink(0);
         m_row_begin = 0;
         m_row_is_wide = false;
     }
@@ -68,8 +68,7 @@ class LtsBuilder {
     }
 
     [[nodiscard]] std::uint64_t memory_bytes() const noexcept;
-    /// What the arrays could allocate for a moment, besides what they have, while `additions` more
-    /// transitions are added.
+    /// What more the arrays could occupy at some moment while `additions` more transitions are added.
     [[nodiscard]] std::uint64_t growth_bytes(std::uint64_t additions) const noexcept;
 
   private:

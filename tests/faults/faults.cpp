@@ -3,7 +3,8 @@
 //
 //   CALDER_FAIL=N         the N-th allocation of the process fails
 //   CALDER_FAIL_ON=N      the N-th and all later ones fail
-//   CALDER_FAIL_MAP=N     the N-th mapping of memory fails; the C library's own do not count
+//   CALDER_FAIL_MAP=N     the N-th time that memory is mapped, or a mapping made larger, fails; the C
+//                         library's own do not count
 //   CALDER_FAIL_THREAD=N  the N-th thread does not start
 //   CALDER_INTERRUPT=N    SIGINT comes before the N-th write to a descriptor above standard error
 //   CALDER_MARK=FILE      this file is made when that happens
@@ -11,6 +12,7 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdarg>
 #include <cstddef>
 #include <cstdlib>
 #include <dlfcn.h>
@@ -57,6 +59,16 @@ bool fails() {
     return is_meant;
 }
 
+bool mapping_fails() {
+    static long const failing = number_of("CALDER_FAIL_MAP");
+    bool const is_meant = ++mappings == failing;
+    if (is_meant) {
+        make_mark();
+        errno = ENOMEM;
+    }
+    return is_meant;
+}
+
 } // namespace
 
 #pragma GCC visibility push(default)
@@ -84,14 +96,20 @@ extern "C" int posix_memalign(void** result, std::size_t alignment, std::size_t 
 
 extern "C" void* mmap(void* address, std::size_t size, int protection, int flags, int descriptor,
                       off_t offset) {
-    static long const failing = number_of("CALDER_FAIL_MAP");
-    if (++mappings == failing) {
-        make_mark();
-        errno = ENOMEM;
-        return MAP_FAILED;
-    }
-    return reinterpret_cast<void*>(
-        syscall(SYS_mmap, address, size, protection, flags, descriptor, offset));
+    return mapping_fails() ? MAP_FAILED
+                           : reinterpret_cast<void*>(syscall(SYS_mmap, address, size, protection,
+                                                             flags, descriptor, offset));
+}
+
+extern "C" void* mremap(void* old, std::size_t old_size, std::size_t size, int flags,
+                        ...) noexcept {
+    std::va_list rest;
+    va_start(rest, flags);
+    void* const place = (flags & MREMAP_FIXED) != 0 ? va_arg(rest, void*) : nullptr;
+    va_end(rest);
+    return mapping_fails()
+               ? MAP_FAILED
+               : reinterpret_cast<void*>(syscall(SYS_mremap, old, old_size, size, flags, place));
 }
 
 extern "C" int pthread_create(pthread_t* thread, pthread_attr_t const* attributes,

@@ -1,3 +1,4 @@
+#include "state_space/memory.h"
 #include "tests/state_space/graph_terms.h"
 
 #include <gtest/gtest.h>
@@ -53,6 +54,32 @@ TEST(LtsBuilder, stores_a_transition_once_at_its_first_place) {
         // The same row again must not be taken for known, nor must a narrow one between.
         Rows const rows{row, {{0, 0}, {0, 0}}, row, row};
         EXPECT_EQ(rows_of(lts_of(rows)), (Rows{wanted, {{0, 0}}, wanted, wanted})) << width;
+    }
+}
+
+TEST(LtsBuilder, has_room_for_rows_that_occupies_nothing_until_they_come) {
+    constexpr std::size_t rows = std::size_t{1} << 20;
+    LtsBuilder builder;
+    for (StateNumber state = 0; state < rows; ++state) { // so that the arrays are mapped already
+        builder.add_new(state, 0);
+        builder.end_row();
+    }
+    std::uint64_t const before = resident_bytes();
+    LtsBuilder::Room const room = builder.make_room(4 * rows, 4 * rows);
+    EXPECT_LT(resident_bytes(), before + rows) << "of 64 MiB";
+    LtsBuilder other;
+    other.add_new(7, 1);
+    other.end_row();
+    for (std::size_t row = 0; row < 4 * rows; ++row) {
+        builder.copy(other, {room.first_row + row, room.first_transition + row},
+                     [](StateNumber target) { return target; });
+    }
+    LabelledTransitionSystem const lts = builder.finish(5 * rows);
+    ASSERT_EQ(lts.transition_count(), 5 * rows);
+    for (StateNumber state = 0; state < 5 * rows; ++state) {
+        Transition const wanted = state < rows ? Transition{state, 0} : Transition{7, 1};
+        ASSERT_EQ(lts.transitions(state).size(), 1U) << state;
+        ASSERT_EQ(lts.transitions(state).front(), wanted) << state;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "state_space/machine/run/lateness.h"
 #include "state_space/machine/run/patience.h"
+#include "state_space/machine/run/prefetch.h"
 #include "state_space/machine/run/visited_states.h"
 
 namespace Calder::StateSpace {
@@ -43,7 +44,8 @@ class SharedAdditions {
     StateNumber prefetch_state(std::uint64_t hash) noexcept {
         Bucket& bucket = m_buckets[bucket_of(hash)];
         unsigned const matches = bucket.shared_head().matches(VisitedStates::tag_of(hash));
-        if (matches == 0) {
+        if (matches == 0) { // it will be added
+            prefetch_to_write(&bucket);
             return no_state;
         }
         StateNumber const likely = bucket.shared_number(VisitedStates::first_of_set(matches));
@@ -61,20 +63,20 @@ class SharedAdditions {
     /// The same for the state of these words, which is added when it is new. There must be room.
     Found find_or_add(Word const* words, std::uint64_t hash, Place place, Adder& adder) noexcept;
 
-    /// Whether an addition was met first at this place.
+    /// Whether an addition, which has no number yet, was met first at this place.
     [[nodiscard]] bool is_met_first(StateNumber state, Place place) const noexcept {
-        return record(state)[place_word] == place;
+        return record(state)[order_word] == place;
     }
     /// For as many states as there will be. Where it throws std::bad_alloc, nothing has changed.
     void make_room_for_words(std::uint64_t states) { m_states.make_blocks(states); }
     /// Asks for the memory that `give_number` will write to.
     void prefetch_entry(StateNumber addition) const noexcept {
-        __builtin_prefetch(&bucket_of_record(record(addition)), 1);
+        prefetch_to_write(&bucket_of_addition(addition));
     }
     void give_number(StateNumber addition, StateNumber number) noexcept;
     /// That an addition was given; of any other state, its own.
     [[nodiscard]] StateNumber number(StateNumber state) const noexcept {
-        return state < m_first ? state : static_cast<StateNumber>(record(state)[number_word]);
+        return state < m_first ? state : static_cast<StateNumber>(record(state)[order_word]);
     }
     /// All `count` additions have numbers.
     void end(StateNumber count) noexcept { m_states.m_size += count; }
@@ -89,15 +91,13 @@ class SharedAdditions {
     /// What the records of so many additions take.
     [[nodiscard]] static constexpr std::uint64_t bytes_of(std::uint64_t additions,
                                                           std::uint32_t width) noexcept {
-        return additions * (head_words + width) * sizeof(Word);
+        return additions * (head_words + width + 1) * sizeof(Word);
     }
 
   private:
     // Of a record; then come the state's words.
-    static constexpr std::size_t place_word = 0;
-    static constexpr std::size_t entry_word = 1; // the bucket's number, and the place there
-    static constexpr std::size_t number_word = 2;
-    static constexpr std::size_t head_words = 3;
+    static constexpr std::size_t order_word = 0; // the least place, and at the end the number
+    static constexpr std::size_t head_words = 1;
 
     static constexpr unsigned entry_bits = 4;
     static constexpr unsigned records_at_a_time = 64;
@@ -109,8 +109,11 @@ class SharedAdditions {
     [[nodiscard]] Word const* words(StateNumber state) const noexcept {
         return state < m_first ? m_states.words(state) : record(state) + head_words;
     }
-    [[nodiscard]] Bucket& bucket_of_record(Word const* each) const noexcept {
-        return m_buckets[each[entry_word] >> entry_bits];
+    [[nodiscard]] Word& entry(StateNumber addition) const noexcept {
+        return m_entries[addition - m_first];
+    }
+    [[nodiscard]] Bucket& bucket_of_addition(StateNumber addition) const noexcept {
+        return m_buckets[entry(addition) >> entry_bits];
     }
     [[nodiscard]] bool note(StateNumber addition, Place place) const noexcept;
     StateNumber free_record(Adder& adder) noexcept;
@@ -128,6 +131,9 @@ class SharedAdditions {
     std::size_t m_record_words = 0;
     std::size_t m_capacity = 0;
     LargeArray<Word> m_records;
+    /// By addition, the bucket's number and the place there: apart, as who looks up has no use for them, and
+    /// more records stay in his cache.
+    LargeArray<Word> m_entries;
     alignas(64) std::atomic<std::size_t> m_taken = 0; // records
 };
 
@@ -151,8 +157,8 @@ inline SharedAdditions::Found SharedAdditions::find_or_add(Word const* words, st
         } else {
             StateNumber const addition = free_record(adder);
             Word* const own = record(addition);
-            own[place_word] = place;
-            own[entry_word] = Word{number} << entry_bits | head.count();
+            own[order_word] = place;
+            entry(addition) = Word{number} << entry_bits | head.count();
             copy_words(words, own + head_words, m_width);
             may_be_late();
             if (bucket.lock(head)) { // nobody has added it meanwhile

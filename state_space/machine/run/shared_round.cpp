@@ -29,7 +29,7 @@ bool SharedRound::explore(Size const& size) {
 }
 
 bool SharedRound::explore_shared() {
-    m_team.each(m_job_count,
+    m_team.each(m_jobs.size(),
                 [this](unsigned thread, std::size_t number) { find(m_workers[thread], number); });
     if (m_is_over) {
         take_back();
@@ -45,8 +45,8 @@ bool SharedRound::explore_shared() {
         for_jobs_of_each(&SharedRound::copy_rows);
     }
     StateNumber added = 0;
-    for (std::size_t number = 0; number < m_job_count; ++number) {
-        added += static_cast<StateNumber>(m_jobs[number].addition_count);
+    for (Job const* const job : m_jobs) {
+        added += static_cast<StateNumber>(job->addition_count);
     }
     m_additions.end(added);
     return true;
@@ -54,16 +54,10 @@ bool SharedRound::explore_shared() {
 
 void SharedRound::begin(Size const& size) {
     m_size = size;
-    m_job_count = (size.last - size.first + size.sources - 1) / size.sources;
-    while (m_jobs.size() < m_job_count) {
-        m_jobs.emplace_back(m_rows.keeps());
-    }
-    for (std::size_t number = 0; number < m_job_count; ++number) {
-        m_jobs[number].addition_count = 0;
-    }
+    m_jobs.assign((size.last - size.first + size.sources - 1) / size.sources, nullptr);
     for (Worker& worker : m_workers) {
         worker.adder = {};
-        worker.jobs.clear();
+        worker.job_count = 0;
     }
     m_additions.begin(size.most_additions, m_team);
     m_room_left = static_cast<std::int64_t>(size.most_additions);
@@ -89,16 +83,21 @@ void SharedRound::find(Worker& worker, std::size_t number) noexcept try {
         m_is_over = true;
         return;
     }
-    worker.jobs.push_back(number);
-    look_up(worker, number);
-    auto const added = static_cast<std::int64_t>(m_jobs[number].addition_count);
+    if (worker.job_count == worker.jobs.size()) {
+        worker.jobs.emplace_back(m_rows.keeps());
+    }
+    Job& job = worker.jobs[worker.job_count++];
+    job.number = number;
+    job.addition_count = 0;
+    m_jobs[number] = &job;
+    look_up(worker, job);
+    auto const added = static_cast<std::int64_t>(job.addition_count);
     m_room_left.fetch_add(steps - added, std::memory_order_relaxed);
 } catch (...) {
     m_is_over = true;
 }
 
-void SharedRound::look_up(Worker& worker, std::size_t number) {
-    Job& job = m_jobs[number];
+void SharedRound::look_up(Worker& worker, Job& job) {
     SearchJob const& search = worker.search;
     Steps const& steps = search.steps();
     job.rows.clear();
@@ -112,8 +111,8 @@ void SharedRound::look_up(Worker& worker, std::size_t number) {
         Word const* const words = steps.words(step);
         SharedAdditions::Found const found =
             likely != no_state && m_additions.is_state(likely, words)
-                ? m_additions.meet(likely, place(number, step))
-                : m_additions.find_or_add(words, search.hash(step), place(number, step),
+                ? m_additions.meet(likely, place(job.number, step))
+                : m_additions.find_or_add(words, search.hash(step), place(job.number, step),
                                           worker.adder);
         if (found.is_first) {
             job.additions[job.addition_count++] = {static_cast<std::uint32_t>(step), found.state};
@@ -127,21 +126,21 @@ void SharedRound::look_up(Worker& worker, std::size_t number) {
     }
 }
 
-void SharedRound::for_jobs_of_each(void (SharedRound::*work)(std::size_t) noexcept) {
+void SharedRound::for_jobs_of_each(void (SharedRound::*work)(Job&) noexcept) {
     m_team.all([this, work](unsigned thread) {
-        for (std::size_t const number : m_workers[thread].jobs) {
-            (this->*work)(number);
+        Worker& worker = m_workers[thread];
+        for (std::size_t job = 0; job < worker.job_count; ++job) {
+            (this->*work)(worker.jobs[job]);
         }
     });
 }
 
 /// The second work.
-void SharedRound::keep_first(std::size_t number) noexcept {
-    Job& job = m_jobs[number];
+void SharedRound::keep_first(Job& job) noexcept {
     auto const begin = job.additions.begin();
     auto const kept = std::remove_if(
         begin, begin + static_cast<std::ptrdiff_t>(job.addition_count), [&](Addition const& each) {
-            return !m_additions.is_met_first(each.state, place(number, each.step));
+            return !m_additions.is_met_first(each.state, place(job.number, each.step));
         });
     job.addition_count = static_cast<std::size_t>(kept - begin);
 }
@@ -152,19 +151,18 @@ bool SharedRound::make_room() try {
     std::uint64_t steps = 0;
     std::uint64_t transitions = 0;
     StateNumber states = m_states.size();
-    for (std::size_t number = 0; number < m_job_count; ++number) {
-        Job& job = m_jobs[number];
-        job.first_number = states;
-        job.room = {number * m_size.sources, transitions};
-        states += static_cast<StateNumber>(job.addition_count);
-        steps += job.steps;
-        transitions += job.rows.transition_count();
+    for (Job* const job : m_jobs) {
+        job->first_number = states;
+        job->room = {job->number * m_size.sources, transitions};
+        states += static_cast<StateNumber>(job->addition_count);
+        steps += job->steps;
+        transitions += job->rows.transition_count();
     }
     m_additions.make_room_for_words(states);
     LtsBuilder::Room const room = m_rows.make_room(m_size.last - m_size.first, transitions);
-    for (std::size_t number = 0; number < m_job_count; ++number) {
-        m_jobs[number].room.first_row += room.first_row;
-        m_jobs[number].room.first_transition += room.first_transition;
+    for (Job* const job : m_jobs) {
+        job->room.first_row += room.first_row;
+        job->room.first_transition += room.first_transition;
     }
     m_steps = steps;
     return true;
@@ -173,16 +171,15 @@ bool SharedRound::make_room() try {
 }
 
 void SharedRound::take_back() noexcept {
-    for (std::size_t number = 0; number < m_job_count; ++number) {
-        for (std::size_t i = 0; i < m_jobs[number].addition_count; ++i) {
-            m_additions.take_back(m_jobs[number].additions[i].state);
+    for (Job const* const job : m_jobs) {
+        for (std::size_t i = 0; job != nullptr && i < job->addition_count; ++i) {
+            m_additions.take_back(job->additions[i].state);
         }
     }
 }
 
 /// The third work.
-void SharedRound::give_numbers(std::size_t number) noexcept {
-    Job const& job = m_jobs[number];
+void SharedRound::give_numbers(Job& job) noexcept {
     for (std::size_t i = 0; i < job.addition_count; ++i) {
         if (i + number_distance < job.addition_count) {
             m_additions.prefetch_entry(job.additions[i + number_distance].state);
@@ -193,8 +190,7 @@ void SharedRound::give_numbers(std::size_t number) noexcept {
 }
 
 /// The fourth work.
-void SharedRound::copy_rows(std::size_t number) noexcept {
-    Job const& job = m_jobs[number];
+void SharedRound::copy_rows(Job& job) noexcept {
     m_rows.copy(job.rows, job.room,
                 [this](StateNumber target) { return m_additions.number(target); });
 }

@@ -28,10 +28,11 @@ namespace Calder::StateSpace {
 /// enough room, or memory), the additions are taken back, and it is as if the round had not been: one thread
 /// then comes to what happened at its place in the order, and meets it as it would without a team.
 ///
-/// In the later works a thread has the jobs that it took in the first one, whose memory is in its cache.
+/// In the later works a thread has the jobs that it took in the first one, whose memory is in its cache, and was
+/// its own in earlier rounds.
 ///
 /// A round costs four meetings of the team, some microseconds each where processors are idle, and an addition
-/// 24 bytes and its words while the round lasts. Numbers are given after each round, not each level, as much of
+/// 16 bytes and its words while the round lasts. Numbers are given after each round, not each level, as much of
 /// what is to be written to is still in a cache then; with the second work this takes a twentieth of a run. It
 /// is done even where nobody will look at the numbers, so that a limit on states ends a run at the same
 /// transition with any number of threads.
@@ -69,6 +70,7 @@ class SharedRound {
     struct alignas(64) Job {
         explicit Job(bool keep) : rows(keep) {}
 
+        std::size_t number = 0;
         FoundRows rows; // targets that have no number yet are additions
         std::uint64_t steps = 0;
         std::vector<Addition> additions; // there may be more than `addition_count`
@@ -80,19 +82,20 @@ class SharedRound {
         SearchJob search;
         LookingAhead<SharedAdditions> ahead;
         SharedAdditions::Adder adder;
-        std::vector<std::size_t> jobs; // that it has taken in this round
+        std::deque<Job> jobs; // there may be more than it has taken in this round
+        std::size_t job_count = 0;
     };
 
     [[nodiscard]] bool explore_shared();
     void begin(Size const& size);
     void find(Worker& worker, std::size_t number) noexcept;
-    void look_up(Worker& worker, std::size_t number);
-    void for_jobs_of_each(void (SharedRound::*work)(std::size_t) noexcept);
-    void keep_first(std::size_t number) noexcept;
+    void look_up(Worker& worker, Job& job);
+    void for_jobs_of_each(void (SharedRound::*work)(Job&) noexcept);
+    void keep_first(Job& job) noexcept;
     [[nodiscard]] bool make_room();
     void take_back() noexcept;
-    void give_numbers(std::size_t number) noexcept;
-    void copy_rows(std::size_t number) noexcept;
+    void give_numbers(Job& job) noexcept;
+    void copy_rows(Job& job) noexcept;
 
     [[nodiscard]] static SharedAdditions::Place place(std::size_t job, std::size_t step) noexcept {
         return SharedAdditions::Place{job} << 32 | step;
@@ -104,9 +107,8 @@ class SharedRound {
     FoundRows& m_rows;
     SharedAdditions m_additions{m_states.kept()};
     Size m_size{};
-    std::size_t m_job_count = 0;
     std::uint64_t m_steps = 0;
-    std::deque<Job> m_jobs; // there may be more than these
+    std::vector<Job*> m_jobs; // by number; null where it was not done
     std::vector<Worker> m_workers;
     std::atomic<std::int64_t> m_room_left = 0; // for additions
     std::atomic<bool> m_is_over = false;       // something happened
