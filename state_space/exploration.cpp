@@ -1,6 +1,7 @@
 #include "state_space/exploration.h"
 
 #include "process_compiler/recursion_watch.h"
+#include "state_space/component_memory.h"
 #include "state_space/lts_builder.h"
 #include "state_space/stack_guard.h"
 #include "state_space/state_table.h"
@@ -26,6 +27,7 @@ class Explorer {
         try {
             ProcessCompiler::RecursionWatch const watch(m_stack.lowest(),
                                                         [this] { look_between_reports(); });
+            ProcessCompiler::MemoryInUse const in_use(m_components);
             explore_from(start);
         } catch (std::bad_alloc const&) {
             m_monitor.stop(Outcome::memory_limit);
@@ -46,6 +48,7 @@ class Explorer {
     SearchMonitor& m_monitor;
     StackGuard const m_stack{};
     StateTable m_states;
+    ComponentMemory m_components{m_states};
     LtsBuilder m_builder;
     StateNumber m_depth = 0;
 };
@@ -99,7 +102,8 @@ bool Explorer::look_around() {
     std::uint64_t const ahead = m_monitor.work_ahead();
     return m_monitor.look_around(
         Progress{states, m_builder.transition_count(), explored, states - explored, m_depth},
-        m_states.growth_bytes(ahead) + m_builder.growth_bytes(ahead));
+        m_states.growth_bytes(ahead) + m_components.growth_bytes(ahead) +
+            m_builder.growth_bytes(ahead));
 }
 
 /// An operator that synchronises collects what its arguments offer, which may take hours, before

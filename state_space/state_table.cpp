@@ -15,6 +15,10 @@ namespace {
 constexpr unsigned first_slot_bits = 8;
 constexpr unsigned tag_bits = 32;
 
+std::uint32_t tag_of(std::uint64_t hash) {
+    return static_cast<std::uint32_t>(mix(hash) >> tag_bits);
+}
+
 bool are_equal(ProcessPointer const& known, ProcessPointer const& term, std::uint64_t hash) {
     if (known == term) {
         return true;
@@ -33,19 +37,25 @@ StateNumber StateTable::find_or_add(ProcessPointer const& term, StateNumber max_
         grow();
     }
     std::uint64_t const hash = term->hash_code();
-    auto const tag = static_cast<std::uint32_t>(mix(hash) >> tag_bits);
-    std::size_t slot = first_slot(tag);
-    for (; m_slots[slot].state != no_state; slot = (slot + 1) & (m_slots.size() - 1)) {
-        if (m_slots[slot].tag == tag && are_equal(m_terms[m_slots[slot].state], term, hash)) {
-            return m_slots[slot].state;
-        }
+    std::uint32_t const tag = tag_of(hash);
+    Slot& slot = m_slots[slot_of(term, hash, tag)];
+    if (slot.state != no_state) {
+        return slot.state;
     }
     if (size() >= max_states) {
         return no_state;
     }
     m_terms.push_back(term);
-    m_slots[slot] = Slot{tag, size() - 1};
+    slot = Slot{tag, size() - 1};
     return size() - 1;
+}
+
+StateNumber StateTable::find(ProcessPointer const& term) const {
+    if (m_slots.empty()) {
+        return no_state;
+    }
+    std::uint64_t const hash = term->hash_code();
+    return m_slots[slot_of(term, hash, tag_of(hash))].state;
 }
 
 std::uint64_t StateTable::memory_bytes() const noexcept {
@@ -66,6 +76,18 @@ bool StateTable::must_grow_for(std::uint64_t states) const noexcept {
 std::size_t StateTable::first_slot(std::uint32_t tag) const noexcept {
     return m_slot_bits <= tag_bits ? tag >> (tag_bits - m_slot_bits)
                                    : std::size_t{tag} << (m_slot_bits - tag_bits);
+}
+
+/// The slot that has the term, or the free one that it belongs into.
+std::size_t StateTable::slot_of(ProcessPointer const& term, std::uint64_t hash,
+                                std::uint32_t tag) const {
+    std::size_t slot = first_slot(tag);
+    for (; m_slots[slot].state != no_state; slot = (slot + 1) & (m_slots.size() - 1)) {
+        if (m_slots[slot].tag == tag && are_equal(m_terms[m_slots[slot].state], term, hash)) {
+            break;
+        }
+    }
+    return slot;
 }
 
 void StateTable::grow() {

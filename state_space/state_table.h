@@ -24,6 +24,9 @@ class CALDER_STATE_SPACE_EXPORT StateTable {
     StateNumber find_or_add(ProcessCompiler::ProcessPointer const& term,
                             StateNumber max_states = no_state);
 
+    /// The state of the term; no_state when there is none.
+    [[nodiscard]] StateNumber find(ProcessCompiler::ProcessPointer const& term) const;
+
     /// The reference is good until a term is added, the term as long as the table.
     [[nodiscard]] ProcessCompiler::ProcessPointer const& term(StateNumber state) const {
         return m_terms[state];
@@ -42,6 +45,8 @@ class CALDER_STATE_SPACE_EXPORT StateTable {
 
     [[nodiscard]] bool must_grow_for(std::uint64_t states) const noexcept;
     [[nodiscard]] std::size_t first_slot(std::uint32_t tag) const noexcept;
+    [[nodiscard]] std::size_t slot_of(ProcessCompiler::ProcessPointer const& term,
+                                      std::uint64_t hash, std::uint32_t tag) const;
     void grow();
 
     std::vector<Slot> m_slots; // 2^m_slot_bits of them, or none
