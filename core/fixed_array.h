@@ -102,16 +102,20 @@ template <typename T> class FixedArray {
         SmallBlocks::free(elements, length * sizeof(T));
     }
 
+    /// What changes is local, so that it stays in registers however the elements are built.
     template <typename Source> void build(std::size_t length, Source const& element) {
+        T* const elements = m_elements;
+        std::size_t built = 0;
         try {
-            for (; m_length < length; ++m_length) {
-                ::new (static_cast<void*>(m_elements + m_length)) T(element(m_length));
+            for (; built < length; ++built) {
+                ::new (static_cast<void*>(elements + built)) T(element(built));
             }
         } catch (...) {
-            std::destroy_n(m_elements, m_length);
-            deallocate(m_elements, length);
+            std::destroy_n(elements, built);
+            deallocate(elements, length);
             throw;
         }
+        m_length = length;
     }
 
     std::size_t m_length = 0;

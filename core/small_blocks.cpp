@@ -1,6 +1,7 @@
 #include "core/small_blocks.h"
 
 #include "core/address_sanitizer.h"
+#include "core/large_array.h"
 
 #include <algorithm>
 #include <array>
@@ -83,13 +84,23 @@ void leave_at_end() noexcept {
 
 constexpr std::size_t page_bytes = 4096;
 constexpr std::size_t first_piece = 8 * page_bytes;
-constexpr std::size_t last_piece = 256 * page_bytes;
+constexpr std::size_t last_small_piece = 256 * page_bytes;
+/// Large pages are asked for from here on: terms are met at random, which touches more small pages
+/// than the processor keeps translations for.
+constexpr std::size_t large_piece = 512 * page_bytes;
 
 /// A quarter of what there is, so small programs stay small. All of it will be used, and asking for
 /// its pages at once takes a fraction of what it takes to come upon them one by one.
 char* new_piece(Shared& all, std::size_t& bytes) {
-    bytes = std::clamp(all.bytes / 4 / first_piece * first_piece, first_piece, last_piece);
-    auto* const piece = static_cast<char*>(::operator new (bytes, std::align_val_t{page_bytes}));
+    if (all.bytes / 4 >= large_piece) {
+        bytes = large_piece;
+    } else {
+        bytes =
+            std::clamp(all.bytes / 4 / first_piece * first_piece, first_piece, last_small_piece);
+    }
+    auto* const piece = static_cast<char*>(
+        bytes == large_piece ? allocate_large(bytes)
+                             : ::operator new (bytes, std::align_val_t{page_bytes}));
 #ifdef MADV_POPULATE_WRITE
     madvise(piece, bytes, MADV_POPULATE_WRITE); // a wish, which older systems do not know
 #endif
@@ -140,7 +151,7 @@ void* SmallBlocks::allocate(std::size_t bytes) {
 }
 
 void SmallBlocks::free(void* block, std::size_t bytes) noexcept {
-    if (bytes > most_small_bytes || are_of_their_own()) {
+    if (bytes > most_small_bytes) {
         ::operator delete(block);
         return;
     }
@@ -149,6 +160,10 @@ void SmallBlocks::free(void* block, std::size_t bytes) noexcept {
     }
     AtHand& mine = at_hand;
     if (!mine.is_noted) [[unlikely]] {
+        if (are_of_their_own()) {
+            ::operator delete(block);
+            return;
+        }
         leave_at_end();
     }
     std::size_t const size = (bytes + grain - 1) / grain;

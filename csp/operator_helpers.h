@@ -85,15 +85,9 @@ struct CALDER_CSP_EXPORT SynchronisedVisit {
     }
 
     /// Combines what was kept, on each event of `synchronised` that every argument can perform.
-    [[nodiscard]] bool combine_on(BitSet const& synchronised) {
-        sort_sync_vectors(vectors);
-        return cart_product_synchronised_events(synchronised, vectors, arguments, visitor, op);
-    }
+    [[nodiscard]] bool combine_on(BitSet const& synchronised);
     /// Combines the runs of `scratch`; the whole performs `event`.
-    [[nodiscard]] bool combine(CartProductScratch& scratch, unsigned event) const {
-        return cart_product(arguments, vectors, scratch.start, scratch.end, scratch.joint_arguments,
-                            scratch.current, visitor, event, op);
-    }
+    [[nodiscard]] bool combine(CartProductScratch& scratch, unsigned event) const;
 
     /// Room made at once, so that most vectors are allocated once a visit.
     static constexpr std::size_t usual_candidates = 16;

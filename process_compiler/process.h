@@ -157,6 +157,10 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     /// nobody else uses yet and that was not asked for its hash code.
     virtual void set_arguments(ProcessArray const& arguments) = 0;
 
+    /// The code if it was asked for and the class keeps it in `m_hash`; 0 otherwise. Far cheaper than
+    /// to ask again.
+    std::uint64_t kept_hash() const noexcept { return m_hash.kept(); }
+
   protected:
     Process();
 
@@ -177,7 +181,11 @@ class CALDER_PROCESS_COMPILER_EXPORT CompilableProcess : public Process {
 
 /// What a term contributes to the hash code of a term around it: 0 when there is none.
 inline std::uint64_t hash_of(ProcessPointer const& process) {
-    return process ? process->hash_code() : 0;
+    if (!process) {
+        return 0;
+    }
+    std::uint64_t const kept = process->kept_hash();
+    return kept != 0 ? kept : process->hash_code();
 }
 
 } // namespace Calder::ProcessCompiler

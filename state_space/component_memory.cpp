@@ -35,7 +35,7 @@ std::optional<std::span<Step const>> ComponentMemory::find(ProcessPointer const&
                                                            NamedProcessSource const& source) {
     StateNumber component = m_terms.find(term);
     if (component == no_state) {
-        if (!was_asked(term->hash_code()) || steps_that_fit() < fewest_steps) {
+        if (!was_asked(hash_of(term)) || steps_that_fit() < fewest_steps) {
             return std::nullopt;
         }
         component = number(term);

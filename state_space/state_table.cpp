@@ -23,7 +23,7 @@ bool are_equal(ProcessPointer const& known, ProcessPointer const& term, std::uin
     if (known == term) {
         return true;
     }
-    if (known->hash_code() != hash) {
+    if (hash_of(known) != hash) {
         return false;
     }
     ProcessCompiler::SharedComparison const shared;
@@ -36,7 +36,7 @@ StateNumber StateTable::find_or_add(ProcessPointer const& term, StateNumber max_
     if (must_grow_for(m_terms.size() + 1)) {
         grow();
     }
-    std::uint64_t const hash = term->hash_code();
+    std::uint64_t const hash = hash_of(term);
     std::uint32_t const tag = tag_of(hash);
     Slot& slot = m_slots[slot_of(term, hash, tag)];
     if (slot.state != no_state) {
@@ -50,11 +50,44 @@ StateNumber StateTable::find_or_add(ProcessPointer const& term, StateNumber max_
     return size() - 1;
 }
 
+void StateTable::prefetch(std::uint64_t hash) const noexcept {
+    if (!m_slots.empty()) {
+        __builtin_prefetch(&m_slots[first_slot(tag_of(hash))]);
+    }
+}
+
+StateNumber StateTable::prefetch_candidate(std::uint64_t hash) const noexcept {
+    if (m_slots.empty()) {
+        return no_state;
+    }
+    std::uint32_t const tag = tag_of(hash);
+    std::size_t slot = first_slot(tag);
+    while (m_slots[slot].state != no_state && m_slots[slot].tag != tag) {
+        slot = (slot + 1) & (m_slots.size() - 1);
+    }
+    if (m_slots[slot].state != no_state) {
+        __builtin_prefetch(&m_terms[m_slots[slot].state]);
+    }
+    return m_slots[slot].state;
+}
+
+void StateTable::prefetch_term(StateNumber candidate) const noexcept {
+    if (candidate != no_state) {
+        __builtin_prefetch(m_terms[candidate].get());
+    }
+}
+
+void StateTable::prefetch_arguments(StateNumber candidate) const {
+    if (candidate != no_state && m_terms[candidate]->argument_count() > 0) {
+        __builtin_prefetch(&m_terms[candidate]->argument(0));
+    }
+}
+
 StateNumber StateTable::find(ProcessPointer const& term) const {
     if (m_slots.empty()) {
         return no_state;
     }
-    std::uint64_t const hash = term->hash_code();
+    std::uint64_t const hash = hash_of(term);
     return m_slots[slot_of(term, hash, tag_of(hash))].state;
 }
 
@@ -92,8 +125,8 @@ std::size_t StateTable::slot_of(ProcessPointer const& term, std::uint64_t hash,
 
 void StateTable::grow() {
     unsigned const bits = m_slots.empty() ? first_slot_bits : m_slot_bits + 1;
-    std::vector<Slot> const old =
-        std::exchange(m_slots, std::vector<Slot>(std::size_t{1} << bits, Slot{0, no_state}));
+    LargeVector<Slot> const old =
+        std::exchange(m_slots, LargeVector<Slot>(std::size_t{1} << bits, Slot{0, no_state}));
     m_slot_bits = bits;
     for (Slot const& taken : old) {
         if (taken.state != no_state) {
