@@ -15,18 +15,12 @@
 
 namespace Calder {
 
+constinit thread_local SmallBlocks::AtHand blocks_at_hand{};
+
 namespace {
 
-constexpr std::size_t grain = 16;
-constexpr std::size_t size_count =
-    SmallBlocks::most_small_bytes / grain + 1; // that of 0 is not used
-
-/// A block that nobody has.
-struct Block {
-    Block* next;
-};
-
-using Lists = std::array<Block*, size_count>; // by size
+using Block = SmallBlocks::Block;
+using Lists = std::array<Block*, SmallBlocks::size_count>; // by size
 
 /// What threads that ended have left, and how much there is in all.
 struct Shared {
@@ -41,25 +35,12 @@ Shared& shared() {
     return made;
 }
 
-/// What one thread has at hand. Nothing has to run for it where a thread begins.
-struct AtHand {
-    Lists lists;
-    char* next; // of the piece from which blocks are cut
-    char* end;
-    bool is_noted; // that `leave` is to be called
-};
-
-#if defined(__GNUC__)
-[[gnu::tls_model("initial-exec")]]
-#endif
-thread_local constinit AtHand at_hand{};
-
 /// Leaves to others what the thread has, but for the rest of its piece.
 void leave(void*) noexcept {
     std::scoped_lock const lock(shared().mutex);
-    for (std::size_t size = 1; size < size_count; ++size) {
-        Block* const left = std::exchange(shared().left[size], at_hand.lists[size]);
-        at_hand.lists[size] = nullptr;
+    for (std::size_t size = 1; size < SmallBlocks::size_count; ++size) {
+        Block* const left = std::exchange(shared().left[size], blocks_at_hand.lists[size]);
+        blocks_at_hand.lists[size] = nullptr;
         Block** end = &shared().left[size];
         while (left != nullptr && *end != nullptr) {
             end = &(*end)->next;
@@ -68,17 +49,17 @@ void leave(void*) noexcept {
             *end = left;
         }
     }
-    at_hand.is_noted = false;
+    blocks_at_hand.is_noted = false;
 }
 
 /// Has `leave` called when the thread ends. A thread-local object with a destructor would do so,
 /// too, but the C library ends the program where it lacks the memory to note it.
 void leave_at_end() noexcept {
-    at_hand.is_noted = true;
+    blocks_at_hand.is_noted = true;
     static pthread_key_t key;
     static bool const is_made = pthread_key_create(&key, leave) == 0;
     if (is_made) {
-        pthread_setspecific(key, &at_hand); // otherwise the thread's blocks are lost
+        pthread_setspecific(key, &blocks_at_hand); // otherwise the thread's blocks are lost
     }
 }
 
@@ -108,66 +89,53 @@ char* new_piece(Shared& all, std::size_t& bytes) {
     return piece;
 }
 
-/// Out of line, as it is seldom: takes what others left, or a new piece.
-[[gnu::noinline]] void* allocate_anew(std::size_t size) {
-    if (SmallBlocks::are_of_their_own()) {
-        return ::operator new(size* grain);
-    }
-    if (!at_hand.is_noted) {
-        leave_at_end();
-    }
+/// What others left of that size, or a block of a new piece.
+void* take_from_all(std::size_t size) {
     Shared& all = shared();
     std::scoped_lock const lock(all.mutex);
     if (Block* const block = all.left[size]) {
-        at_hand.lists[size] = block->next;
+        blocks_at_hand.lists[size] = block->next;
         all.left[size] = nullptr;
         return block;
     }
     std::size_t bytes = 0;
     char* const piece = new_piece(all, bytes);
-    at_hand.next = piece + size * grain;
-    at_hand.end = piece + bytes;
+    blocks_at_hand.next = piece + size * SmallBlocks::grain;
+    blocks_at_hand.end = piece + bytes;
     return piece;
 }
 
 } // namespace
 
-void* SmallBlocks::allocate(std::size_t bytes) {
+/// Where no freed block of the size is at hand.
+void* SmallBlocks::allocate_anew(std::size_t bytes) {
     if (bytes > most_small_bytes) {
         return ::operator new(bytes);
     }
-    std::size_t const size = (bytes + grain - 1) / grain;
-    AtHand& mine = at_hand;
-    if (Block* const block = mine.lists[size]) {
-        mine.lists[size] = block->next;
-        return block;
-    }
+    AtHand& mine = blocks_at_hand;
+    std::size_t const size = in_grains(bytes);
     if (static_cast<std::size_t>(mine.end - mine.next) >= size * grain) {
         void* const block = mine.next;
         mine.next += size * grain;
         return block;
     }
-    return allocate_anew(size);
+    if (are_of_their_own()) {
+        return ::operator new(size* grain);
+    }
+    if (!mine.is_noted) {
+        leave_at_end();
+    }
+    return take_from_all(size);
 }
 
-void SmallBlocks::free(void* block, std::size_t bytes) noexcept {
-    if (bytes > most_small_bytes) {
+/// What is not small, or the first that the thread frees.
+void SmallBlocks::free_otherwise(void* block, std::size_t bytes) noexcept {
+    if (bytes > most_small_bytes || are_of_their_own()) {
         ::operator delete(block);
         return;
     }
-    if (block == nullptr) {
-        return;
-    }
-    AtHand& mine = at_hand;
-    if (!mine.is_noted) [[unlikely]] {
-        if (are_of_their_own()) {
-            ::operator delete(block);
-            return;
-        }
-        leave_at_end();
-    }
-    std::size_t const size = (bytes + grain - 1) / grain;
-    mine.lists[size] = ::new (block) Block{mine.lists[size]};
+    leave_at_end();
+    free(block, bytes);
 }
 
 bool SmallBlocks::are_of_their_own() noexcept {

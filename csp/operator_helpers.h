@@ -73,10 +73,11 @@ struct CALDER_CSP_EXPORT SynchronisedVisit {
 
     /// A transition of the argument that is asked, for later. Returns true: the argument goes on.
     bool keep(unsigned event, ProcessPointer const& successor) {
-        if (vectors[moving].empty()) {
-            vectors[moving].reserve(usual_candidates);
+        SyncVector& kept = vectors[moving];
+        if (kept.capacity() == 0) {
+            kept.reserve(usual_candidates);
         }
-        vectors[moving].emplace_back(event, successor);
+        kept.emplace_back(event, successor);
         return true;
     }
     /// The argument that is asked moves alone; returns what the visitor answers.

@@ -162,7 +162,7 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     std::uint64_t kept_hash() const noexcept { return m_hash.kept(); }
 
   protected:
-    Process();
+    Process() = default;
 
     /// This very term as a successor.
     ProcessPointer self() const;
@@ -175,7 +175,7 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
 /// are only ever explored; only a reference to a named process is not.
 class CALDER_PROCESS_COMPILER_EXPORT CompilableProcess : public Process {
   public:
-    CompilableProcess();
+    CompilableProcess() = default;
     ~CompilableProcess() override;
 };
 
