@@ -1,10 +1,10 @@
 #include "core/fixed_array.h"
 #include "core/reference_counted.h"
 
+#include <boost/intrusive_ptr.hpp>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <boost/intrusive_ptr.hpp>
 #include <stdexcept>
 
 namespace Calder {

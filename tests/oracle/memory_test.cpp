@@ -27,12 +27,9 @@ struct TakesTooLong {};
 /// from one on; none.
 bool is_refused(unsigned way, StateNumber state, std::size_t call) {
     switch (way) {
-    case 0:
-        return false;
-    case 1:
-        return call >= state % 5;
-    default:
-        return (call + state) % 4 == 3;
+    case 0: return false;
+    case 1: return call >= state % 5;
+    default: return (call + state) % 4 == 3;
     }
 }
 
@@ -70,8 +67,8 @@ std::optional<std::string> difference_in(Model const& model, std::size_t& rememb
         }
     });
     std::size_t transitions = 0;
-    for (StateNumber state = 0; state < std::min(states.size(), states_compared) &&
-                                transitions < transitions_compared;
+    for (StateNumber state = 0;
+         state < std::min(states.size(), states_compared) && transitions < transitions_compared;
          ++state) {
         for (unsigned way : {0, 1, 2, 0}) {
             Visit const plain = visit(state, way, source, states);

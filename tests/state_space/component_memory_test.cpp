@@ -1,3 +1,4 @@
+#include "process_compiler/named_process_source.h"
 #include "state_space/component_memory.h"
 #include "tests/state_space/graph_terms.h"
 
@@ -22,8 +23,8 @@ Graph wide() {
 class ComponentMemoryTest : public testing::Test {
   protected:
     /// Each time a term of its own, which only equality tells to be the same.
-    auto find(Graph const& graph, unsigned node) {
-        return memory.find(new NodeTerm(graph, node), source);
+    auto find(Graph const& graph, unsigned node, char const* label = "") {
+        return memory.find(new NodeTerm(graph, node, label), source);
     }
 
     NamedProcessSource const source;
@@ -60,7 +61,7 @@ TEST_F(ComponentMemoryTest, equal_successors_become_one_term) {
 TEST_F(ComponentMemoryTest, takes_no_more_than_its_share) {
     Graph const graph = wide();
     for (unsigned time = 0; time < 3; ++time) {
-        EXPECT_FALSE(find(graph, 0)) << "too wide for an exploration without states";
+        EXPECT_FALSE(find(graph, 0, "wide ")) << "too wide for an exploration without states";
     }
     // Small ones still fit, as long as there is room.
     EXPECT_FALSE(find(diamond, 0));
@@ -70,8 +71,8 @@ TEST_F(ComponentMemoryTest, takes_no_more_than_its_share) {
         many.rows.push_back({{3, node}});
     }
     for (unsigned node = 0; node < 2'000; ++node) {
-        find(many, node);
-        find(many, node);
+        find(many, node, "one of many ");
+        find(many, node, "one of many ");
     }
     EXPECT_GT(memory.size(), 100U);
     EXPECT_LT(memory.size(), 500U);
@@ -80,8 +81,8 @@ TEST_F(ComponentMemoryTest, takes_no_more_than_its_share) {
         states.find_or_add(new NodeTerm(diamond, node, "state "));
     }
     for (unsigned node = 0; node < 2'000; ++node) {
-        find(many, node);
-        find(many, node);
+        find(many, node, "one of many ");
+        find(many, node, "one of many ");
     }
     EXPECT_GT(memory.size(), before + 400) << "more states, more room";
 }
