@@ -20,6 +20,21 @@ Graph wide() {
     return graph;
 }
 
+/// Goes on when it is refused, as a joint tick does.
+class Insistent : public ProcessCompiler::Testing::FakeProcess {
+  public:
+    Insistent() : FakeProcess("insistent") {
+        transitions.assign(40'000, {3, ProcessPointer(new FakeProcess("next"))});
+    }
+    bool visit_transitions(NamedProcessSource const&,
+                           TransitionVisitor const& visitor) const override {
+        for (auto const& [event, successor] : transitions) {
+            visitor(event, successor);
+        }
+        return true;
+    }
+};
+
 class ComponentMemoryTest : public testing::Test {
   protected:
     /// Each time a term of its own, which only equality tells to be the same.
@@ -62,6 +77,10 @@ TEST_F(ComponentMemoryTest, takes_no_more_than_its_share) {
     Graph const graph = wide();
     for (unsigned time = 0; time < 3; ++time) {
         EXPECT_FALSE(find(graph, 0, "wide ")) << "too wide for an exploration without states";
+    }
+    ProcessPointer const insistent(new Insistent());
+    for (unsigned time = 0; time < 3; ++time) {
+        EXPECT_FALSE(memory.find(insistent, source)) << "only a part was remembered";
     }
     // Small ones still fit, as long as there is room.
     EXPECT_FALSE(find(diamond, 0));
