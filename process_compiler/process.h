@@ -167,7 +167,7 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     /// This very term as a successor.
     ProcessPointer self() const;
 
-    /// Filled when the code is first asked for.
+    /// Filled when the code is first asked for, with just what `hash_code` answers: see kept_hash.
     CachedHash m_hash;
 };
 
