@@ -90,6 +90,27 @@ template <typename T> class FixedArray {
     [[nodiscard]] T const* end() const noexcept { return m_elements + m_length; }
     /// @}
 
+  protected:
+    /// The storage of a derived class that has some for short arrays: see ReferencesInPlace.
+    struct Room {
+        void* storage;
+        std::size_t length;
+    };
+
+    /// `element(i)` for each index; in the room where that is long enough. None may throw.
+    template <typename Source> FixedArray(Room room, std::size_t length, Source const& element)
+        : m_elements(length <= room.length ? static_cast<T*>(room.storage) : allocate(length)) {
+        build(length, element);
+    }
+
+    /// Before the destructor: what stands in the room is not freed.
+    void leave(Room room) noexcept {
+        if (m_elements == room.storage) {
+            m_elements = nullptr;
+            m_length = 0;
+        }
+    }
+
   private:
     [[nodiscard]] static T* allocate(std::size_t length) {
         if (length > SIZE_MAX / sizeof(T)) {
@@ -102,16 +123,20 @@ template <typename T> class FixedArray {
         SmallBlocks::free(elements, length * sizeof(T));
     }
 
+    /// What changes is local, so that it stays in registers however the elements are built.
     template <typename Source> void build(std::size_t length, Source const& element) {
+        T* const elements = m_elements;
+        std::size_t built = 0;
         try {
-            for (; m_length < length; ++m_length) {
-                ::new (static_cast<void*>(m_elements + m_length)) T(element(m_length));
+            for (; built < length; ++built) {
+                ::new (static_cast<void*>(elements + built)) T(element(built));
             }
         } catch (...) {
-            std::destroy_n(m_elements, m_length);
-            deallocate(m_elements, length);
+            std::destroy_n(elements, built);
+            deallocate(elements, length);
             throw;
         }
+        m_length = length;
     }
 
     std::size_t m_length = 0;
@@ -141,6 +166,43 @@ template <typename T> class OwningArray : public FixedArray<T> {
     OwningArray& operator=(OwningArray&&) = delete;
 
     ~OwningArray() { std::destroy(this->begin(), this->end()); }
+};
+
+/// A base class, so that it is there before the array that is built in it.
+template <typename T, std::size_t length> struct ReferencesInPlaceRoom {
+    alignas(T) std::byte m_room[length * sizeof(T)];
+};
+
+/// An array of counted pointers that releases what they hold, like an OwningArray. Up to `room` of
+/// them stand in the array itself, beside what else its owner has, and are not allocated. So it is
+/// neither copied nor moved.
+template <typename Pointer, std::size_t room>
+class ReferencesInPlace : private ReferencesInPlaceRoom<Pointer, room>, public FixedArray<Pointer> {
+    using Array = FixedArray<Pointer>;
+
+  public:
+    /// @{
+    /// As of FixedArray.
+    ReferencesInPlace(std::initializer_list<Pointer> elements)
+        : Array(own_room(), elements.size(),
+                [&](std::size_t i) -> Pointer const& { return elements.begin()[i]; }) {}
+    explicit ReferencesInPlace(Array const& other)
+        : Array(own_room(), other.size(),
+                [&](std::size_t i) -> Pointer const& { return other[i]; }) {}
+    ReferencesInPlace(Array const& other, std::size_t index, Pointer const& replacement)
+        : Array(own_room(), other.size(), [&](std::size_t i) -> Pointer const& {
+              return i == index ? replacement : other[i];
+          }) {}
+    /// @}
+    ReferencesInPlace(ReferencesInPlace const&) = delete;
+    ReferencesInPlace& operator=(ReferencesInPlace const&) = delete;
+    ~ReferencesInPlace() {
+        std::destroy(this->begin(), this->end());
+        this->leave(own_room());
+    }
+
+  private:
+    typename Array::Room own_room() noexcept { return {this->m_room, room}; }
 };
 
 } // namespace Calder

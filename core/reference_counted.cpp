@@ -10,7 +10,11 @@ struct Disposal {
     AtomicReferenceCounted const* waiting = nullptr;
 };
 
-thread_local Disposal disposal;
+/// Found without a call, as each object that goes asks for it.
+#if defined(__GNUC__)
+[[gnu::tls_model("initial-exec")]]
+#endif
+thread_local constinit Disposal disposal{};
 
 } // namespace
 

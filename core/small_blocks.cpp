@@ -1,6 +1,7 @@
 #include "core/small_blocks.h"
 
 #include "core/address_sanitizer.h"
+#include "core/large_array.h"
 
 #include <algorithm>
 #include <array>
@@ -14,18 +15,12 @@
 
 namespace Calder {
 
+constinit thread_local SmallBlocks::AtHand blocks_at_hand{};
+
 namespace {
 
-constexpr std::size_t grain = 16;
-constexpr std::size_t size_count =
-    SmallBlocks::most_small_bytes / grain + 1; // that of 0 is not used
-
-/// A block that nobody has.
-struct Block {
-    Block* next;
-};
-
-using Lists = std::array<Block*, size_count>; // by size
+using Block = SmallBlocks::Block;
+using Lists = std::array<Block*, SmallBlocks::size_count>; // by size
 
 /// What threads that ended have left, and how much there is in all.
 struct Shared {
@@ -40,25 +35,12 @@ Shared& shared() {
     return made;
 }
 
-/// What one thread has at hand. Nothing has to run for it where a thread begins.
-struct AtHand {
-    Lists lists;
-    char* next; // of the piece from which blocks are cut
-    char* end;
-    bool is_noted; // that `leave` is to be called
-};
-
-#if defined(__GNUC__)
-[[gnu::tls_model("initial-exec")]]
-#endif
-thread_local constinit AtHand at_hand{};
-
 /// Leaves to others what the thread has, but for the rest of its piece.
 void leave(void*) noexcept {
     std::scoped_lock const lock(shared().mutex);
-    for (std::size_t size = 1; size < size_count; ++size) {
-        Block* const left = std::exchange(shared().left[size], at_hand.lists[size]);
-        at_hand.lists[size] = nullptr;
+    for (std::size_t size = 1; size < SmallBlocks::size_count; ++size) {
+        Block* const left = std::exchange(shared().left[size], blocks_at_hand.lists[size]);
+        blocks_at_hand.lists[size] = nullptr;
         Block** end = &shared().left[size];
         while (left != nullptr && *end != nullptr) {
             end = &(*end)->next;
@@ -67,29 +49,39 @@ void leave(void*) noexcept {
             *end = left;
         }
     }
-    at_hand.is_noted = false;
+    blocks_at_hand.is_noted = false;
 }
 
 /// Has `leave` called when the thread ends. A thread-local object with a destructor would do so,
 /// too, but the C library ends the program where it lacks the memory to note it.
 void leave_at_end() noexcept {
-    at_hand.is_noted = true;
+    blocks_at_hand.is_noted = true;
     static pthread_key_t key;
     static bool const is_made = pthread_key_create(&key, leave) == 0;
     if (is_made) {
-        pthread_setspecific(key, &at_hand); // otherwise the thread's blocks are lost
+        pthread_setspecific(key, &blocks_at_hand); // otherwise the thread's blocks are lost
     }
 }
 
 constexpr std::size_t page_bytes = 4096;
 constexpr std::size_t first_piece = 8 * page_bytes;
-constexpr std::size_t last_piece = 256 * page_bytes;
+constexpr std::size_t last_small_piece = 256 * page_bytes;
+/// Large pages are asked for from here on: terms are met at random, which touches more small pages
+/// than the processor keeps translations for.
+constexpr std::size_t large_piece = 512 * page_bytes;
 
 /// A quarter of what there is, so small programs stay small. All of it will be used, and asking for
 /// its pages at once takes a fraction of what it takes to come upon them one by one.
 char* new_piece(Shared& all, std::size_t& bytes) {
-    bytes = std::clamp(all.bytes / 4 / first_piece * first_piece, first_piece, last_piece);
-    auto* const piece = static_cast<char*>(::operator new (bytes, std::align_val_t{page_bytes}));
+    if (all.bytes / 4 >= large_piece) {
+        bytes = large_piece;
+    } else {
+        bytes =
+            std::clamp(all.bytes / 4 / first_piece * first_piece, first_piece, last_small_piece);
+    }
+    auto* const piece = static_cast<char*>(
+        bytes == large_piece ? allocate_large(bytes)
+                             : ::operator new (bytes, std::align_val_t{page_bytes}));
 #ifdef MADV_POPULATE_WRITE
     madvise(piece, bytes, MADV_POPULATE_WRITE); // a wish, which older systems do not know
 #endif
@@ -97,62 +89,53 @@ char* new_piece(Shared& all, std::size_t& bytes) {
     return piece;
 }
 
-/// Out of line, as it is seldom: takes what others left, or a new piece.
-[[gnu::noinline]] void* allocate_anew(std::size_t size) {
-    if (SmallBlocks::are_of_their_own()) {
-        return ::operator new(size* grain);
-    }
-    if (!at_hand.is_noted) {
-        leave_at_end();
-    }
+/// What others left of that size, or a block of a new piece.
+void* take_from_all(std::size_t size) {
     Shared& all = shared();
     std::scoped_lock const lock(all.mutex);
     if (Block* const block = all.left[size]) {
-        at_hand.lists[size] = block->next;
+        blocks_at_hand.lists[size] = block->next;
         all.left[size] = nullptr;
         return block;
     }
     std::size_t bytes = 0;
     char* const piece = new_piece(all, bytes);
-    at_hand.next = piece + size * grain;
-    at_hand.end = piece + bytes;
+    blocks_at_hand.next = piece + size * SmallBlocks::grain;
+    blocks_at_hand.end = piece + bytes;
     return piece;
 }
 
 } // namespace
 
-void* SmallBlocks::allocate(std::size_t bytes) {
+/// Where no freed block of the size is at hand.
+void* SmallBlocks::allocate_anew(std::size_t bytes) {
     if (bytes > most_small_bytes) {
         return ::operator new(bytes);
     }
-    std::size_t const size = (bytes + grain - 1) / grain;
-    AtHand& mine = at_hand;
-    if (Block* const block = mine.lists[size]) {
-        mine.lists[size] = block->next;
-        return block;
-    }
+    AtHand& mine = blocks_at_hand;
+    std::size_t const size = in_grains(bytes);
     if (static_cast<std::size_t>(mine.end - mine.next) >= size * grain) {
         void* const block = mine.next;
         mine.next += size * grain;
         return block;
     }
-    return allocate_anew(size);
+    if (are_of_their_own()) {
+        return ::operator new(size* grain);
+    }
+    if (!mine.is_noted) {
+        leave_at_end();
+    }
+    return take_from_all(size);
 }
 
-void SmallBlocks::free(void* block, std::size_t bytes) noexcept {
+/// What is not small, or the first that the thread frees.
+void SmallBlocks::free_otherwise(void* block, std::size_t bytes) noexcept {
     if (bytes > most_small_bytes || are_of_their_own()) {
         ::operator delete(block);
         return;
     }
-    if (block == nullptr) {
-        return;
-    }
-    AtHand& mine = at_hand;
-    if (!mine.is_noted) [[unlikely]] {
-        leave_at_end();
-    }
-    std::size_t const size = (bytes + grain - 1) / grain;
-    mine.lists[size] = ::new (block) Block{mine.lists[size]};
+    leave_at_end();
+    free(block, bytes);
 }
 
 bool SmallBlocks::are_of_their_own() noexcept {

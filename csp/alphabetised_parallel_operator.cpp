@@ -33,7 +33,6 @@ AlphabetisedParallelOperator::AlphabetisedParallelOperator(std::vector<BitSet> c
     for (std::size_t i = 0; i < alphabets.size(); ++i) {
         m_alphabets[i] = alphabets[i];
         m_alphabets[i].insert(tick);
-        m_alphabet_union.setunion(m_alphabets[i]);
     }
 }
 
@@ -45,14 +44,20 @@ bool AlphabetisedParallelOperator::visit_transitions(NamedProcessSource const& s
     if (arguments.empty()) {
         return true;
     }
-    SynchronisedVisit visit(self(), arguments, visitor);
+    struct Visit : SynchronisedVisit {
+        using SynchronisedVisit::SynchronisedVisit;
+        BitSet offered; // by arguments that have it in their alphabets
+    } visit(self(), arguments, visitor);
     if (!visit_each(arguments, visit.moving, source,
                     [this, &visit](unsigned event, ProcessPointer const& successor) {
                         if (event == tau) {
                             return visit.move(tau, successor);
                         }
-                        return !m_alphabets[visit.moving].member(event) ||
-                               visit.keep(event, successor);
+                        if (!m_alphabets[visit.moving].member(event)) {
+                            return true;
+                        }
+                        visit.offered.insert(event);
+                        return visit.keep(event, successor);
                     })) {
         return false;
     }
@@ -61,7 +66,7 @@ bool AlphabetisedParallelOperator::visit_transitions(NamedProcessSource const& s
         visit.vectors[i].emplace_back(no_event, arguments[i]); // by which it stays as it is
     }
     CartProductScratch scratch(arguments.size());
-    for (unsigned const event : m_alphabet_union) {
+    for (unsigned const event : visit.offered) { // what nobody offers nobody performs
         if (find_runs(m_alphabets, visit.vectors, event, scratch) &&
             !visit.combine(scratch, event)) {
             return false;

@@ -60,7 +60,6 @@ class CALDER_CSP_EXPORT AlphabetisedParallelOperator
                                        OperatorProcess const& process) const override;
 
   private:
-    BitSet m_alphabet_union;
     OwningArray<BitSet> m_alphabets;
 };
 

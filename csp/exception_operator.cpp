@@ -2,6 +2,7 @@
 
 #include "csp/colours.h"
 #include "csp/shared_stop.h"
+#include "process_compiler/transition_memory.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -22,8 +23,8 @@ bool ExceptionOperator::visit_transitions(NamedProcessSource const& source,
         ProcessPointer const& handler;
         TransitionVisitor const& visitor;
     } const step{m_events, self(), arguments[1], visitor};
-    return arguments[0]->visit_transitions(
-        source, [&step](unsigned event, ProcessPointer const& successor) {
+    return visit_argument(
+        arguments[0], source, [&step](unsigned event, ProcessPointer const& successor) {
             if (event == tick) {
                 return step.visitor(tick, shared_stop);
             }

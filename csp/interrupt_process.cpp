@@ -3,6 +3,7 @@
 #include "csp/colours.h"
 #include "csp/shared_stop.h"
 #include "process_compiler/recursion_watch.h"
+#include "process_compiler/transition_memory.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -21,16 +22,16 @@ bool InterruptProcess::visit_transitions(NamedProcessSource const& source,
         ProcessPointer const& second;
         TransitionVisitor const& visitor;
     } const step{m_first, m_second, visitor};
-    return m_first->visit_transitions(source,
-                                      [&step](unsigned event, ProcessPointer const& successor) {
-                                          if (event == tick) {
-                                              return step.visitor(tick, shared_stop);
-                                          }
-                                          return step.visitor(
-                                              event, new InterruptProcess(successor, step.second));
-                                      }) &&
-           m_second->visit_transitions(
-               source, [&step](unsigned event, ProcessPointer const& successor) {
+    return visit_argument(m_first, source,
+                          [&step](unsigned event, ProcessPointer const& successor) {
+                              if (event == tick) {
+                                  return step.visitor(tick, shared_stop);
+                              }
+                              return step.visitor(event,
+                                                  new InterruptProcess(successor, step.second));
+                          }) &&
+           visit_argument(
+               m_second, source, [&step](unsigned event, ProcessPointer const& successor) {
                    if (event == tau) {
                        return step.visitor(tau, new InterruptProcess(step.first, successor));
                    }

@@ -28,19 +28,12 @@ bool has_lower_event(std::pair<unsigned, ProcessPointer> const& left,
     return left.first < right.first;
 }
 
-} // namespace
-
-void sort_sync_vectors(SyncVectors& vectors) noexcept {
-    for (SyncVector& vector : vectors) {
-        std::sort(vector.begin(), vector.end(), has_lower_event);
-    }
-}
-
-// NOLINTBEGIN(performance-unnecessary-value-param): the callback is taken by value by contract
-bool cart_product(ProcessArray const& arguments, SyncVectors const& vectors,
-                  IndexArray const& start, IndexArray const& end, ProcessArray& joint_arguments,
-                  IndexArray& current, TransitionVisitor callback, unsigned event,
-                  OperatorPointer const& op) {
+/// What cart_product does.
+bool offer_combinations(ProcessArray const& arguments, SyncVectors const& vectors,
+                        IndexArray const& start, IndexArray const& end,
+                        ProcessArray& joint_arguments, IndexArray& current,
+                        TransitionVisitor const& callback, unsigned event,
+                        OperatorPointer const& op) {
     auto const choose = [&](std::size_t argument, unsigned position) {
         current[argument] = position;
         joint_arguments[argument] = vectors[argument][position].second;
@@ -66,24 +59,54 @@ bool cart_product(ProcessArray const& arguments, SyncVectors const& vectors,
     }
 }
 
-bool cart_product_synchronised_events(BitSet const& synchronised, SyncVectors const& vectors,
-                                      ProcessArray const& arguments, TransitionVisitor callback,
-                                      OperatorPointer const& op) {
+/// What cart_product_synchronised_events does.
+bool offer_synchronised(BitSet const& synchronised, SyncVectors const& vectors,
+                        ProcessArray const& arguments, TransitionVisitor const& callback,
+                        OperatorPointer const& op) {
+    SyncVector const& first = vectors[0];
+    if (first.empty()) {
+        return true;
+    }
     CartProductScratch scratch(arguments.size());
-    for (unsigned const event : synchronised) {
+    // What all can perform the first one can; of the set there may be far more.
+    for (std::size_t next = 0; next < first.size(); next = scratch.end[0]) {
+        unsigned const event = first[next].first;
         std::size_t argument = 0;
         while (argument < arguments.size() &&
                advance_to_run(vectors[argument], event, scratch.start[argument],
                               scratch.end[argument])) {
             ++argument;
         }
-        if (argument == arguments.size() &&
-            !cart_product(arguments, vectors, scratch.start, scratch.end, scratch.joint_arguments,
-                          scratch.current, callback, event, op)) {
+        if (argument == arguments.size() && synchronised.member(event) &&
+            !offer_combinations(arguments, vectors, scratch.start, scratch.end,
+                                scratch.joint_arguments, scratch.current, callback, event, op)) {
             return false;
         }
     }
     return true;
+}
+
+} // namespace
+
+void sort_sync_vectors(SyncVectors& vectors) noexcept {
+    for (SyncVector& vector : vectors) {
+        std::sort(vector.begin(), vector.end(), has_lower_event);
+    }
+}
+
+// NOLINTBEGIN(performance-unnecessary-value-param): the callback is taken by value by contract
+bool cart_product(ProcessArray const& arguments, SyncVectors const& vectors,
+                  IndexArray const& start, IndexArray const& end, ProcessArray& joint_arguments,
+                  IndexArray& current, TransitionVisitor callback, unsigned event,
+                  OperatorPointer const& op) {
+    return offer_combinations(arguments, vectors, start, end, joint_arguments, current, callback,
+                              event, op);
+}
+
+bool cart_product_synchronised_events(BitSet const& synchronised, SyncVectors const& vectors,
+                                      ProcessArray const& arguments, TransitionVisitor callback,
+                                      OperatorPointer const& op) {
+    return offer_synchronised(synchronised, vectors, arguments, callback, op);
 }
 
 // NOLINTEND(performance-unnecessary-value-param)
@@ -97,6 +120,16 @@ bool CartProductScratch::find_run(SyncVectors const& vectors, std::size_t index,
     start[index] = static_cast<unsigned>(first - vector.begin());
     end[index] = static_cast<unsigned>(last - vector.begin());
     return first != last;
+}
+
+bool SynchronisedVisit::combine_on(BitSet const& synchronised) {
+    sort_sync_vectors(vectors);
+    return offer_synchronised(synchronised, vectors, arguments, visitor, op);
+}
+
+bool SynchronisedVisit::combine(CartProductScratch& scratch, unsigned event) const {
+    return offer_combinations(arguments, vectors, scratch.start, scratch.end,
+                              scratch.joint_arguments, scratch.current, visitor, event, op);
 }
 
 } // namespace Calder::ProcessCompiler::CSP

@@ -73,10 +73,11 @@ struct CALDER_CSP_EXPORT SynchronisedVisit {
 
     /// A transition of the argument that is asked, for later. Returns true: the argument goes on.
     bool keep(unsigned event, ProcessPointer const& successor) {
-        if (vectors[moving].empty()) {
-            vectors[moving].reserve(usual_candidates);
+        SyncVector& kept = vectors[moving];
+        if (kept.capacity() == 0) {
+            kept.reserve(usual_candidates);
         }
-        vectors[moving].emplace_back(event, successor);
+        kept.emplace_back(event, successor);
         return true;
     }
     /// The argument that is asked moves alone; returns what the visitor answers.
@@ -85,15 +86,9 @@ struct CALDER_CSP_EXPORT SynchronisedVisit {
     }
 
     /// Combines what was kept, on each event of `synchronised` that every argument can perform.
-    [[nodiscard]] bool combine_on(BitSet const& synchronised) {
-        sort_sync_vectors(vectors);
-        return cart_product_synchronised_events(synchronised, vectors, arguments, visitor, op);
-    }
+    [[nodiscard]] bool combine_on(BitSet const& synchronised);
     /// Combines the runs of `scratch`; the whole performs `event`.
-    [[nodiscard]] bool combine(CartProductScratch& scratch, unsigned event) const {
-        return cart_product(arguments, vectors, scratch.start, scratch.end, scratch.joint_arguments,
-                            scratch.current, visitor, event, op);
-    }
+    [[nodiscard]] bool combine(CartProductScratch& scratch, unsigned event) const;
 
     /// Room made at once, so that most vectors are allocated once a visit.
     static constexpr std::size_t usual_candidates = 16;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "csp/event_set_operator.h"
+#include "process_compiler/transition_memory.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -19,11 +20,11 @@ template <typename Construct> class RelabellingOperator : public EventSetOperato
             OperatorPointer const op;
             TransitionVisitor const& visitor;
         } const step{this->same_kind(*this), this->self(), visitor};
-        return arguments[0]->visit_transitions(
-            source, [&step](unsigned event, ProcessPointer const& successor) {
-                return step.visitor(step.relabelling.event_outside(event),
-                                    new OperatorProcess(step.op, successor));
-            });
+        return visit_argument(arguments[0], source,
+                              [&step](unsigned event, ProcessPointer const& successor) {
+                                  return step.visitor(step.relabelling.event_outside(event),
+                                                      new OperatorProcess(step.op, successor));
+                              });
     }
 
     std::unique_ptr<Formats>

@@ -4,6 +4,7 @@
 #include "csp/colours.h"
 #include "csp/shared_stop.h"
 #include "process_compiler/printing.h"
+#include "process_compiler/transition_memory.h"
 
 #include <algorithm>
 #include <sstream>
@@ -53,8 +54,8 @@ bool RenameOperator::visit_transitions(NamedProcessSource const& source,
         OperatorPointer const op;
         TransitionVisitor const& visitor;
     } const step{m_event_map, self(), visitor};
-    return arguments[0]->visit_transitions(
-        source, [&step](unsigned event, ProcessPointer const& successor) {
+    return visit_argument(
+        arguments[0], source, [&step](unsigned event, ProcessPointer const& successor) {
             if (event == tick) {
                 return step.visitor(tick, shared_stop);
             }

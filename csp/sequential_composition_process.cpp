@@ -2,6 +2,7 @@
 
 #include "csp/colours.h"
 #include "process_compiler/recursion_watch.h"
+#include "process_compiler/transition_memory.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -20,8 +21,8 @@ bool SequentialCompositionProcess::visit_transitions(NamedProcessSource const& s
         ProcessPointer const& second;
         TransitionVisitor const& visitor;
     } const step{m_second, visitor};
-    return m_first->visit_transitions(
-        source, [&step](unsigned event, ProcessPointer const& successor) {
+    return visit_argument(
+        m_first, source, [&step](unsigned event, ProcessPointer const& successor) {
             if (event == tick) {
                 return step.visitor(tau, step.second);
             }

@@ -2,6 +2,7 @@
 
 #include "csp/colours.h"
 #include "process_compiler/recursion_watch.h"
+#include "process_compiler/transition_memory.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -21,8 +22,8 @@ bool SlidingChoiceProcess::visit_transitions(NamedProcessSource const& source,
         TransitionVisitor const& visitor;
     } const step{m_second, visitor};
     return visitor(tau, m_second) &&
-           m_first->visit_transitions(
-               source, [&step](unsigned event, ProcessPointer const& successor) {
+           visit_argument(
+               m_first, source, [&step](unsigned event, ProcessPointer const& successor) {
                    if (event == tau) {
                        return step.visitor(tau, new SlidingChoiceProcess(successor, step.second));
                    }

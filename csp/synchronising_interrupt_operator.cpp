@@ -3,6 +3,7 @@
 #include "csp/colours.h"
 #include "csp/operator_helpers.h"
 #include "csp/shared_stop.h"
+#include "process_compiler/transition_memory.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -15,8 +16,8 @@ bool SynchronisingInterruptOperator::visit_transitions(NamedProcessSource const&
                                                        TransitionVisitor const& visitor,
                                                        ProcessArray const& arguments) const {
     SynchronisedVisit visit(self(), arguments, visitor);
-    bool const first_visited = arguments[0]->visit_transitions(
-        source, [this, &visit](unsigned event, ProcessPointer const& successor) {
+    bool const first_visited = visit_argument(
+        arguments[0], source, [this, &visit](unsigned event, ProcessPointer const& successor) {
             if (m_events.member(event)) {
                 return visit.keep(event, successor);
             }
@@ -29,8 +30,8 @@ bool SynchronisingInterruptOperator::visit_transitions(NamedProcessSource const&
         return false;
     }
     visit.moving = 1;
-    arguments[1]->visit_transitions( // whatever it answers
-        source, [this, &visit](unsigned event, ProcessPointer const& successor) {
+    visit_argument( // whatever it answers
+        arguments[1], source, [this, &visit](unsigned event, ProcessPointer const& successor) {
             if (m_events.member(event)) {
                 return visit.keep(event, successor);
             }

@@ -2,6 +2,7 @@
 
 #include "process_compiler/process.h"
 #include "process_compiler/recursion_watch.h"
+#include "process_compiler/transition_memory.h"
 
 namespace Calder::ProcessCompiler::CSP {
 
@@ -12,7 +13,7 @@ namespace Calder::ProcessCompiler::CSP {
                                      TransitionVisitor const& visitor) {
     watch_recursion();
     for (moving = 0; moving < arguments.size(); ++moving) {
-        if (!arguments[moving]->visit_transitions(source, visitor)) {
+        if (!visit_argument(arguments[moving], source, visitor)) {
             return false;
         }
     }

@@ -4,6 +4,7 @@
 #include "process_compiler/kinds.h"
 #include "process_compiler/named_process_source.h"
 #include "process_compiler/recursion_watch.h"
+#include "process_compiler/transition_memory.h"
 
 #include <cstdlib>
 
@@ -34,10 +35,14 @@ ProcessPointer const& NamedProcess::argument(unsigned) const {
 
 void NamedProcess::set_arguments(ProcessArray const&) {}
 
+bool NamedProcess::needs_memoisation() const {
+    return false;
+}
+
 bool NamedProcess::visit_transitions(NamedProcessSource const& source,
                                      TransitionVisitor const& visitor) const {
     watch_recursion();
-    return source.process(*this)->visit_transitions(source, visitor);
+    return visit_argument(source.process(*this), source, visitor);
 }
 
 std::unique_ptr<Formats> NamedProcess::high_level_formats(std::vector<BitSet> const&) const {

@@ -30,6 +30,9 @@ class CALDER_PROCESS_COMPILER_EXPORT NamedProcess : public Process {
     ProcessPointer const& argument(unsigned index) const override;
     void set_arguments(ProcessArray const& arguments) override;
 
+    /// False: its definition may be remembered.
+    bool needs_memoisation() const override;
+
     bool visit_transitions(NamedProcessSource const& source,
                            TransitionVisitor const& visitor) const override;
 

@@ -72,12 +72,16 @@ std::uint64_t OperatorProcess::hash_code() const {
 }
 
 bool OperatorProcess::operator==(Process const& other) const {
-    return other.kind() == kind() && *m_operator == *as_application(other).m_operator &&
+    return other.kind() == kind() &&
+           (m_operator == as_application(other).m_operator ||
+            *m_operator == *as_application(other).m_operator) &&
            arguments_equal(m_arguments, as_application(other).m_arguments);
 }
 
 bool OperatorProcess::operator!=(Process const& other) const {
-    return other.kind() != kind() || *m_operator != *as_application(other).m_operator ||
+    return other.kind() != kind() ||
+           (m_operator != as_application(other).m_operator &&
+            *m_operator != *as_application(other).m_operator) ||
            arguments_differ(m_arguments, as_application(other).m_arguments);
 }
 

@@ -59,7 +59,7 @@ class CALDER_PROCESS_COMPILER_EXPORT OperatorProcess : public CompilableProcess 
 
   private:
     OperatorPointer m_operator;
-    OwningArray<ProcessPointer> m_arguments;
+    ReferencesInPlace<ProcessPointer, 2> m_arguments; // few operators have more
 };
 
 } // namespace Calder::ProcessCompiler

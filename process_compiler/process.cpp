@@ -2,8 +2,6 @@
 
 namespace Calder::ProcessCompiler {
 
-Process::Process() = default;
-
 Process::~Process() = default;
 
 bool Process::needs_memoisation() const {
@@ -17,8 +15,6 @@ ProcessPointer Process::self() const {
     // Terms are const while they are asked and shared as pointers to non-const ones.
     return ProcessPointer(const_cast<Process*>(this));
 }
-
-CompilableProcess::CompilableProcess() = default;
 
 CompilableProcess::~CompilableProcess() = default;
 

@@ -157,13 +157,17 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
     /// nobody else uses yet and that was not asked for its hash code.
     virtual void set_arguments(ProcessArray const& arguments) = 0;
 
+    /// The code if it was asked for and the class keeps it in `m_hash`; 0 otherwise. Far cheaper than
+    /// to ask again.
+    std::uint64_t kept_hash() const noexcept { return m_hash.kept(); }
+
   protected:
-    Process();
+    Process() = default;
 
     /// This very term as a successor.
     ProcessPointer self() const;
 
-    /// Filled when the code is first asked for.
+    /// Filled when the code is first asked for, with just what `hash_code` answers: see kept_hash.
     CachedHash m_hash;
 };
 
@@ -171,13 +175,17 @@ class CALDER_PROCESS_COMPILER_EXPORT Process : public AtomicReferenceCounted,
 /// are only ever explored; only a reference to a named process is not.
 class CALDER_PROCESS_COMPILER_EXPORT CompilableProcess : public Process {
   public:
-    CompilableProcess();
+    CompilableProcess() = default;
     ~CompilableProcess() override;
 };
 
 /// What a term contributes to the hash code of a term around it: 0 when there is none.
 inline std::uint64_t hash_of(ProcessPointer const& process) {
-    return process ? process->hash_code() : 0;
+    if (!process) {
+        return 0;
+    }
+    std::uint64_t const kept = process->kept_hash();
+    return kept != 0 ? kept : process->hash_code();
 }
 
 } // namespace Calder::ProcessCompiler

@@ -21,13 +21,14 @@ void TermSide::append_steps(Word const* state, Steps& steps) {
         StateNumber const target = number(successor);
         steps.make_room(1);
         steps.add_word(event | Steps::may_repeat, target);
-        m_monitor.go_on(1, m_terms.growth_bytes(m_monitor.work_ahead()));
+        m_monitor.go_on(1, growth_bytes(m_monitor.work_ahead()));
         return true;
     };
     // The term stays where it is while others are added; its pointer in the table does not.
     ProcessCompiler::Process const& term = *m_terms.term(static_cast<StateNumber>(*state));
     ProcessCompiler::TransitionVisitor const visitor =
         [&take](unsigned event, ProcessPointer const& successor) { return take(event, successor); };
+    ProcessCompiler::MemoryInUse const in_use(m_components);
     term.visit_transitions(m_source, visitor);
 }
 

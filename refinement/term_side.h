@@ -1,6 +1,7 @@
 #pragma once
 
 #include "refinement/side.h"
+#include "state_space/component_memory.h"
 #include "state_space/stack_guard.h"
 #include "state_space/state_table.h"
 
@@ -19,7 +20,7 @@ class TermSide final : public Side {
     void prepare(Word const*) override {}
     void append_steps(Word const* state, Steps& steps) override;
     std::uint64_t growth_bytes(std::uint64_t steps) const noexcept override {
-        return m_terms.growth_bytes(steps);
+        return m_terms.growth_bytes(steps) + m_components.growth_bytes(steps);
     }
     RunningMachine const* machine() const noexcept override { return nullptr; }
     ProcessCompiler::ProcessPointer term(Word const* state) const override;
@@ -32,6 +33,7 @@ class TermSide final : public Side {
     SearchMonitor& m_monitor;
     StateSpace::StackGuard const m_stack{};
     StateSpace::StateTable m_terms;
+    StateSpace::ComponentMemory m_components{m_terms};
 };
 
 } // namespace Calder::Refinement

@@ -17,15 +17,15 @@ namespace Calder::StateSpace {
 void give_back_freed_memory() noexcept;
 
 /// What the vector has allocated.
-template <typename T>
-[[nodiscard]] std::uint64_t allocated_bytes(std::vector<T> const& vector) noexcept {
+template <typename T, typename Allocator>
+[[nodiscard]] std::uint64_t allocated_bytes(std::vector<T, Allocator> const& vector) noexcept {
     return std::uint64_t{vector.capacity()} * sizeof(T);
 }
 
 /// What the vector will occupy twice for a moment if `additions` more elements make it grow: its
 /// elements are then copied to a larger block.
-template <typename T> [[nodiscard]] std::uint64_t growth_bytes(std::vector<T> const& vector,
-                                                               std::uint64_t additions) noexcept {
+template <typename T, typename Allocator> [[nodiscard]] std::uint64_t
+growth_bytes(std::vector<T, Allocator> const& vector, std::uint64_t additions) noexcept {
     return vector.capacity() - vector.size() < additions ? std::uint64_t{vector.size()} * sizeof(T)
                                                          : 0;
 }

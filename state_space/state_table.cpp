@@ -15,11 +15,15 @@ namespace {
 constexpr unsigned first_slot_bits = 8;
 constexpr unsigned tag_bits = 32;
 
+std::uint32_t tag_of(std::uint64_t hash) {
+    return static_cast<std::uint32_t>(mix(hash) >> tag_bits);
+}
+
 bool are_equal(ProcessPointer const& known, ProcessPointer const& term, std::uint64_t hash) {
     if (known == term) {
         return true;
     }
-    if (known->hash_code() != hash) {
+    if (hash_of(known) != hash) {
         return false;
     }
     ProcessCompiler::SharedComparison const shared;
@@ -32,20 +36,59 @@ StateNumber StateTable::find_or_add(ProcessPointer const& term, StateNumber max_
     if (must_grow_for(m_terms.size() + 1)) {
         grow();
     }
-    std::uint64_t const hash = term->hash_code();
-    auto const tag = static_cast<std::uint32_t>(mix(hash) >> tag_bits);
-    std::size_t slot = first_slot(tag);
-    for (; m_slots[slot].state != no_state; slot = (slot + 1) & (m_slots.size() - 1)) {
-        if (m_slots[slot].tag == tag && are_equal(m_terms[m_slots[slot].state], term, hash)) {
-            return m_slots[slot].state;
-        }
+    std::uint64_t const hash = hash_of(term);
+    std::uint32_t const tag = tag_of(hash);
+    Slot& slot = m_slots[slot_of(term, hash, tag)];
+    if (slot.state != no_state) {
+        return slot.state;
     }
     if (size() >= max_states) {
         return no_state;
     }
     m_terms.push_back(term);
-    m_slots[slot] = Slot{tag, size() - 1};
+    slot = Slot{tag, size() - 1};
     return size() - 1;
+}
+
+void StateTable::prefetch(std::uint64_t hash) const noexcept {
+    if (!m_slots.empty()) {
+        __builtin_prefetch(&m_slots[first_slot(tag_of(hash))]);
+    }
+}
+
+StateNumber StateTable::prefetch_candidate(std::uint64_t hash) const noexcept {
+    if (m_slots.empty()) {
+        return no_state;
+    }
+    std::uint32_t const tag = tag_of(hash);
+    std::size_t slot = first_slot(tag);
+    while (m_slots[slot].state != no_state && m_slots[slot].tag != tag) {
+        slot = (slot + 1) & (m_slots.size() - 1);
+    }
+    if (m_slots[slot].state != no_state) {
+        __builtin_prefetch(&m_terms[m_slots[slot].state]);
+    }
+    return m_slots[slot].state;
+}
+
+void StateTable::prefetch_term(StateNumber candidate) const noexcept {
+    if (candidate != no_state) {
+        __builtin_prefetch(m_terms[candidate].get());
+    }
+}
+
+void StateTable::prefetch_arguments(StateNumber candidate) const {
+    if (candidate != no_state && m_terms[candidate]->argument_count() > 0) {
+        __builtin_prefetch(&m_terms[candidate]->argument(0));
+    }
+}
+
+StateNumber StateTable::find(ProcessPointer const& term) const {
+    if (m_slots.empty()) {
+        return no_state;
+    }
+    std::uint64_t const hash = hash_of(term);
+    return m_slots[slot_of(term, hash, tag_of(hash))].state;
 }
 
 std::uint64_t StateTable::memory_bytes() const noexcept {
@@ -68,10 +111,22 @@ std::size_t StateTable::first_slot(std::uint32_t tag) const noexcept {
                                    : std::size_t{tag} << (m_slot_bits - tag_bits);
 }
 
+/// The slot that has the term, or the free one that it belongs into.
+std::size_t StateTable::slot_of(ProcessPointer const& term, std::uint64_t hash,
+                                std::uint32_t tag) const {
+    std::size_t slot = first_slot(tag);
+    for (; m_slots[slot].state != no_state; slot = (slot + 1) & (m_slots.size() - 1)) {
+        if (m_slots[slot].tag == tag && are_equal(m_terms[m_slots[slot].state], term, hash)) {
+            break;
+        }
+    }
+    return slot;
+}
+
 void StateTable::grow() {
     unsigned const bits = m_slots.empty() ? first_slot_bits : m_slot_bits + 1;
-    std::vector<Slot> const old =
-        std::exchange(m_slots, std::vector<Slot>(std::size_t{1} << bits, Slot{0, no_state}));
+    LargeVector<Slot> const old =
+        std::exchange(m_slots, LargeVector<Slot>(std::size_t{1} << bits, Slot{0, no_state}));
     m_slot_bits = bits;
     for (Slot const& taken : old) {
         if (taken.state != no_state) {

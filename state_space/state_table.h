@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/large_array.h"
 #include "process_compiler/process.h"
 #include "state_space/export.h"
 #include "state_space/labelled_transition_system.h"
@@ -24,6 +25,19 @@ class CALDER_STATE_SPACE_EXPORT StateTable {
     StateNumber find_or_add(ProcessCompiler::ProcessPointer const& term,
                             StateNumber max_states = no_state);
 
+    /// @{
+    /// Before a term is looked for, in order, while others are, too: bring into the cache what
+    /// the search will read. Each takes what the one before brought. `hash` is the term's code.
+    void prefetch(std::uint64_t hash) const noexcept;
+    /// Returns the state that may have the term; no_state where there is none.
+    [[nodiscard]] StateNumber prefetch_candidate(std::uint64_t hash) const noexcept;
+    void prefetch_term(StateNumber candidate) const noexcept;
+    void prefetch_arguments(StateNumber candidate) const;
+    /// @}
+
+    /// The state of the term; no_state when there is none.
+    [[nodiscard]] StateNumber find(ProcessCompiler::ProcessPointer const& term) const;
+
     /// The reference is good until a term is added, the term as long as the table.
     [[nodiscard]] ProcessCompiler::ProcessPointer const& term(StateNumber state) const {
         return m_terms[state];
@@ -42,11 +56,13 @@ class CALDER_STATE_SPACE_EXPORT StateTable {
 
     [[nodiscard]] bool must_grow_for(std::uint64_t states) const noexcept;
     [[nodiscard]] std::size_t first_slot(std::uint32_t tag) const noexcept;
+    [[nodiscard]] std::size_t slot_of(ProcessCompiler::ProcessPointer const& term,
+                                      std::uint64_t hash, std::uint32_t tag) const;
     void grow();
 
-    std::vector<Slot> m_slots; // 2^m_slot_bits of them, or none
+    LargeVector<Slot> m_slots; // 2^m_slot_bits of them, or none
     unsigned m_slot_bits = 0;
-    std::vector<ProcessCompiler::ProcessPointer> m_terms; // by state
+    LargeVector<ProcessCompiler::ProcessPointer> m_terms; // by state
 };
 
 } // namespace Calder::StateSpace

@@ -1,6 +1,7 @@
 #include "in_turns_process.h"
 
 #include <calder/csp/external_choice_process.h>
+#include <calder/process_compiler/transition_memory.h>
 
 namespace InTurns {
 
@@ -19,8 +20,8 @@ bool InTurnsProcess::visit_transitions(NamedProcessSource const& source,
         ProcessPointer const& second;
         TransitionVisitor const& visitor;
     } const step{m_first, m_second, visitor};
-    return m_first->visit_transitions(
-               source,
+    return visit_argument(
+               m_first, source,
                [&step](unsigned event, ProcessPointer const& successor) {
                    if (event == tau) {
                        return step.visitor(tau, new InTurnsProcess(successor, step.second));
@@ -30,10 +31,11 @@ bool InTurnsProcess::visit_transitions(NamedProcessSource const& source,
                    }
                    return step.visitor(event, new InTurnsProcess(step.second, successor));
                }) &&
-           m_second->visit_transitions(source, [&step](unsigned event,
-                                                       ProcessPointer const& successor) {
-               return event != tau || step.visitor(tau, new InTurnsProcess(step.first, successor));
-           });
+           visit_argument(m_second, source,
+                          [&step](unsigned event, ProcessPointer const& successor) {
+                              return event != tau ||
+                                     step.visitor(tau, new InTurnsProcess(step.first, successor));
+                          });
 }
 
 std::unique_ptr<Formats>

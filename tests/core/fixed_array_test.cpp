@@ -1,7 +1,10 @@
 #include "core/fixed_array.h"
+#include "core/reference_counted.h"
 
+#include <boost/intrusive_ptr.hpp>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace Calder {
@@ -45,6 +48,33 @@ TEST_F(FixedArrayTest, an_owning_array_destroys_its_elements) {
     } catch (std::runtime_error const&) {
         EXPECT_EQ(Counted::alive, 0);
     }
+}
+
+TEST_F(FixedArrayTest, references_in_place_are_released_wherever_they_stand) {
+    struct Held : AtomicReferenceCounted {};
+    using Pointer = boost::intrusive_ptr<Held>;
+    Pointer const held(new Held);
+    Pointer const other(new Held);
+    for (std::size_t length : {0U, 1U, 2U, 3U, 40U}) {
+        FixedArray<Pointer> given(length);
+        std::fill(given.begin(), given.end(), held);
+        {
+            ReferencesInPlace<Pointer, 2> const array(given);
+            ASSERT_EQ(array.size(), length);
+            EXPECT_EQ(held->reference_count(), 1 + 2 * length);
+            auto const inside = reinterpret_cast<std::uintptr_t>(array.begin()) -
+                                reinterpret_cast<std::uintptr_t>(&array);
+            EXPECT_EQ(inside < sizeof array, length <= 2) << length;
+            if (length > 0) {
+                ReferencesInPlace<Pointer, 2> const changed(given, length - 1, other);
+                EXPECT_EQ(changed[length - 1], other);
+                EXPECT_EQ(held->reference_count(), 3 * length);
+            }
+        }
+        EXPECT_EQ(held->reference_count(), 1 + length);
+        std::destroy(given.begin(), given.end());
+    }
+    EXPECT_EQ(other->reference_count(), 1U);
 }
 
 TEST_F(FixedArrayTest, a_copy_that_throws_leaves_nothing_behind) {

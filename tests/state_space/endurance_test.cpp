@@ -176,7 +176,8 @@ bool make_instances() {
     NamedProcessSource source;
     FakeMaker maker([&source](unsigned number) -> ProcessPointer {
         ProcessPointer const next = number < 9 ? source.add_reference() : source.references()[0];
-        ProcessCompiler::Testing::FakePointer const made(new FakeProcess("made"));
+        ProcessCompiler::Testing::FakePointer const made(
+            new FakeProcess("made " + std::to_string(number)));
         made->transitions.emplace_back(3, next);
         return made;
     });
