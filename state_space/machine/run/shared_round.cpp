@@ -4,18 +4,11 @@
 
 namespace Calder::StateSpace {
 
-namespace {
-
-/// How many additions ahead the memory is asked for to which a number will be written.
-constexpr std::size_t number_distance = 16;
-
-} // namespace
-
 SharedRound::SharedRound(Team& team, VisitedStates& states, ConfigurationTables const& tables,
                          FoundRows& rows)
     : m_team(team), m_states(states), m_tables(tables), m_rows(rows), m_workers(team.size()) {}
 
-bool SharedRound::explore(Size const& size) {
+bool SharedRound::explore(RoundSize const& size) {
     begin(size);
     m_team.each(m_job_count,
                 [this](unsigned thread, std::size_t number) { find(m_workers[thread], number); });
@@ -34,20 +27,20 @@ bool SharedRound::explore(Size const& size) {
     }
     StateNumber added = 0;
     for (std::size_t number = 0; number < m_job_count; ++number) {
-        added += static_cast<StateNumber>(m_jobs[number].addition_count);
+        added += static_cast<StateNumber>(m_jobs[number].additions.size());
     }
     m_additions.end(added);
     return true;
 }
 
-void SharedRound::begin(Size const& size) {
+void SharedRound::begin(RoundSize const& size) {
     m_size = size;
-    m_job_count = (size.last - size.first + size.sources - 1) / size.sources;
+    m_job_count = size.jobs();
     while (m_jobs.size() < m_job_count) {
         m_jobs.emplace_back(m_rows.keeps());
     }
     for (std::size_t number = 0; number < m_job_count; ++number) {
-        m_jobs[number].addition_count = 0;
+        m_jobs[number].additions.clear();
     }
     for (Worker& worker : m_workers) {
         worker.adder = {};
@@ -79,7 +72,7 @@ void SharedRound::find(Worker& worker, std::size_t number) noexcept try {
     }
     worker.jobs.push_back(number);
     look_up(worker, number);
-    auto const added = static_cast<std::int64_t>(m_jobs[number].addition_count);
+    auto const added = static_cast<std::int64_t>(m_jobs[number].additions.size());
     m_room_left.fetch_add(steps - added, std::memory_order_relaxed);
 } catch (...) {
     m_is_over = true;
@@ -91,21 +84,17 @@ void SharedRound::look_up(Worker& worker, std::size_t number) {
     Steps const& steps = search.steps();
     job.rows.clear();
     job.steps = steps.size();
-    if (job.additions.size() < steps.size()) {
-        job.additions.resize(steps.size());
-    }
-    worker.ahead.begin(m_additions, search);
+    job.additions.make_room(steps.size());
+    worker.ahead.begin(m_additions, search.hashes());
     auto const target_of = [&](std::size_t step) {
-        StateNumber const likely = worker.ahead.likely_target(m_additions, search, step);
+        StateNumber const likely = worker.ahead.likely_target(m_additions, search.hashes(), step);
         Word const* const words = steps.words(step);
         SharedAdditions::Found const found =
             likely != no_state && m_additions.is_state(likely, words)
-                ? m_additions.meet(likely, place(number, step))
-                : m_additions.find_or_add(words, search.hash(step), place(number, step),
-                                          worker.adder);
-        if (found.is_first) {
-            job.additions[job.addition_count++] = {static_cast<std::uint32_t>(step), found.state};
-        }
+                ? m_additions.meet(likely, JobAdditions::place(number, step))
+                : m_additions.find_or_add(words, search.hash(step),
+                                          JobAdditions::place(number, step), worker.adder);
+        job.additions.note(step, found);
         return found.state;
     };
     std::size_t first = 0;
@@ -125,13 +114,7 @@ void SharedRound::for_jobs_of_each(void (SharedRound::*work)(std::size_t) noexce
 
 /// The second work.
 void SharedRound::keep_first(std::size_t number) noexcept {
-    Job& job = m_jobs[number];
-    auto const begin = job.additions.begin();
-    auto const kept = std::remove_if(
-        begin, begin + static_cast<std::ptrdiff_t>(job.addition_count), [&](Addition const& each) {
-            return !m_additions.is_met_first(each.state, place(number, each.step));
-        });
-    job.addition_count = static_cast<std::size_t>(kept - begin);
+    m_jobs[number].additions.keep_first(m_additions, number);
 }
 
 /// For all that the round has found, job after job. False when there is no memory for it; nothing has
@@ -144,7 +127,7 @@ bool SharedRound::make_room() try {
         Job& job = m_jobs[number];
         job.first_number = states;
         job.room = {number * m_size.sources, transitions};
-        states += static_cast<StateNumber>(job.addition_count);
+        states += static_cast<StateNumber>(job.additions.size());
         steps += job.steps;
         transitions += job.rows.transition_count();
     }
@@ -162,22 +145,13 @@ bool SharedRound::make_room() try {
 
 void SharedRound::take_back() noexcept {
     for (std::size_t number = 0; number < m_job_count; ++number) {
-        for (std::size_t i = 0; i < m_jobs[number].addition_count; ++i) {
-            m_additions.take_back(m_jobs[number].additions[i].state);
-        }
+        m_jobs[number].additions.take_back(m_additions);
     }
 }
 
 /// The third work.
 void SharedRound::give_numbers(std::size_t number) noexcept {
-    Job const& job = m_jobs[number];
-    for (std::size_t i = 0; i < job.addition_count; ++i) {
-        if (i + number_distance < job.addition_count) {
-            m_additions.prefetch_entry(job.additions[i + number_distance].state);
-        }
-        m_additions.give_number(job.additions[i].state,
-                                job.first_number + static_cast<StateNumber>(i));
-    }
+    m_jobs[number].additions.give_numbers(m_additions, m_jobs[number].first_number);
 }
 
 /// The fourth work.

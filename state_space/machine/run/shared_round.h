@@ -2,8 +2,10 @@
 
 #include "state_space/machine/run/configuration_tables.h"
 #include "state_space/machine/run/found_rows.h"
+#include "state_space/machine/run/job_additions.h"
 #include "state_space/machine/run/looking_ahead.h"
-#include "state_space/machine/run/shared_additions.h"
+#include "state_space/machine/run/round_size.h"
+#include "state_space/machine/run/search_job.h"
 #include "state_space/machine/run/team.h"
 
 #include <deque>
@@ -37,40 +39,23 @@ namespace Calder::StateSpace {
 /// transition with any number of threads.
 class SharedRound {
   public:
-    /// How large a round is.
-    struct Size {
-        StateNumber first;
-        StateNumber last;
-        /// In each job.
-        StateNumber sources;
-        /// That one job may have.
-        std::size_t most_steps;
-        /// States that may be added, those not counted that turn out to be known.
-        std::size_t most_additions;
-    };
-
     SharedRound(Team& team, VisitedStates& states, ConfigurationTables const& tables,
                 FoundRows& rows);
 
     /// False when nothing has changed and one thread must do it. The tables of all configurations must be
     /// there, and states wide enough for them. Throws std::bad_alloc where the table of states could not grow.
-    bool explore(Size const& size);
+    bool explore(RoundSize const& size);
 
     /// Of the last round.
     [[nodiscard]] std::uint64_t step_count() const noexcept { return m_steps; }
 
   private:
-    struct Addition {
-        std::uint32_t step;
-        StateNumber state;
-    };
     struct alignas(64) Job {
         explicit Job(bool keep) : rows(keep) {}
 
         FoundRows rows; // targets that have no number yet are additions
         std::uint64_t steps = 0;
-        std::vector<Addition> additions; // there may be more than `addition_count`
-        std::size_t addition_count = 0;
+        JobAdditions additions;
         StateNumber first_number = 0;
         LtsBuilder::Room room{};
     };
@@ -81,7 +66,7 @@ class SharedRound {
         std::vector<std::size_t> jobs; // that it has taken in this round
     };
 
-    void begin(Size const& size);
+    void begin(RoundSize const& size);
     void find(Worker& worker, std::size_t number) noexcept;
     void look_up(Worker& worker, std::size_t number);
     void for_jobs_of_each(void (SharedRound::*work)(std::size_t) noexcept);
@@ -91,16 +76,12 @@ class SharedRound {
     void give_numbers(std::size_t number) noexcept;
     void copy_rows(std::size_t number) noexcept;
 
-    [[nodiscard]] static SharedAdditions::Place place(std::size_t job, std::size_t step) noexcept {
-        return SharedAdditions::Place{job} << 32 | step;
-    }
-
     Team& m_team;
     VisitedStates& m_states;
     ConfigurationTables const& m_tables;
     FoundRows& m_rows;
     SharedAdditions m_additions{m_states};
-    Size m_size{};
+    RoundSize m_size{};
     std::size_t m_job_count = 0;
     std::uint64_t m_steps = 0;
     std::deque<Job> m_jobs; // there may be more than these
