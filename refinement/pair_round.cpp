@@ -9,6 +9,23 @@ using StateSpace::SharedAdditions;
 PairRound::PairRound(StateSpace::Team& team, Side& side, VisitedPairs& pairs, Answers& answers)
     : m_team(team), m_side(side), m_pairs(pairs), m_answers(answers), m_workers(team.size()) {}
 
+std::uint64_t PairRound::growth_bytes(StateSpace::RoundSize const& size,
+                                      StateSpace::Cut const& cut) const noexcept {
+    constexpr std::uint64_t a_step = 40; // in a list of additions, and at most a source's row
+    return m_pairs.growth_bytes(size.most_additions) +
+           SharedAdditions::bytes_of(size.most_additions, m_pairs.width()) +
+           (size.jobs() + 1) * cut.steps_of_job * a_step;
+}
+
+StateNumber PairRound::first_not_prepared(StateNumber first, StateNumber last) {
+    PairBatch& batch = m_workers.front().batch;
+    StateNumber pair = first;
+    while (pair < last && m_side.is_prepared(batch.read(m_pairs, pair))) {
+        ++pair;
+    }
+    return pair;
+}
+
 bool PairRound::explore(StateSpace::RoundSize const& size) {
     begin(size);
     try {

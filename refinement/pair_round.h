@@ -24,7 +24,8 @@ namespace Calder::Refinement {
 /// Where the owner comes to what is forbidden, or to a node that does not fit the pairs, or there is not enough
 /// room, the additions are taken back. Whoever goes on alone from the first pair comes to it again.
 ///
-/// The configurations of all pairs must have been met. Only for a side that has a machine.
+/// The configurations of all pairs must have been met, and the pairs be as wide as the side. Only for a side that has
+/// a machine.
 class PairRound {
   public:
     /// What was found by some pairs in a row.
@@ -34,6 +35,12 @@ class PairRound {
     };
 
     PairRound(StateSpace::Team& team, Side& side, VisitedPairs& pairs, Answers& answers);
+
+    /// What a round may take besides what there is, in bytes.
+    [[nodiscard]] std::uint64_t growth_bytes(StateSpace::RoundSize const& size,
+                                             StateSpace::Cut const& cut) const noexcept;
+    /// The first of these pairs whose configuration was not met, or `last`. The pairs must be as wide as the side.
+    [[nodiscard]] StateNumber first_not_prepared(StateNumber first, StateNumber last);
 
     /// False when nothing has changed, but for what the observer answered, and one thread must do it. Throws
     /// what the observer does, nothing else having changed, and std::bad_alloc where the table of pairs could not

@@ -79,35 +79,17 @@ std::optional<StateSpace::RoundSize> PairSearch::next_round() {
     }
     StateSpace::SearchedSoFar const so_far{m_pairs.size(), m_explored, m_transitions};
     auto round = StateSpace::next_round(so_far, m_level_end, m_cut, m_threads, m_monitor);
-    if (!round || round_bytes(*round) > m_monitor.memory_left() || !has_team()) {
+    if (!round || !has_team() || m_round->growth_bytes(*round, m_cut) > m_monitor.memory_left()) {
         return std::nullopt;
     }
     fit_side();
-    round->last = first_not_prepared(round->first, round->last);
+    round->last = m_round->first_not_prepared(round->first, round->last);
     if (round->jobs() < m_cut.least_jobs_of_round) {
         m_alone_until = round->last + 1;
         return std::nullopt;
     }
     round->most_steps = static_cast<std::size_t>(most_steps() / m_threads);
     return round;
-}
-
-/// One thread meets new configurations, where it comes to them.
-StateNumber PairSearch::first_not_prepared(StateNumber first, StateNumber last) {
-    StateNumber pair = first;
-    while (pair < last && m_side.is_prepared(m_batch.read(m_pairs, pair))) {
-        ++pair;
-    }
-    return pair;
-}
-
-/// What a round may take besides what there is.
-std::uint64_t PairSearch::round_bytes(StateSpace::RoundSize const& size) const noexcept {
-    constexpr std::uint64_t a_step =
-        40; // in a list of additions and, at most, as the row of a source
-    return m_pairs.growth_bytes(size.most_additions) +
-           StateSpace::SharedAdditions::bytes_of(size.most_additions, m_pairs.width()) +
-           (size.jobs() + 1) * m_cut.steps_of_job * a_step;
 }
 
 bool PairSearch::has_team() {

@@ -77,8 +77,6 @@ class PairSearch {
     void add_start(NodeNumber node);
     std::optional<Finding> explore_level();
     std::optional<StateSpace::RoundSize> next_round();
-    StateNumber first_not_prepared(StateNumber first, StateNumber last);
-    std::uint64_t round_bytes(StateSpace::RoundSize const& size) const noexcept;
     bool has_team();
     void explore_round(StateSpace::RoundSize const& size);
     bool try_round(StateSpace::RoundSize const& size);
