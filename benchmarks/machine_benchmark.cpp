@@ -2,6 +2,7 @@
 #include "benchmarks/philosophers.h"
 #include "benchmarks/probing.h"
 #include "csp/rename_operator.h"
+#include "state_space/machine/run/reached_states.h"
 #include "state_space/machine/run/run.h"
 
 #include <chrono>

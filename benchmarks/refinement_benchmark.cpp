@@ -28,28 +28,61 @@ void exploration(benchmark::State& state) {
 }
 BENCHMARK(exploration)->Arg(8)->Arg(9)->Unit(benchmark::kMillisecond);
 
+Refinement::QuestionOptions by_threads(unsigned threads) {
+    Refinement::QuestionOptions options;
+    options.threads = threads;
+    return options;
+}
+
 /// RUN(Events) [T= TABLE.
-void run_traces(benchmark::State& state) {
+void measure_run_traces(benchmark::State& state, unsigned threads) {
     auto const count = static_cast<unsigned>(state.range(0));
     Philosophers const model(count);
     ProcessPointer const run = new RunProcess(events_of(count));
     measure_question(state, Verdict::holds, [&] {
-        return Refinement::refinement(run, model.start, Model::traces, model.source);
+        return Refinement::refinement(run, model.start, Model::traces, model.source,
+                                      by_threads(threads));
     });
+}
+
+void run_traces(benchmark::State& state) {
+    measure_run_traces(state, 1);
 }
 BENCHMARK(run_traces)->Arg(8)->Arg(9)->Unit(benchmark::kMillisecond);
 
+/// Arguments: philosophers, threads.
+void run_traces_by_threads(benchmark::State& state) {
+    measure_run_traces(state, static_cast<unsigned>(state.range(1)));
+}
+BENCHMARK(run_traces_by_threads)
+    ->ArgsProduct({{9, 10}, {1, 2}})
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+
 /// CHAOS(Events) [FD= TABLE: what holds, though there is a deadlock.
-void chaos_failures_divergences(benchmark::State& state) {
+void measure_chaos(benchmark::State& state, unsigned threads) {
     auto const count = static_cast<unsigned>(state.range(0));
     Philosophers const model(count);
     ProcessPointer const chaos = new ChaosProcess(events_of(count));
     measure_question(state, Verdict::holds, [&] {
-        return Refinement::refinement(chaos, model.start, Model::failures_divergences,
-                                      model.source);
+        return Refinement::refinement(chaos, model.start, Model::failures_divergences, model.source,
+                                      by_threads(threads));
     });
 }
+
+void chaos_failures_divergences(benchmark::State& state) {
+    measure_chaos(state, 1);
+}
 BENCHMARK(chaos_failures_divergences)->Arg(8)->Arg(9)->Unit(benchmark::kMillisecond);
+
+/// Arguments: philosophers, threads.
+void chaos_failures_divergences_by_threads(benchmark::State& state) {
+    measure_chaos(state, static_cast<unsigned>(state.range(1)));
+}
+BENCHMARK(chaos_failures_divergences_by_threads)
+    ->ArgsProduct({{9, 10}, {1, 2}})
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
 
 /// TABLE [FD= TABLE: the abstract side is as large.
 void itself_failures_divergences(benchmark::State& state) {

@@ -24,9 +24,10 @@ NodeNumber Determinisation::after(NodeNumber node, unsigned event) {
     return event == tick ? nothing_matters : settled(steps.front().target);
 }
 
-std::vector<unsigned> Determinisation::acceptance(NodeNumber node) {
+/// Whether a state settles was seen in its row.
+std::vector<unsigned> Determinisation::acceptance(NodeNumber node) const {
     std::vector<unsigned> events;
-    for (Transition const& step : m_states.row(m_nodes[node].state)) {
+    for (Transition const& step : m_states.known_row(m_nodes[node].state)) {
         if (events.empty() || events.back() != step.event) {
             events.push_back(step.event);
         }

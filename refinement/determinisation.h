@@ -27,7 +27,7 @@ class Determinisation {
     /// Going on silently it comes round; everything is allowed then, as the process diverges.
     [[nodiscard]] bool diverges(NodeNumber node) const { return m_nodes[node].diverges; }
     /// What the node's state accepts. Only of a node that does not diverge.
-    [[nodiscard]] std::vector<unsigned> acceptance(NodeNumber node);
+    [[nodiscard]] std::vector<unsigned> acceptance(NodeNumber node) const;
 
     struct Step {
         StateNumber source;

@@ -34,9 +34,14 @@ void MachineSide::prepare(Word const* state) {
     tables.table(tables.configuration_of(state), m_monitor);
 }
 
-void MachineSide::append_steps(Word const* state, Steps& steps) {
+bool MachineSide::is_prepared(Word const* state) const noexcept {
     StateSpace::ConfigurationTables const& tables = *m_machine.tables;
-    tables.table(tables.configuration_of(state)).append_successors(state, steps, m_scratch);
+    return tables.is_met(tables.configuration_of(state));
+}
+
+void MachineSide::append_steps(Word const* state, Steps& steps, Scratch& scratch) {
+    StateSpace::ConfigurationTables const& tables = *m_machine.tables;
+    tables.table(tables.configuration_of(state)).append_successors(state, steps, scratch);
 }
 
 } // namespace Calder::Refinement

@@ -14,7 +14,8 @@ class MachineSide final : public Side {
     unsigned spare_bits() const noexcept override { return m_spare_bits; }
     std::vector<Word> start() const override { return m_machine.tables->start(); }
     void prepare(Word const* state) override;
-    void append_steps(Word const* state, Steps& steps) override;
+    bool is_prepared(Word const* state) const noexcept override;
+    void append_steps(Word const* state, Steps& steps, Scratch& scratch) override;
     std::uint64_t growth_bytes(std::uint64_t) const noexcept override { return 0; }
     RunningMachine const* machine() const noexcept override { return &m_machine; }
     ProcessCompiler::ProcessPointer term(Word const*) const override { return nullptr; }
@@ -24,7 +25,6 @@ class MachineSide final : public Side {
     RunningMachine m_machine;
     SearchMonitor& m_monitor;
     unsigned m_spare_bits;
-    std::vector<StateNumber> m_scratch;
 };
 
 } // namespace Calder::Refinement

@@ -4,6 +4,7 @@
 #include "refinement/minimal_sets.h"
 #include "refinement/node_number.h"
 
+#include <optional>
 #include <unordered_map>
 
 namespace Calder::Refinement {
@@ -26,6 +27,13 @@ class NormalForm {
     [[nodiscard]] bool diverges(NodeNumber node);
     /// The minimal ones of what its members accept; see `acceptance_of`.
     [[nodiscard]] MinimalSets::Family acceptances(NodeNumber node);
+    /// Nothing before the first use.
+    [[nodiscard]] std::optional<MinimalSets::Family>
+    known_acceptances(NodeNumber node) const noexcept {
+        return node < m_acceptances.size() && m_acceptances[node] != unknown
+                   ? std::optional(m_acceptances[node])
+                   : std::nullopt;
+    }
     [[nodiscard]] MinimalSets const& acceptance_sets() const noexcept { return m_sets; }
     /// What can come next, ascending; no tau among it.
     [[nodiscard]] Events events(NodeNumber node);

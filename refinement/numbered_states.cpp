@@ -33,7 +33,7 @@ std::span<Transition const> NumberedStates::row(StateNumber state) {
     if (m_rows[state].length == unknown) {
         explore(state);
     }
-    return std::span(m_transitions).subspan(m_rows[state].begin, m_rows[state].length);
+    return known_row(state);
 }
 
 std::span<Transition const> NumberedStates::with_event(std::span<Transition const> row,
@@ -56,7 +56,7 @@ void NumberedStates::explore(StateNumber state) {
         m_words.resize(m_side.width());
     }
     m_steps.clear(m_side.width());
-    m_side.append_steps(m_words.data(), m_steps);
+    m_side.append_steps(m_words.data(), m_steps, m_scratch);
     std::uint64_t const begin = m_transitions.size();
     for (std::size_t step = 0; step < m_steps.size(); ++step) {
         m_transitions.push_back({m_steps.event(step), add(m_steps.words(step))});

@@ -26,6 +26,10 @@ class NumberedStates {
     /// Each once, ascending by event and then by target. Good until the next row is asked for. Throws
     /// as Side::prepare does, and SearchEnded at the limit on states.
     [[nodiscard]] std::span<Transition const> row(StateNumber state);
+    /// One that was asked for before. Several threads may ask at once.
+    [[nodiscard]] std::span<Transition const> known_row(StateNumber state) const noexcept {
+        return std::span(m_transitions).subspan(m_rows[state].begin, m_rows[state].length);
+    }
 
     /// Of a row.
     [[nodiscard]] static std::span<Transition const> with_event(std::span<Transition const> row,
@@ -52,6 +56,7 @@ class NumberedStates {
     std::vector<Row> m_rows; // by state
     std::vector<Transition> m_transitions;
     Steps m_steps;
+    Side::Scratch m_scratch;
     std::vector<Word> m_words; // of the state that is explored
 };
 

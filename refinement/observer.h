@@ -28,12 +28,20 @@ class Observer {
     /// Whether a state may perform exactly `events` after a trace of that node: ascending, tau and
     /// tick among them. Asked of every pair with such an offer.
     virtual bool allows_offer(NodeNumber node, std::span<unsigned const> events);
+    /// The same, where that is known without looking at what was not looked at before; otherwise false. Several
+    /// threads may ask at once.
+    [[nodiscard]] virtual bool is_known_to_allow(NodeNumber node,
+                                                 std::span<unsigned const> events) const;
 
     /// Whether no state may go round silently.
     [[nodiscard]] virtual bool forbids_loops() const noexcept { return false; }
 };
 
-inline bool Observer::allows_offer(NodeNumber, std::span<unsigned const>) {
+inline bool Observer::allows_offer(NodeNumber node, std::span<unsigned const> events) {
+    return is_known_to_allow(node, events);
+}
+
+inline bool Observer::is_known_to_allow(NodeNumber, std::span<unsigned const>) const {
     return true;
 }
 

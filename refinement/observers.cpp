@@ -12,13 +12,24 @@ bool RefinementObserver::allows_offer(NodeNumber node, std::span<unsigned const>
                             m_normal_form.acceptances(node), *accepted);
 }
 
+bool RefinementObserver::is_known_to_allow(NodeNumber node,
+                                           std::span<unsigned const> events) const {
+    auto const accepted = acceptance_of(events);
+    if (!accepted) {
+        return true;
+    }
+    auto const known = m_normal_form.known_acceptances(node);
+    return known && m_normal_form.acceptance_sets().has_subset_of(*known, *accepted);
+}
+
 NodeNumber RefinementObserver::strict(NodeNumber node) {
     bool const is_beyond =
         m_model == Model::failures_divergences && is_node(node) && m_normal_form.diverges(node);
     return is_beyond ? nothing_matters : node;
 }
 
-bool DeterminismObserver::allows_offer(NodeNumber node, std::span<unsigned const> events) {
+bool DeterminismObserver::is_known_to_allow(NodeNumber node,
+                                            std::span<unsigned const> events) const {
     auto const accepted = acceptance_of(events);
     if (!accepted || m_determinisation.diverges(node)) {
         return true;
@@ -35,7 +46,8 @@ NodeNumber UniformityObserver::after(NodeNumber node, unsigned event) {
     return is_refused ? forbidden : counted(m_normal_form.after(node, event));
 }
 
-bool UniformityObserver::allows_offer(NodeNumber node, std::span<unsigned const> events) {
+bool UniformityObserver::is_known_to_allow(NodeNumber node,
+                                           std::span<unsigned const> events) const {
     auto const accepted = acceptance_of(events);
     return !accepted || std::includes(accepted->begin(), accepted->end(), m_events[node].begin(),
                                       m_events[node].end());
@@ -74,7 +86,7 @@ NodeNumber RefusalObserver::after(NodeNumber node, unsigned event) {
     return node < m_trace.size() && m_trace[node] == event ? node + 1 : nothing_matters;
 }
 
-bool RefusalObserver::allows_offer(NodeNumber node, std::span<unsigned const> events) {
+bool RefusalObserver::is_known_to_allow(NodeNumber node, std::span<unsigned const> events) const {
     auto const accepted = acceptance_of(events);
     return node < m_trace.size() || !accepted ||
            std::binary_search(accepted->begin(), accepted->end(), m_event);

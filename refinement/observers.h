@@ -23,6 +23,7 @@ class RefinementObserver final : public Observer {
         return m_model == Model::traces ? Offers::none : Offers::all;
     }
     bool allows_offer(NodeNumber node, std::span<unsigned const> events) override;
+    bool is_known_to_allow(NodeNumber node, std::span<unsigned const> events) const override;
     bool forbids_loops() const noexcept override { return m_model == Model::failures_divergences; }
 
     [[nodiscard]] NormalForm& normal_form() noexcept { return m_normal_form; }
@@ -45,7 +46,7 @@ class DeterminismObserver final : public Observer {
         return m_determinisation.after(node, event);
     }
     Offers looks_at() const noexcept override { return Offers::all; }
-    bool allows_offer(NodeNumber node, std::span<unsigned const> events) override;
+    bool is_known_to_allow(NodeNumber node, std::span<unsigned const> events) const override;
     bool forbids_loops() const noexcept override { return true; }
 
     [[nodiscard]] Determinisation& determinisation() noexcept { return m_determinisation; }
@@ -67,7 +68,7 @@ class UniformityObserver final : public Observer {
     NodeNumber start() override { return counted(m_normal_form.start()); }
     NodeNumber after(NodeNumber node, unsigned event) override;
     Offers looks_at() const noexcept override { return Offers::all; }
-    bool allows_offer(NodeNumber node, std::span<unsigned const> events) override;
+    bool is_known_to_allow(NodeNumber node, std::span<unsigned const> events) const override;
 
     /// The first event that can come and is not among these.
     [[nodiscard]] unsigned first_refused(NodeNumber node, std::span<unsigned const> accepted);
@@ -90,7 +91,7 @@ class ForgetfulObserver : public Observer {
 class DeadlockObserver final : public ForgetfulObserver {
   public:
     Offers looks_at() const noexcept override { return Offers::empty; }
-    bool allows_offer(NodeNumber, std::span<unsigned const>) override { return false; }
+    bool is_known_to_allow(NodeNumber, std::span<unsigned const>) const override { return false; }
 };
 
 class LoopObserver final : public ForgetfulObserver {
@@ -132,7 +133,7 @@ class RefusalObserver final : public Observer {
     NodeNumber start() override { return 0; }
     NodeNumber after(NodeNumber node, unsigned event) override;
     Offers looks_at() const noexcept override { return Offers::all; }
-    bool allows_offer(NodeNumber node, std::span<unsigned const> events) override;
+    bool is_known_to_allow(NodeNumber node, std::span<unsigned const> events) const override;
 
   private:
     std::span<unsigned const> m_trace;

@@ -2,31 +2,25 @@
 
 #include "process_compiler/event_numbers.h"
 #include "refinement/loops.h"
-#include "state_space/memory.h"
 
 #include <algorithm>
 
 namespace Calder::Refinement {
 
 using ProcessCompiler::tau;
-using ProcessCompiler::tick;
 using StateSpace::no_state;
 
 namespace {
-
-/// How many steps ahead memory is asked for: first the bucket, then the pair that it names.
-constexpr std::size_t bucket_distance = 32;
-
-/// Of one batch: what stays in a core's own cache.
-constexpr std::size_t steps_wanted = 4096;
 
 /// So many pairs more cost less than starting does.
 constexpr StateNumber least_silent_pairs = 1024;
 
 } // namespace
 
-PairSearch::PairSearch(Side& side, Observer& observer, SearchMonitor& monitor)
+PairSearch::PairSearch(Side& side, Observer& observer, SearchMonitor& monitor, unsigned threads,
+                       StateSpace::Cut const& cut)
     : m_side(side), m_observer(observer), m_monitor(monitor),
+      m_threads(side.machine() == nullptr ? 1 : threads), m_cut(cut),
       m_pairs(side.width(), side.spare_bits()) {}
 
 std::optional<Finding> PairSearch::run(StateNumber most_depth) {
@@ -66,47 +60,151 @@ void PairSearch::add_start(NodeNumber node) {
 /// what is explored: after such an event the rest of the level is looked at for these.
 std::optional<Finding> PairSearch::explore_level() {
     m_level_end = m_pairs.size();
+    begin_batch();
     while (m_explored < m_level_end) {
-        fill_batch();
-        if (auto found = examine_batch()) {
+        if (auto const round = next_round()) {
+            explore_round(*round);
+        } else if (auto found = explore_batch()) {
             return found;
         }
-        insert_batch();
-        m_explored += static_cast<StateNumber>(m_row_ends.size());
-        look_around(m_steps.size() + m_row_ends.size());
     }
     ++m_depth;
     return std::exchange(m_event, std::nullopt);
 }
 
+/// Where enough is to be explored on this level, and there is room and memory for what is found.
+std::optional<StateSpace::RoundSize> PairSearch::next_round() {
+    if (m_threads == 1 || m_event || m_explored < m_alone_until) {
+        return std::nullopt;
+    }
+    StateSpace::SearchedSoFar const so_far{m_pairs.size(), m_explored, m_transitions};
+    auto round = StateSpace::next_round(so_far, m_level_end, m_cut, m_threads, m_monitor);
+    if (!round || !has_team() || m_round->growth_bytes(*round, m_cut) > m_monitor.memory_left()) {
+        return std::nullopt;
+    }
+    fit_side();
+    round->last = m_round->first_not_prepared(round->first, round->last);
+    if (round->jobs() < m_cut.least_jobs_of_round) {
+        m_alone_until = round->last + 1;
+        return std::nullopt;
+    }
+    round->most_steps = static_cast<std::size_t>(most_steps() / m_threads);
+    return round;
+}
+
+bool PairSearch::has_team() {
+    if (!m_team) {
+        m_team.emplace(m_threads);
+        m_round.emplace(*m_team, m_side, m_pairs, m_answers);
+    }
+    return m_team->size() > 1;
+}
+
+/// Where the observer had to be asked for most of it, threads are of no use.
+void PairSearch::explore_round(StateSpace::RoundSize const& size) {
+    if (!try_round(size)) {
+        m_alone_until = size.last;
+        return;
+    }
+    if (m_round->asked_count() * 2 > m_round->job_count()) {
+        m_alone_until = m_level_end;
+    }
+    std::uint64_t work = 0;
+    for (std::size_t number = 0; number < m_round->job_count(); ++number) {
+        work += count_job(m_round->job(number));
+    }
+    look_around(work);
+}
+
+/// A limit of what the observer looks at is met again by one thread, at its place.
+bool PairSearch::try_round(StateSpace::RoundSize const& size) {
+    try {
+        return m_round->explore(size);
+    } catch (StateSpace::SearchEnded const&) {
+        if (m_monitor.outcome() == StateSpace::Outcome::interrupted ||
+            m_monitor.outcome() == StateSpace::Outcome::memory_limit) {
+            throw;
+        }
+        return false;
+    }
+}
+
+/// Counts what it has found, and tells where the batches of one thread would have begun. Returns the work.
+std::uint64_t PairSearch::count_job(PairRound::Job const& job) {
+    std::size_t const loop_heads = m_loop_heads.size();
+    PairBatch::Row before{};
+    for (PairBatch::Row const& row : job.rows) {
+        m_transitions += row.transitions - before.transitions + (row.passed - before.passed);
+        m_begun.steps += row.steps - before.steps;
+        m_begun.passed += row.passed - before.passed;
+        before = row;
+        ++m_explored;
+        if (m_begun.steps >= m_cut.steps_of_job) {
+            begin_batch();
+            m_begun.loop_heads = loop_heads + row.loop_heads;
+        }
+    }
+    m_loop_heads.insert(m_loop_heads.end(), job.loop_heads.begin(), job.loop_heads.end());
+    return before.steps + job.rows.size();
+}
+
+/// A whole one, or what rounds have left of it.
+std::optional<Finding> PairSearch::explore_batch() {
+    fill_batch();
+    std::optional<Finding> found;
+    try {
+        found = examine_batch();
+    } catch (...) {
+        leave_batch();
+        throw;
+    }
+    if (found) {
+        leave_batch();
+        return found;
+    }
+    insert_batch();
+    return std::nullopt;
+}
+
+void PairSearch::begin_batch() noexcept {
+    m_begun = {m_explored, m_transitions, m_loop_heads.size()};
+}
+
+/// Nothing is reached from the batch, though what it passes counts.
+void PairSearch::leave_batch() {
+    m_transitions = m_begun.transitions + m_begun.passed + m_batch.passed();
+    if (m_begun.first_source != m_explored) {
+        m_explored = m_begun.first_source;
+        m_loop_heads.resize(m_begun.loop_heads);
+        m_pairs.forget_reached_from(m_explored);
+    }
+}
+
 /// The next pairs of the level, and their steps.
 void PairSearch::fill_batch() {
     fit_side();
-    m_first_source = m_explored;
-    m_row_ends.clear();
-    m_source_nodes.clear();
-    m_steps.clear(m_side.width());
-    m_steps.limit(std::max<std::uint64_t>(
-        steps_wanted,
-        m_monitor.memory_left() / (std::uint64_t{8} * (m_side.width() + 1) * sizeof(Word))));
-    std::vector<Word>& state = m_source.state;
-    for (StateNumber pair = m_explored; pair < m_level_end && m_steps.size() < steps_wanted;
+    m_batch.begin(m_explored, m_side.width(), most_steps());
+    for (StateNumber pair = m_explored;
+         pair < m_level_end && m_begun.steps + m_batch.steps().size() < m_cut.steps_of_job;
          ++pair) {
-        state.resize(m_side.width());
-        m_pairs.read_state(pair, state.data());
-        m_side.prepare(state.data());
-        if (m_side.width() != m_steps.width()) { // wider from now on
-            if (pair != m_first_source) {
+        m_side.prepare(m_batch.read(m_pairs, pair));
+        if (m_side.width() != m_batch.steps().width()) { // wider from now on
+            if (pair != m_begun.first_source) {
                 return;
             }
             fit_side();
-            state.resize(m_side.width());
-            m_steps.clear(m_side.width());
+            m_batch.begin(pair, m_side.width(), most_steps());
+            m_batch.read(m_pairs, pair);
         }
-        m_side.append_steps(state.data(), m_steps);
-        m_row_ends.push_back(m_steps.size());
-        m_source_nodes.push_back(m_pairs.node(pair));
+        m_batch.add(m_side);
     }
+}
+
+/// What there is memory for.
+std::uint64_t PairSearch::most_steps() const noexcept {
+    return std::max<std::uint64_t>(m_cut.steps_of_job,
+                                   m_monitor.memory_left() /
+                                       (std::uint64_t{8} * (m_side.width() + 1) * sizeof(Word)));
 }
 
 void PairSearch::fit_side(NodeNumber most_node) {
@@ -119,169 +217,76 @@ void PairSearch::fit_side(NodeNumber most_node) {
 /// Tells what may not be offered, keeps in mind an event that may not come, and otherwise chooses the
 /// steps that are followed.
 std::optional<Finding> PairSearch::examine_batch() {
-    make_room_to_follow();
-    for (std::size_t source = 0; source < m_row_ends.size(); ++source) {
-        if (looks_at_offer(source) && !allows_offer(source)) {
-            return Finding{Finding::Kind::offer, m_first_source + static_cast<StateNumber>(source)};
+    Asking const asking(m_answers);
+    m_batch.begin_following(m_pairs);
+    for (std::size_t source = 0; source < m_batch.source_count(); ++source) {
+        if (m_batch.is_among(source, m_looks_at) &&
+            !asking.allows_offer(m_batch.node(source), m_batch.offer(source))) {
+            return Finding{Finding::Kind::offer,
+                           m_batch.first_source() + static_cast<StateNumber>(source)};
         }
         if (!m_event || m_observer.forbids_loops()) {
             follow_row(source);
         }
+        m_batch.end_row(source);
     }
     return std::nullopt;
 }
 
-inline bool PairSearch::looks_at_offer(std::size_t source) const noexcept {
-    bool const is_empty = row_begin(source) == m_row_ends[source];
-    return m_looks_at == Observer::Offers::all ||
-           (is_empty && m_looks_at == Observer::Offers::empty);
-}
-
-bool PairSearch::allows_offer(std::size_t source) {
-    m_offer.clear();
-    for (std::size_t step = row_begin(source); step < m_row_ends[source]; ++step) {
-        unsigned const event = m_steps.event(step);
-        if (m_offer.empty() || m_offer.back() != event) {
-            m_offer.push_back(event);
-        }
-    }
-    if (!std::is_sorted(m_offer.begin(), m_offer.end())) { // as they come from terms
-        std::sort(m_offer.begin(), m_offer.end());
-        m_offer.erase(std::unique(m_offer.begin(), m_offer.end()), m_offer.end());
-    }
-    return m_observer.allows_offer(m_source_nodes[source], m_offer);
-}
-
-void PairSearch::make_room_to_follow() {
-    m_followed_count = 0;
-    m_most_node = 0;
-    if (m_followed.size() < m_steps.size()) {
-        m_followed.resize(m_steps.size());
-        m_hashes.resize(m_steps.size());
-    }
-    if (m_words.size() < m_followed.size() * m_pairs.width()) {
-        m_words.resize(m_followed.size() * m_pairs.width());
-    }
-}
-
+/// After an event that may not come, only loops can be found sooner.
 void PairSearch::follow_row(std::size_t source) {
-    NodeNumber const node = m_source_nodes[source];
-    std::span<NodeNumber const> known = m_next_nodes.row(node);
-    for (std::size_t step = row_begin(source); step < m_row_ends[source]; ++step) {
-        unsigned const event = m_steps.event(step);
-        if (event == tau) {
-            follow(source, step, node);
-            continue;
+    std::size_t step = m_batch.row_begin(source);
+    if (!m_event) {
+        step = m_batch.follow_row(source, m_pairs, Asking(m_answers));
+        if (step == m_batch.row_end(source)) {
+            return;
         }
-        if (m_event) {
-            continue; // only loops can be found sooner
-        }
-        NodeNumber next = NextNodes::in_row(known, event);
-        if (next == not_known) {
-            next = next_node(node, event);
-            known = m_next_nodes.row(node);
-        }
-        if (is_node(next)) {
-            follow(source, step, next);
-        } else if (next == forbidden) {
-            note_event(source, step);
-        } else {
-            ++m_transitions;
-        }
+        note_event(source, step);
     }
-}
-
-inline void PairSearch::follow(std::size_t source, std::size_t step, NodeNumber next) {
-    std::size_t const place = m_followed_count++;
-    m_followed[place] = {static_cast<std::uint32_t>(source), static_cast<std::uint32_t>(step), next,
-                         m_steps.event(step) == tau, m_steps.can_repeat(step)};
-    m_most_node = std::max(m_most_node, next);
-    write_followed(place);
-}
-
-/// Of a node that does not fit something else; `insert_batch` writes all anew then.
-inline void PairSearch::write_followed(std::size_t place) {
-    Followed const& followed = m_followed[place];
-    Word* const pair = &m_words[place * m_pairs.width()];
-    m_pairs.write(m_steps.words(followed.step), followed.node, pair);
-    m_hashes[place] = m_pairs.hash(pair);
+    m_batch.follow_silent_steps(source, step, m_pairs);
 }
 
 void PairSearch::note_event(std::size_t source, std::size_t step) {
+    Steps const& steps = m_batch.steps();
     m_event = Finding{Finding::Kind::event,
-                      m_first_source + static_cast<StateNumber>(source),
-                      m_steps.event(step),
-                      {m_steps.words(step), m_steps.words(step) + m_steps.width()}};
+                      m_batch.first_source() + static_cast<StateNumber>(source),
+                      steps.event(step),
+                      {steps.words(step), steps.words(step) + steps.width()}};
 }
 
-NodeNumber PairSearch::next_node(NodeNumber node, unsigned event) {
-    NodeNumber next = m_next_nodes.find(node, event);
-    if (next == not_known) {
-        next = m_observer.after(node, event);
-        if (event == tick && next != forbidden) {
-            next = nothing_matters;
-        }
-        m_next_nodes.insert(node, event, next);
+/// It is explored then.
+void PairSearch::insert_batch() {
+    Steps const& steps = m_batch.steps();
+    if (!m_pairs.fits(steps.width(), m_batch.most_node())) {
+        m_monitor.go_on(m_pairs.size(), m_pairs.memory_bytes() * 2);
+        m_pairs.make_fit(steps.width(), m_batch.most_node());
+        m_batch.write_again(m_pairs);
     }
-    return next;
-}
-
-/// `likely` is the pair that it leads to, most likely.
-inline void PairSearch::insert(std::size_t place, StateNumber likely) {
-    Followed const& followed = m_followed[place];
-    StateNumber const parent = m_first_source + followed.source;
-    Word const* const words = &m_words[place * m_pairs.width()];
-    StateNumber const target =
-        likely != no_state && m_pairs.is_pair(likely, words)
-            ? likely
-            : m_pairs.find_or_add(words, m_hashes[place], parent, m_monitor.max_states());
-    if (target == no_state) {
+    bool const has_room = reach_pairs();
+    m_transitions += m_batch.passed() + m_batch.transitions();
+    if (!has_room) {
         m_monitor.stop(StateSpace::Outcome::state_limit);
         throw StateSpace::SearchEnded();
     }
-    m_transitions += !followed.can_repeat || is_first(followed, target) ? 1 : 0;
-    if (followed.is_silent && target <= parent && m_observer.forbids_loops()) {
-        m_loop_heads.push_back(target);
-    }
+    auto const& heads = m_batch.loop_heads();
+    m_loop_heads.insert(m_loop_heads.end(), heads.begin(), heads.end());
+    m_explored += static_cast<StateNumber>(m_batch.source_count());
+    begin_batch();
+    look_around(steps.size() + m_batch.source_count());
 }
 
-/// Among the steps of its source.
-bool PairSearch::is_first(Followed const& followed, StateNumber target) {
-    if (m_row_source != m_first_source + followed.source) {
-        m_row_source = m_first_source + followed.source;
-        m_row.clear();
-    }
-    return m_row.insert({m_steps.event(followed.step), target});
-}
-
-void PairSearch::insert_batch() {
-    if (!m_pairs.fits(m_steps.width(), m_most_node)) {
-        m_monitor.go_on(m_pairs.size(), m_pairs.memory_bytes() * 2);
-        m_pairs.make_fit(m_steps.width(), m_most_node);
-        m_words.resize(m_followed.size() * m_pairs.width());
-        for (std::size_t place = 0; place < m_followed_count; ++place) {
-            write_followed(place);
-        }
-    }
-    std::size_t const count = m_followed_count;
-    m_pairs.make_room(count);
-    for (std::size_t place = 0; place < std::min(bucket_distance, count); ++place) {
-        m_pairs.prefetch_bucket(m_hashes[place]);
-    }
-    for (std::size_t place = 0; place < std::min(pair_distance, count); ++place) {
-        m_ahead[place] = m_pairs.prefetch_pair(m_hashes[place]);
-    }
-    for (std::size_t place = 0; place < count; ++place) {
-        StateNumber& ahead = m_ahead[place % pair_distance];
-        StateNumber const likely = ahead;
-        if (place + bucket_distance < count) {
-            m_pairs.prefetch_bucket(m_hashes[place + bucket_distance]);
-        }
-        if (place + pair_distance < count) {
-            ahead = m_pairs.prefetch_pair(m_hashes[place + pair_distance]);
-        }
-        insert(place, likely);
-    }
+/// False when there is one too many.
+bool PairSearch::reach_pairs() {
+    std::span<std::uint64_t const> const hashes = m_batch.hashes();
+    m_pairs.make_room(hashes.size());
+    m_ahead.begin(m_pairs, hashes);
+    return m_batch.reach(m_observer.forbids_loops(), [&](std::size_t place, StateNumber parent) {
+        StateNumber const likely = m_ahead.likely_target(m_pairs, hashes, place);
+        Word const* const words = m_batch.words(place);
+        return likely != no_state && m_pairs.is_pair(likely, words)
+                   ? likely
+                   : m_pairs.find_or_add(words, hashes[place], parent, m_monitor.max_states());
+    });
 }
 
 std::optional<Finding> PairSearch::find_loop() {
@@ -326,18 +331,14 @@ void PairSearch::follow_silent_steps(StateNumber most_more) {
     std::uint64_t const enough = std::uint64_t{m_pairs.size()} + most_more;
     while (m_explored < m_pairs.size() && m_pairs.size() < enough) {
         m_level_end = m_pairs.size();
+        begin_batch();
         fill_batch();
-        make_room_to_follow();
-        for (std::size_t source = 0; source < m_row_ends.size(); ++source) {
-            for (std::size_t step = row_begin(source); step < m_row_ends[source]; ++step) {
-                if (m_steps.event(step) == tau) {
-                    follow(source, step, m_source_nodes[source]);
-                }
-            }
+        m_batch.begin_following(m_pairs);
+        for (std::size_t source = 0; source < m_batch.source_count(); ++source) {
+            m_batch.follow_silent_steps(source, m_batch.row_begin(source), m_pairs);
+            m_batch.end_row(source);
         }
         insert_batch();
-        m_explored += static_cast<StateNumber>(m_row_ends.size());
-        look_around(m_steps.size() + m_row_ends.size());
     }
 }
 
@@ -345,12 +346,13 @@ void PairSearch::look_around(std::uint64_t work) {
     if (!m_monitor.is_due(work)) {
         return;
     }
-    std::uint64_t const ahead = m_monitor.work_ahead() + steps_wanted; // a batch may go beyond
+    std::uint64_t const ahead =
+        m_monitor.work_ahead() + m_cut.steps_of_job; // a batch may go beyond
     StateNumber const pairs = m_pairs.size();
     StateSpace::Progress const progress{pairs, m_transitions, m_explored, pairs - m_explored,
                                         m_depth};
     if (!m_monitor.look_around(progress, m_pairs.growth_bytes(ahead) + m_side.growth_bytes(ahead) +
-                                             m_next_nodes.growth_bytes(ahead))) {
+                                             m_answers.next_nodes().growth_bytes(ahead))) {
         throw StateSpace::SearchEnded();
     }
 }
@@ -362,12 +364,13 @@ void PairSearch::find_steps(StateNumber pair, PairSteps& found) {
     found.node = m_pairs.node(pair);
     m_side.prepare(found.state.data());
     found.steps.clear(m_side.width());
-    m_side.append_steps(found.state.data(), found.steps);
+    m_side.append_steps(found.state.data(), found.steps, m_scratch);
 }
 
 StateNumber PairSearch::target_of(PairSteps const& from, std::size_t step) {
     unsigned const event = from.steps.event(step);
-    NodeNumber const node = event == tau ? from.node : m_next_nodes.find(from.node, event);
+    NodeNumber const node =
+        event == tau ? from.node : m_answers.next_nodes().find(from.node, event);
     if (!is_node(node) || !m_pairs.fits(from.steps.width(), node)) {
         return no_state;
     }

@@ -1,12 +1,7 @@
 #pragma once
 
-#include "refinement/next_nodes.h"
-#include "refinement/observer.h"
-#include "refinement/side.h"
-#include "refinement/visited_pairs.h"
-#include "state_space/transition_set.h"
+#include "refinement/pair_round.h"
 
-#include <array>
 #include <optional>
 
 namespace Calder::Refinement {
@@ -41,9 +36,15 @@ struct PairSteps {
 /// the silent steps that may be on one. It goes before what takes more steps to get to. What it takes to
 /// come round does not count; so where something is found, silent steps alone are followed on until half
 /// as many pairs more, or 1024, are reached, and only a loop that closes beyond them is missed.
+///
+/// Levels are explored batch by batch, by one thread, and where they are large round by round, by several. All
+/// that is found and counted is the same with any number of them: what may not be one thread finds, as it would
+/// without rounds, and forgets what they reached from the batch in which it stands.
 class PairSearch {
   public:
-    PairSearch(Side& side, Observer& observer, SearchMonitor& monitor);
+    /// `threads` is at least 1; of a side without a machine one thread finds the steps.
+    PairSearch(Side& side, Observer& observer, SearchMonitor& monitor, unsigned threads = 1,
+               StateSpace::Cut const& cut = {});
 
     /// What was found; nothing when every pair is explored that takes fewer steps than `most_depth`.
     /// Throws what Side does, SearchEnded at the limits.
@@ -64,46 +65,46 @@ class PairSearch {
     [[nodiscard]] StateNumber target_of(PairSteps const& from, std::size_t step);
 
   private:
-    /// A step to be followed.
-    struct Followed {
-        std::uint32_t source; // in the batch
-        std::uint32_t step;
-        NodeNumber node;
-        bool is_silent;
-        bool can_repeat;
+    /// What there was when the batch that is being explored began, and what of it rounds have explored.
+    struct Begun {
+        StateNumber first_source = 0;
+        std::uint64_t transitions = 0;
+        std::size_t loop_heads = 0;
+        std::uint64_t steps = 0;
+        std::uint64_t passed = 0;
     };
 
     void add_start(NodeNumber node);
     std::optional<Finding> explore_level();
+    std::optional<StateSpace::RoundSize> next_round();
+    bool has_team();
+    void explore_round(StateSpace::RoundSize const& size);
+    bool try_round(StateSpace::RoundSize const& size);
+    std::uint64_t count_job(PairRound::Job const& job);
+    std::optional<Finding> explore_batch();
+    void begin_batch() noexcept;
+    void leave_batch();
     void fill_batch();
+    std::uint64_t most_steps() const noexcept;
     void fit_side(NodeNumber most_node = 0);
     std::optional<Finding> examine_batch();
-    [[nodiscard]] bool looks_at_offer(std::size_t source) const noexcept;
-    bool allows_offer(std::size_t source);
-    void make_room_to_follow();
     void follow_row(std::size_t source);
-    void follow(std::size_t source, std::size_t step, NodeNumber next);
-    [[nodiscard]] NodeNumber next_node(NodeNumber node, unsigned event);
     void note_event(std::size_t source, std::size_t step);
     void insert_batch();
-    void write_followed(std::size_t place);
-    void insert(std::size_t place, StateNumber likely);
-    bool is_first(Followed const& followed, StateNumber target);
+    bool reach_pairs();
     std::optional<Finding> find_loop();
     std::optional<Finding> find_loop_before(Finding found);
     void follow_silent_steps(StateNumber most_more);
     void look_around(std::uint64_t work);
 
-    [[nodiscard]] std::size_t row_begin(std::size_t source) const noexcept {
-        return source == 0 ? 0 : m_row_ends[source - 1];
-    }
-
     Side& m_side;
     Observer& m_observer;
     Observer::Offers const m_looks_at = m_observer.looks_at();
     SearchMonitor& m_monitor;
+    unsigned const m_threads;
+    StateSpace::Cut const m_cut;
     VisitedPairs m_pairs;
-    NextNodes m_next_nodes;
+    Answers m_answers{m_observer};
     std::uint64_t m_transitions = 0;
     StateNumber m_explored = 0;
     StateNumber m_depth = 0;
@@ -114,26 +115,14 @@ class PairSearch {
     StateNumber m_searched_for_loops = 1024; // how many pairs there were then
     bool m_is_decided = false;
 
-    static constexpr StateNumber no_pair = StateSpace::no_state;
-    static constexpr std::size_t pair_distance = 16;
-    /// Of the steps to come, the pairs that they most likely lead to: step i is at i modulo the
-    /// distance.
-    std::array<StateNumber, pair_distance> m_ahead{};
-
-    // The batch: sources in a row, and their steps.
-    StateNumber m_first_source = 0;
-    PairSteps m_source; // the one that is being added
-    std::vector<NodeNumber> m_source_nodes;
-    Steps m_steps;
-    std::vector<std::size_t> m_row_ends; // by source
-    std::size_t m_followed_count = 0;
-    std::vector<Followed> m_followed;    // there may be more than these, here and in the next two
-    std::vector<Word> m_words;           // of the pairs that these steps lead to
-    std::vector<std::uint64_t> m_hashes; // of those
-    NodeNumber m_most_node = 0;
-    StateSpace::TransitionSet m_row;    // steps that may repeat
-    StateNumber m_row_source = no_pair; // whose they are
-    std::vector<unsigned> m_offer;
+    Begun m_begun;
+    PairBatch m_batch; // sources in a row, and their steps
+    StateSpace::LookingAhead<VisitedPairs> m_ahead;
+    std::optional<StateSpace::Team> m_team; // from the first round on
+    std::optional<PairRound> m_round;
+    StateNumber m_alone_until = 0; // what a round could not do
+    Side::Scratch m_scratch;
+    std::vector<Word> m_words; // of a pair that is looked up
 };
 
 } // namespace Calder::Refinement

@@ -82,7 +82,8 @@ Answer ask(NamedProcessSource const& source, QuestionOptions const& options, Ask
 class Search {
   public:
     Search(Side& side, Observer& observer, Asked const& asked)
-        : m_side(side), m_answer(asked.answer), m_search(side, observer, asked.monitor) {}
+        : m_side(side), m_answer(asked.answer),
+          m_search(side, observer, asked.monitor, asked.options.threads) {}
 
     /// The counts are told however it ends, and so is what was found.
     std::optional<Finding> run(StateNumber most_depth = StateSpace::no_state) {

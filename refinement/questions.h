@@ -17,6 +17,9 @@ struct QuestionOptions : StateSpace::ExplorationOptions {
     /// Where a process has a machine, it runs; otherwise, and always when this is false, one goes from
     /// term to term.
     bool by_machine = true;
+    /// How many threads search a machine, at least 1; where there is little to search, one of them does. The
+    /// answer does not depend on it, but for where a limit on memory or whoever watches ends a search.
+    unsigned threads = 1;
 };
 
 /// What a question comes to, and why.

@@ -17,6 +17,9 @@ using StateSpace::Word;
 /// each time. It stores no states itself, unless words could not hold them.
 class Side {
   public:
+    /// What it needs while it finds steps. Of no meaning in between; keeps its storage.
+    using Scratch = std::vector<StateNumber>;
+
     Side() = default;
     virtual ~Side() = default;
     Side(Side const&) = delete;
@@ -36,9 +39,13 @@ class Side {
     /// SearchEnded, MachineRefusal, NestedTooDeeply, std::bad_alloc.
     virtual void prepare(Word const* state) = 0;
 
+    /// Whether that is there.
+    [[nodiscard]] virtual bool is_prepared(Word const* state) const noexcept = 0;
+
     /// Appends the steps of a state that was prepared to `steps`, which are as wide as `width`. An
-    /// engine gives them in the same order every time. Throws as `prepare` does.
-    virtual void append_steps(Word const* state, Steps& steps) = 0;
+    /// engine gives them in the same order every time. Where there is a machine, several threads may ask
+    /// at once, each with a scratch of its own. Throws as `prepare` does.
+    virtual void append_steps(Word const* state, Steps& steps, Scratch& scratch) = 0;
 
     /// What would be allocated besides what there is, while so many steps are found, in bytes.
     [[nodiscard]] virtual std::uint64_t growth_bytes(std::uint64_t steps) const noexcept = 0;

@@ -13,7 +13,7 @@ TermSide::TermSide(ProcessPointer const& start, ProcessCompiler::NamedProcessSou
 }
 
 /// A construct may report a transition twice, so each is marked as one that may repeat.
-void TermSide::append_steps(Word const* state, Steps& steps) {
+void TermSide::append_steps(Word const* state, Steps& steps, Scratch&) {
     auto const take = [&](unsigned event, ProcessPointer const& successor) {
         if (m_stack.is_low()) { // before the successor, which may be as deep, is hashed
             throw ProcessCompiler::NestedTooDeeply();

@@ -18,7 +18,8 @@ class TermSide final : public Side {
     unsigned spare_bits() const noexcept override { return 32; }
     std::vector<Word> start() const override { return {0}; }
     void prepare(Word const*) override {}
-    void append_steps(Word const* state, Steps& steps) override;
+    bool is_prepared(Word const*) const noexcept override { return true; }
+    void append_steps(Word const* state, Steps& steps, Scratch&) override;
     std::uint64_t growth_bytes(std::uint64_t steps) const noexcept override {
         return m_terms.growth_bytes(steps) + m_components.growth_bytes(steps);
     }

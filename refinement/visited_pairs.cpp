@@ -2,6 +2,8 @@
 
 #include "state_space/memory.h"
 
+#include <algorithm>
+
 namespace Calder::Refinement {
 
 using StateSpace::VisitedStates;
@@ -64,6 +66,13 @@ void VisitedPairs::move_nodes_to_front() {
     m_has_node_word = true;
     m_node_unit = 0;
     m_most_node = not_known - 1;
+}
+
+/// Parents ascend.
+void VisitedPairs::forget_reached_from(StateNumber parent) {
+    auto const first = std::lower_bound(m_parents.begin() + 1, m_parents.end(), parent);
+    m_pairs.forget_from(static_cast<StateNumber>(first - m_parents.begin()));
+    m_parents.erase(first, m_parents.end());
 }
 
 std::uint64_t VisitedPairs::memory_bytes() const noexcept {

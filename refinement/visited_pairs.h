@@ -21,7 +21,8 @@ class VisitedPairs {
     VisitedPairs(std::uint32_t state_width, unsigned spare_bits);
 
     [[nodiscard]] StateNumber size() const noexcept { return m_pairs.size(); }
-    /// The words of a pair.
+    /// The words of a state, and those of a pair.
+    [[nodiscard]] std::uint32_t state_width() const noexcept { return m_state_width; }
     [[nodiscard]] std::uint32_t width() const noexcept { return m_pairs.width(); }
 
     [[nodiscard]] NodeNumber node(StateNumber pair) const noexcept;
@@ -48,7 +49,7 @@ class VisitedPairs {
     }
     void prefetch_bucket(std::uint64_t hash) const noexcept { m_pairs.prefetch_bucket(hash); }
     /// Also tells which pair it will be, most likely; no_state where none is likely.
-    StateNumber prefetch_pair(std::uint64_t hash) const noexcept {
+    StateNumber prefetch_state(std::uint64_t hash) const noexcept {
         return m_pairs.prefetch_state(hash);
     }
     [[nodiscard]] bool is_pair(StateNumber pair, Word const* other) const noexcept {
@@ -65,6 +66,18 @@ class VisitedPairs {
         }
         return number;
     }
+    /// @{
+    /// For several threads that add pairs at once, by SharedAdditions. `make_parents` comes between those
+    /// additions and their numbers, with which each gets its parent. Where it throws std::bad_alloc, nothing has
+    /// changed.
+    [[nodiscard]] StateSpace::VisitedStates& states() noexcept { return m_pairs; }
+    void make_parents(std::size_t pairs) { m_parents.resize(pairs); }
+    void set_parent(StateNumber pair, StateNumber parent) noexcept { m_parents[pair] = parent; }
+    /// @}
+
+    /// Forgets what was reached first from this pair or a later one.
+    void forget_reached_from(StateNumber parent);
+
     /// no_state when there is no such pair.
     [[nodiscard]] StateNumber find(Word const* pair) {
         return m_pairs.find_or_add(pair, hash(pair), 0);

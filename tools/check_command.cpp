@@ -149,6 +149,7 @@ class Check {
         bounds.max_states = m_options.max_states.value_or(bounds.max_states);
         bounds.max_memory = m_max_memory;
         bounds.by_machine = m_options.engine == Engine::machine;
+        bounds.threads = m_options.thread_count();
         bounds.progress = [&](StateSpace::Progress const& found) {
             line.update(found);
             return !watch.interrupted();

@@ -137,7 +137,7 @@ void add_check(CLI::App& command, CheckOptions& options) {
         ->type_name("N,...");
     add_definitions(command, options.input);
     add_search(command, options.search,
-               "Taken as 'explore' takes it; a question is answered by one thread");
+               "How many threads search a machine, up to 1024; by default all that there are");
     add_json(command, options.json);
     add_messages(command, options.search);
 }

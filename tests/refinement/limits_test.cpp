@@ -192,28 +192,9 @@ TEST(Limits, AMachineThatCannotGoOnIsLeftForTerms) {
     EXPECT_EQ(answer.concrete_without_machine.reason, "it nests too deeply for the stack");
 }
 
-/// The second format runs three leaves of 10 bits each besides the first, and the third as many more:
-/// the states become wider while there are narrow ones around, with nodes in them and beside them.
+/// With nodes in the states, and beside them.
 TEST(Limits, StatesMayGrowWiderOnTheWay) {
-    std::vector<ProcessPointer> arguments{leaf("first", {{{a, 1}}, {{b, 0}, {tau, 1}}})};
-    std::vector<unsigned> active{0};
-    std::vector<PlainRule> rules{{a, 0, {{0, a}}}, {b, 1, {{0, b}}}, {tau, 0, {{0, tau}}}};
-    std::vector<UnCompiledFormat> formats{format_of(active, rules)};
-    for (unsigned format = 1; format < 3; ++format) {
-        Participants together;
-        for (unsigned argument = 3 * format - 2; argument <= 3 * format; ++argument) {
-            arguments.push_back(ring("ring" + std::to_string(argument), 600, a));
-            active.push_back(argument);
-            together.emplace_back(argument, a);
-        }
-        rules.push_back({a, format, together});
-        for (PlainRule& rule : rules) {
-            rule.target_format = format;
-        }
-        rules[1].target_format = std::min(format + 1, 2U);
-        formats.push_back(format_of(active, rules));
-    }
-    ProcessPointer const machine = construct("growing", arguments, always(formats));
+    ProcessPointer const machine = growing_machine();
     QuestionOptions options;
     options.max_states = 3'000;
     for (Rows const& abstract :

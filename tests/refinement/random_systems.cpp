@@ -165,6 +165,79 @@ ProcessPointer random_machine(Random& random) {
     }
 }
 
+namespace {
+
+/// Each by itself, but for steps that two of them take together. In half of them nothing is silent: others
+/// mostly have a loop that is found soon.
+FormatMaker side_by_side(Random& random, unsigned leaves) {
+    std::vector<unsigned> active;
+    std::vector<PlainRule> rules;
+    bool const is_silent = below(random, 2) == 0;
+    for (unsigned leaf = 0; leaf < leaves; ++leaf) {
+        active.push_back(leaf);
+        if (is_silent) {
+            rules.push_back({tau, 0, {{leaf, tau}}});
+        }
+        rules.push_back({a, 0, {{leaf, a}}});
+        rules.push_back({b, 0, {{leaf, b}}});
+        unsigned const other = below(random, leaves);
+        if (leaf < other) {
+            rules.push_back({is_silent ? tau : a, 0, {{leaf, a}, {other, b}}});
+        }
+    }
+    rules.push_back({tick, 0, {{0, tick}}});
+    return always({format_of(active, rules)});
+}
+
+/// All of whose states are reached.
+Rows random_ring(Random& random, unsigned most_states) {
+    Rows rows = random_rows(random, most_states);
+    for (unsigned state = 0; state < rows.size(); ++state) {
+        rows[state].emplace_back(below(random, 2) == 0 ? a : b, (state + 1) % rows.size());
+    }
+    return rows;
+}
+
+ProcessPointer random_leaves(Random& random, std::string const& name, unsigned most_states) {
+    std::vector<ProcessPointer> leaves;
+    for (unsigned count = 4 + below(random, 3); count > 0; --count) {
+        leaves.push_back(leaf(name + std::to_string(count), random_ring(random, most_states)));
+    }
+    return construct(name, leaves, side_by_side(random, static_cast<unsigned>(leaves.size())));
+}
+
+} // namespace
+
+ProcessPointer random_network(Random& random) {
+    if (below(random, 3) != 0) {
+        return random_leaves(random, "network", 5);
+    }
+    ProcessPointer const first = random_leaves(random, "first", 4);
+    return construct("sequence", {first, random_leaves(random, "second", 4)}, in_sequence);
+}
+
+ProcessPointer growing_machine() {
+    std::vector<ProcessPointer> arguments{leaf("first", {{{a, 1}}, {{b, 0}, {tau, 1}}})};
+    std::vector<unsigned> active{0};
+    std::vector<PlainRule> rules{{a, 0, {{0, a}}}, {b, 1, {{0, b}}}, {tau, 0, {{0, tau}}}};
+    std::vector<UnCompiledFormat> formats{format_of(active, rules)};
+    for (unsigned format = 1; format < 3; ++format) {
+        Participants together;
+        for (unsigned argument = 3 * format - 2; argument <= 3 * format; ++argument) {
+            arguments.push_back(ring("ring" + std::to_string(argument), 600, a));
+            active.push_back(argument);
+            together.emplace_back(argument, a);
+        }
+        rules.push_back({a, format, together});
+        for (PlainRule& rule : rules) {
+            rule.target_format = format;
+        }
+        rules[1].target_format = std::min(format + 1, 2U);
+        formats.push_back(format_of(active, rules));
+    }
+    return construct("growing", arguments, always(formats));
+}
+
 Rows rows_of_machine(ProcessPointer const& term) {
     NamedProcessSource const source;
     StateSpace::MachineExploration const explored =

@@ -33,6 +33,14 @@ StateSpace::Testing::ProcessPointer random_machine(Random& random);
 /// The same over a leaf alone.
 StateSpace::Testing::ProcessPointer machine_over(Rows const& rows, std::string const& label);
 
+/// One of some hundred states or more: leaves side by side, some of whose steps are taken together; of one
+/// configuration, or of two such one after the other.
+StateSpace::Testing::ProcessPointer random_network(Random& random);
+
+/// The second of its formats runs three leaves of 10 bits each besides the first, and the third as many more:
+/// states become wider while there are narrow ones around.
+StateSpace::Testing::ProcessPointer growing_machine();
+
 /// What the machine of a term does.
 Rows rows_of_machine(StateSpace::Testing::ProcessPointer const& term);
 

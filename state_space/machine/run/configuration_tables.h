@@ -46,6 +46,11 @@ class CALDER_STATE_SPACE_EXPORT ConfigurationTables {
         return is_met(number) ? *m_tables[number] : make_table(number, monitor);
     }
 
+    /// Whether its table was made.
+    [[nodiscard]] bool is_met(ConfigurationNumber number) const noexcept {
+        return number < m_tables.size() && m_tables[number] != nullptr;
+    }
+
     /// Of a configuration that was met.
     [[nodiscard]] SuccessorTable const& table(ConfigurationNumber number) const noexcept {
         return *m_tables[number];
@@ -79,9 +84,6 @@ class CALDER_STATE_SPACE_EXPORT ConfigurationTables {
     [[nodiscard]] std::size_t met() const noexcept { return m_met; }
 
   private:
-    [[nodiscard]] bool is_met(ConfigurationNumber number) const noexcept {
-        return number < m_tables.size() && m_tables[number] != nullptr;
-    }
     SuccessorTable const& make_table(ConfigurationNumber number, SearchMonitor& monitor);
     Layout const& layout(ConfigurationNumber number);
 

@@ -10,11 +10,8 @@ namespace Calder::StateSpace {
 /// roots of a tree.
 class CALDER_STATE_SPACE_EXPORT ReachedStates {
   public:
-    /// Of what is kept as it is: with more, the states take more memory than most roots and what is below them,
-    /// though up to twenty words no more time.
-    static constexpr std::uint32_t few_words = 4;
-
-    explicit ReachedStates(std::uint32_t most_plain_words = few_words)
+    /// Those of more words than these are wider: see Cut.
+    explicit ReachedStates(std::uint32_t most_plain_words)
         : m_most_plain_words(most_plain_words) {}
 
     [[nodiscard]] StateNumber size() const noexcept { return m_kept.size(); }

@@ -11,12 +11,6 @@ namespace Calder::StateSpace {
 
 namespace {
 
-constexpr std::uint64_t most_sources = 1024;
-
-/// A round has so many times the work, for each thread, after which the monitor looks around at the latest.
-/// Smaller ones meet too often, larger ones have to get what they added back into the cache.
-constexpr std::uint64_t most_looks_of_round = 2;
-
 /// Explores job by job, by one thread, where there is little to explore, and otherwise round by round.
 class Runner {
   public:
@@ -49,12 +43,11 @@ class Runner {
     bool explore_job();
     void fill_job();
     bool take_job();
-    std::optional<SharedRound::Size> next_round();
+    std::optional<RoundSize> next_round();
     bool has_team();
-    bool explore_round(SharedRound::Size const& size);
+    bool explore_round(RoundSize const& size);
     void make_tables(StateNumber first, StateNumber last);
-    std::uint64_t sources_wanted() const;
-    std::uint64_t additions_of(std::uint64_t jobs) const;
+    SearchedSoFar so_far() const;
     std::uint64_t nodes_of(std::uint64_t additions) const;
     std::uint64_t round_bytes(std::uint64_t jobs, std::uint64_t additions) const;
     std::size_t most_steps() const;
@@ -81,7 +74,7 @@ class Runner {
 void Runner::explore_all() {
     bool goes_on = add_start();
     while (goes_on && m_explored < m_states->size()) {
-        std::optional<SharedRound::Size> const round = next_round();
+        std::optional<RoundSize> const round = next_round();
         goes_on = round && has_team() ? explore_round(*round) : explore_job();
     }
 }
@@ -102,7 +95,7 @@ bool Runner::explore_job() {
 
 /// A table that is made on the way may need wider states: the job ends before such a state.
 void Runner::fill_job() {
-    std::uint64_t const wanted = sources_wanted();
+    StateNumber const wanted = sources_of_job(so_far(), m_cut);
     m_job.clear(*m_states, most_steps());
     for (StateNumber state = m_explored; state < m_states->size() && m_job.source_count() < wanted;
          ++state) {
@@ -118,11 +111,8 @@ void Runner::fill_job() {
     }
 }
 
-/// By how many successors the states had so far.
-std::uint64_t Runner::sources_wanted() const {
-    std::uint64_t const transitions = m_rows.transition_count();
-    return std::clamp<std::uint64_t>(
-        m_cut.steps_of_job * (std::uint64_t{m_explored} + 1) / (transitions + 1), 1, most_sources);
+SearchedSoFar Runner::so_far() const {
+    return {m_states->size(), m_explored, m_rows.transition_count()};
 }
 
 /// What there is memory for, twice over while an array grows: a step with its hash, and its state in
@@ -138,9 +128,9 @@ bool Runner::take_job() {
     Steps const& steps = m_job.steps();
     VisitedStates& states = m_states->kept();
     states.make_room(steps.size());
-    m_ahead.begin(states, m_job);
+    m_ahead.begin(states, m_job.hashes());
     auto const target_of = [&](std::size_t step) { // no_state when it is one too many
-        StateNumber const likely = m_ahead.likely_target(states, m_job, step);
+        StateNumber const likely = m_ahead.likely_target(states, m_job.hashes(), step);
         Word const* const words = steps.words(step);
         return likely != no_state && states.is_state(likely, words)
                    ? likely
@@ -166,38 +156,17 @@ void Runner::count_explored(StateNumber count) {
 }
 
 /// Where enough is to be explored on this level, and there is room and memory for what is found.
-std::optional<SharedRound::Size> Runner::next_round() {
+std::optional<RoundSize> Runner::next_round() {
     if (m_options.threads == 1 || m_explored < m_alone_until) {
         return std::nullopt;
     }
-    std::uint64_t const sources = sources_wanted();
-    std::uint64_t const most_jobs =
-        most_looks_of_round * m_monitor.work_ahead() * m_options.threads / m_cut.steps_of_job;
-    std::uint64_t const last =
-        std::min<std::uint64_t>(m_level_end, m_explored + most_jobs * sources);
-    std::uint64_t const jobs = (last - m_explored) / sources;
-    std::uint64_t const additions = additions_of(jobs);
-    if (jobs < m_cut.least_jobs_of_round ||
-        m_states->size() + additions >
-            std::min(m_options.max_states, SharedAdditions::most_states(m_options.threads)) ||
-        round_bytes(jobs, additions) > m_monitor.memory_left()) {
+    auto round = StateSpace::next_round(so_far(), m_level_end, m_cut, m_options.threads, m_monitor);
+    if (!round || round_bytes(round->jobs(), round->most_additions) > m_monitor.memory_left()) {
         return std::nullopt;
     }
-    return SharedRound::Size{m_explored,
-                             static_cast<StateNumber>(last),
-                             static_cast<StateNumber>(sources),
-                             most_steps() / m_options.threads,
-                             static_cast<std::size_t>(additions),
-                             nodes_of(additions)};
-}
-
-/// Room for what so many jobs add: as many as there were of so many steps, twice over, and steps of which it
-/// is not known yet.
-std::uint64_t Runner::additions_of(std::uint64_t jobs) const {
-    std::uint64_t const steps = (jobs + 1) * m_cut.steps_of_job;
-    std::uint64_t const transitions = m_rows.transition_count() + 1;
-    return 2 * (std::min(steps, steps * m_states->size() / transitions) +
-                m_options.threads * m_cut.steps_of_job);
+    round->most_steps = most_steps() / m_options.threads;
+    round->most_nodes = nodes_of(round->most_additions);
+    return round;
 }
 
 /// The same for the nodes of a tree while so many states are added.
@@ -225,7 +194,7 @@ bool Runner::has_team() {
     return m_team->size() > 1;
 }
 
-bool Runner::explore_round(SharedRound::Size const& size) {
+bool Runner::explore_round(RoundSize const& size) {
     make_tables(size.first, size.last);
     if (!m_round->explore(size)) {
         m_alone_until = size.last;

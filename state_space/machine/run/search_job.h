@@ -3,6 +3,8 @@
 #include "state_space/machine/run/reached_states.h"
 #include "state_space/machine/run/successor_table.h"
 
+#include <span>
+
 namespace Calder::StateSpace {
 
 /// A few states in a row whose successors are wanted, and then these, with their hashes. It has all
@@ -19,6 +21,7 @@ class SearchJob {
     [[nodiscard]] std::size_t source_count() const noexcept { return m_tables.size(); }
     [[nodiscard]] Steps const& steps() const noexcept { return m_steps; }
     [[nodiscard]] std::uint64_t hash(std::size_t step) const noexcept { return m_hashes[step]; }
+    [[nodiscard]] std::span<std::uint64_t const> hashes() const noexcept { return m_hashes; }
     /// Where the successors of the source of this number end.
     [[nodiscard]] std::size_t row_end(std::size_t source) const noexcept {
         return m_row_ends[source];

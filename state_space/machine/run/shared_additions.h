@@ -15,7 +15,7 @@ namespace Calder::StateSpace {
 /// have one. Places ascend as one thread alone would meet the states; whichever thread meets an addition at
 /// a lower place notes that. When all is looked up, the least places tell the order of the additions, and
 /// `give_number` moves them one by one to where the set has them; it can be called for different ones at once.
-class SharedAdditions {
+class CALDER_STATE_SPACE_EXPORT SharedAdditions {
   public:
     using Place = std::uint64_t;
 

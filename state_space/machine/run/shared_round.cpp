@@ -4,18 +4,11 @@
 
 namespace Calder::StateSpace {
 
-namespace {
-
-/// How many additions ahead the memory is asked for to which a number will be written.
-constexpr std::size_t number_distance = 16;
-
-} // namespace
-
 SharedRound::SharedRound(Team& team, ReachedStates& states, ConfigurationTables const& tables,
                          FoundRows& rows)
     : m_team(team), m_states(states), m_tables(tables), m_rows(rows), m_workers(team.size()) {}
 
-bool SharedRound::explore(Size const& size) {
+bool SharedRound::explore(RoundSize const& size) {
     StateTree* const tree = m_states.tree();
     if (tree != nullptr) {
         tree->begin_sharing(size.most_nodes, m_team);
@@ -46,15 +39,15 @@ bool SharedRound::explore_shared() {
     }
     StateNumber added = 0;
     for (Job const* const job : m_jobs) {
-        added += static_cast<StateNumber>(job->addition_count);
+        added += static_cast<StateNumber>(job->additions.size());
     }
     m_additions.end(added);
     return true;
 }
 
-void SharedRound::begin(Size const& size) {
+void SharedRound::begin(RoundSize const& size) {
     m_size = size;
-    m_jobs.assign((size.last - size.first + size.sources - 1) / size.sources, nullptr);
+    m_jobs.assign(size.jobs(), nullptr);
     for (Worker& worker : m_workers) {
         worker.adder = {};
         worker.job_count = 0;
@@ -88,10 +81,10 @@ void SharedRound::find(Worker& worker, std::size_t number) noexcept try {
     }
     Job& job = worker.jobs[worker.job_count++];
     job.number = number;
-    job.addition_count = 0;
+    job.additions.clear();
     m_jobs[number] = &job;
     look_up(worker, job);
-    auto const added = static_cast<std::int64_t>(job.addition_count);
+    auto const added = static_cast<std::int64_t>(job.additions.size());
     m_room_left.fetch_add(steps - added, std::memory_order_relaxed);
 } catch (...) {
     m_is_over = true;
@@ -102,21 +95,17 @@ void SharedRound::look_up(Worker& worker, Job& job) {
     Steps const& steps = search.steps();
     job.rows.clear();
     job.steps = steps.size();
-    if (job.additions.size() < steps.size()) {
-        job.additions.resize(steps.size());
-    }
-    worker.ahead.begin(m_additions, search);
+    job.additions.make_room(steps.size());
+    worker.ahead.begin(m_additions, search.hashes());
     auto const target_of = [&](std::size_t step) {
-        StateNumber const likely = worker.ahead.likely_target(m_additions, search, step);
+        StateNumber const likely = worker.ahead.likely_target(m_additions, search.hashes(), step);
         Word const* const words = steps.words(step);
         SharedAdditions::Found const found =
             likely != no_state && m_additions.is_state(likely, words)
-                ? m_additions.meet(likely, place(job.number, step))
-                : m_additions.find_or_add(words, search.hash(step), place(job.number, step),
-                                          worker.adder);
-        if (found.is_first) {
-            job.additions[job.addition_count++] = {static_cast<std::uint32_t>(step), found.state};
-        }
+                ? m_additions.meet(likely, JobAdditions::place(job.number, step))
+                : m_additions.find_or_add(words, search.hash(step),
+                                          JobAdditions::place(job.number, step), worker.adder);
+        job.additions.note(step, found);
         return found.state;
     };
     std::size_t first = 0;
@@ -137,12 +126,7 @@ void SharedRound::for_jobs_of_each(void (SharedRound::*work)(Job&) noexcept) {
 
 /// The second work.
 void SharedRound::keep_first(Job& job) noexcept {
-    auto const begin = job.additions.begin();
-    auto const kept = std::remove_if(
-        begin, begin + static_cast<std::ptrdiff_t>(job.addition_count), [&](Addition const& each) {
-            return !m_additions.is_met_first(each.state, place(job.number, each.step));
-        });
-    job.addition_count = static_cast<std::size_t>(kept - begin);
+    job.additions.keep_first(m_additions, job.number);
 }
 
 /// For all that the round has found, job after job. False when there is no memory for it; nothing has
@@ -154,7 +138,7 @@ bool SharedRound::make_room() try {
     for (Job* const job : m_jobs) {
         job->first_number = states;
         job->room = {job->number * m_size.sources, transitions};
-        states += static_cast<StateNumber>(job->addition_count);
+        states += static_cast<StateNumber>(job->additions.size());
         steps += job->steps;
         transitions += job->rows.transition_count();
     }
@@ -172,21 +156,15 @@ bool SharedRound::make_room() try {
 
 void SharedRound::take_back() noexcept {
     for (Job const* const job : m_jobs) {
-        for (std::size_t i = 0; job != nullptr && i < job->addition_count; ++i) {
-            m_additions.take_back(job->additions[i].state);
+        if (job != nullptr) {
+            job->additions.take_back(m_additions);
         }
     }
 }
 
 /// The third work.
 void SharedRound::give_numbers(Job& job) noexcept {
-    for (std::size_t i = 0; i < job.addition_count; ++i) {
-        if (i + number_distance < job.addition_count) {
-            m_additions.prefetch_entry(job.additions[i + number_distance].state);
-        }
-        m_additions.give_number(job.additions[i].state,
-                                job.first_number + static_cast<StateNumber>(i));
-    }
+    job.additions.give_numbers(m_additions, job.first_number);
 }
 
 /// The fourth work.

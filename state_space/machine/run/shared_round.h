@@ -2,8 +2,10 @@
 
 #include "state_space/machine/run/configuration_tables.h"
 #include "state_space/machine/run/found_rows.h"
+#include "state_space/machine/run/job_additions.h"
 #include "state_space/machine/run/looking_ahead.h"
-#include "state_space/machine/run/shared_additions.h"
+#include "state_space/machine/run/round_size.h"
+#include "state_space/machine/run/search_job.h"
 #include "state_space/machine/run/team.h"
 
 #include <deque>
@@ -38,43 +40,24 @@ namespace Calder::StateSpace {
 /// transition with any number of threads.
 class SharedRound {
   public:
-    /// How large a round is.
-    struct Size {
-        StateNumber first;
-        StateNumber last;
-        /// In each job.
-        StateNumber sources;
-        /// That one job may have.
-        std::size_t most_steps;
-        /// States that may be added, those not counted that turn out to be known.
-        std::size_t most_additions;
-        /// Nodes that a tree of states may get.
-        std::uint64_t most_nodes;
-    };
-
     SharedRound(Team& team, ReachedStates& states, ConfigurationTables const& tables,
                 FoundRows& rows);
 
     /// False when nothing has changed and one thread must do it. The tables of all configurations must be
     /// there, and states wide enough for them. Throws std::bad_alloc where the table of states could not grow.
-    bool explore(Size const& size);
+    bool explore(RoundSize const& size);
 
     /// Of the last round.
     [[nodiscard]] std::uint64_t step_count() const noexcept { return m_steps; }
 
   private:
-    struct Addition {
-        std::uint32_t step;
-        StateNumber state;
-    };
     struct alignas(64) Job {
         explicit Job(bool keep) : rows(keep) {}
 
         std::size_t number = 0;
         FoundRows rows; // targets that have no number yet are additions
         std::uint64_t steps = 0;
-        std::vector<Addition> additions; // there may be more than `addition_count`
-        std::size_t addition_count = 0;
+        JobAdditions additions;
         StateNumber first_number = 0;
         LtsBuilder::Room room{};
     };
@@ -87,7 +70,7 @@ class SharedRound {
     };
 
     [[nodiscard]] bool explore_shared();
-    void begin(Size const& size);
+    void begin(RoundSize const& size);
     void find(Worker& worker, std::size_t number) noexcept;
     void look_up(Worker& worker, Job& job);
     void for_jobs_of_each(void (SharedRound::*work)(Job&) noexcept);
@@ -97,16 +80,12 @@ class SharedRound {
     void give_numbers(Job& job) noexcept;
     void copy_rows(Job& job) noexcept;
 
-    [[nodiscard]] static SharedAdditions::Place place(std::size_t job, std::size_t step) noexcept {
-        return SharedAdditions::Place{job} << 32 | step;
-    }
-
     Team& m_team;
     ReachedStates& m_states;
     ConfigurationTables const& m_tables;
     FoundRows& m_rows;
     SharedAdditions m_additions{m_states.kept()};
-    Size m_size{};
+    RoundSize m_size{};
     std::uint64_t m_steps = 0;
     std::vector<Job*> m_jobs; // by number; null where it was not done
     std::vector<Worker> m_workers;

@@ -33,6 +33,11 @@ void VisitedStates::make_room(std::uint64_t count, Team* team) {
     fill_buckets(buckets, team);
 }
 
+void VisitedStates::forget_from(StateNumber first) {
+    m_size = first;
+    fill_buckets(m_bucket_count);
+}
+
 void VisitedStates::widen(std::uint32_t width) {
     std::vector<LargeArray<Word>> wide;
     for (unsigned number = 0; number < m_blocks.size(); ++number) {

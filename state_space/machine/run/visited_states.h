@@ -90,6 +90,9 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
     /// throws std::bad_alloc nothing can be found any more, but the states are still there.
     void make_room(std::uint64_t count, Team* team = nullptr);
 
+    /// Forgets the states from this one on. Where that throws std::bad_alloc, none is to be found any more.
+    void forget_from(StateNumber first);
+
     /// Makes every state `width` words long, the new ones zero. Where that throws std::bad_alloc,
     /// the states are as before, though perhaps not to be found any more.
     void widen(std::uint32_t width);

@@ -1,4 +1,5 @@
 #include "state_space/machine/machine_exploration.h"
+#include "state_space/machine/run/reached_states.h"
 #include "state_space/machine/run/run.h"
 #include "state_space/machine/run/visited_states.h"
 #include "state_space/memory.h"

@@ -1,5 +1,6 @@
 #include "process_compiler/session.h"
 #include "state_space/lts_files.h"
+#include "state_space/machine/run/reached_states.h"
 #include "state_space/machine/run/run.h"
 #include "state_space/machine/run/team.h"
 #include "state_space/machine/run/visited_states.h"
@@ -17,7 +18,9 @@ using namespace Testing;
 using Random = std::mt19937;
 
 /// So small that rounds are many, even of few states; these are kept as they are, or as roots of a tree.
-constexpr Cut fine_cuts[] = {{1, 1, 0}, {5, 2}, {64, 1, 1}};
+constexpr Cut fine_cuts[] = {{.steps_of_job = 1, .least_jobs_of_round = 1, .most_plain_words = 0},
+                             {.steps_of_job = 5, .least_jobs_of_round = 2},
+                             {.steps_of_job = 64, .least_jobs_of_round = 1, .most_plain_words = 1}};
 
 /// Events 3 to 7; often several with the same target, or the same event.
 ProcessPointer random_leaf(Random& random, unsigned number) {
