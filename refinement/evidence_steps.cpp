@@ -30,7 +30,7 @@ EvidenceStep step_between(PairSearch& search, Side const& side, StateNumber sour
 
 RunState described_state(Side const& side, StateNumber number, Word const* state) {
     if (RunningMachine const* const machine = side.machine()) {
-        return described_state(*machine, number, state);
+        return described_state(*machine, number, side.machine_words(state).data());
     }
     RunState described{number};
     described.term = side.term(state);
@@ -40,7 +40,8 @@ RunState described_state(Side const& side, StateNumber number, Word const* state
 EvidenceStep described_step(Side const& side, StateNumber source, Word const* source_words,
                             unsigned event, StateNumber target, Word const* target_words) {
     if (RunningMachine const* const machine = side.machine()) {
-        return described_step(*machine, source, source_words, event, target, target_words);
+        return described_step(*machine, source, side.machine_words(source_words).data(), event,
+                              target, side.machine_words(target_words).data());
     }
     return {event, described_state(side, source, source_words), target};
 }

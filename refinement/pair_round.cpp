@@ -12,7 +12,7 @@ PairRound::PairRound(StateSpace::Team& team, Side& side, VisitedPairs& pairs, An
 std::uint64_t PairRound::growth_bytes(StateSpace::RoundSize const& size,
                                       StateSpace::Cut const& cut) const noexcept {
     constexpr std::uint64_t a_step = 40; // in a list of additions, and at most a source's row
-    return m_pairs.growth_bytes(size.most_additions) +
+    return m_pairs.growth_bytes(size.most_additions) + m_side.growth_bytes(size.most_additions) +
            SharedAdditions::bytes_of(size.most_additions, m_pairs.width()) +
            (size.jobs() + 1) * cut.steps_of_job * a_step;
 }
@@ -31,9 +31,11 @@ bool PairRound::explore(StateSpace::RoundSize const& size) {
     try {
         explore_jobs();
     } catch (...) {
+        m_side.end_sharing();
         take_back();
         throw;
     }
+    m_side.end_sharing();
     if (!m_is_over) {
         for_jobs_of_each(&PairRound::keep_first);
     }
@@ -65,6 +67,7 @@ void PairRound::begin(StateSpace::RoundSize const& size) {
         worker.adder = {};
         worker.jobs.clear();
     }
+    m_side.begin_sharing(size.most_additions, m_pairs.size(), m_team);
     m_additions.begin(size.most_additions, m_team);
     m_room_left = static_cast<std::int64_t>(size.most_additions);
     m_is_over = false;
@@ -117,11 +120,13 @@ void PairRound::ask_for(std::size_t number) {
     Worker& worker = m_workers.front();
     m_jobs[number].is_put_off = false;
     ++m_asked_count;
+    m_side.end_sharing(); // an observer may be at the same side
     if (examine(worker, number, Asking(m_answers))) {
         reach(worker, number);
     } else {
         m_is_over = true;
     }
+    m_side.begin_sharing(m_size.most_additions, m_pairs.size(), m_team);
 }
 
 /// Finds the steps of the job's sources, and follows them. Whether all of them are known to be allowed, and to

@@ -131,7 +131,7 @@ class Search {
     void tell_counts() {
         m_answer.state_count = m_search.pairs().size();
         m_answer.transition_count = m_search.transition_count();
-        m_answer.memory_bytes = m_search.pairs().memory_bytes();
+        m_answer.memory_bytes = m_search.pairs().memory_bytes() + m_side.memory_bytes();
     }
 
     Side& m_side;

@@ -17,7 +17,7 @@ namespace {
 /// Null, and the reason told, where there is none.
 std::unique_ptr<Side> machine_side(ProcessPointer const& term, NamedProcessSource const& source,
                                    ExplorationOptions const& options, NoMachine& no_machine,
-                                   SearchMonitor& monitor) {
+                                   SearchMonitor& monitor, StateSpace::Cut const& cut) {
     StateSpace::MachineCompilation made = StateSpace::compile_for_run(term, source, options);
     no_machine = {std::move(made.refusal), std::move(made.refused)};
     if (made.is_interrupted || (made.explored && made.explored->outcome == Outcome::interrupted)) {
@@ -30,7 +30,8 @@ std::unique_ptr<Side> machine_side(ProcessPointer const& term, NamedProcessSourc
     try {
         auto tables = std::make_shared<StateSpace::ConfigurationTables>(*made.machine);
         return std::make_unique<MachineSide>(
-            RunningMachine{std::move(made.machine), std::move(tables)}, monitor);
+            RunningMachine{std::move(made.machine), std::move(tables)}, monitor,
+            cut.most_plain_words);
     } catch (StateSpace::MachineRefusal const& refusal) {
         no_machine.reason = refusal.what();
         return nullptr;
@@ -40,10 +41,11 @@ std::unique_ptr<Side> machine_side(ProcessPointer const& term, NamedProcessSourc
 } // namespace
 
 MadeSide make_side(ProcessPointer const& term, NamedProcessSource const& source,
-                   ExplorationOptions const& options, bool by_machine, SearchMonitor& monitor) {
+                   ExplorationOptions const& options, bool by_machine, SearchMonitor& monitor,
+                   StateSpace::Cut const& cut) {
     MadeSide made;
     if (by_machine) {
-        made.side = machine_side(term, source, options, made.no_machine, monitor);
+        made.side = machine_side(term, source, options, made.no_machine, monitor, cut);
     }
     if (!made.side) {
         made.side = std::make_unique<TermSide>(term, source, monitor);

@@ -2,9 +2,14 @@
 
 #include "refinement/running_machine.h"
 #include "state_space/machine/run/configuration_tables.h"
-#include "state_space/machine/run/steps.h"
+#include "state_space/machine/run/round_size.h"
+#include "state_space/machine/run/state_tree.h"
 
 #include <memory>
+
+namespace Calder::StateSpace {
+class Team;
+}
 
 namespace Calder::Refinement {
 
@@ -14,11 +19,14 @@ using StateSpace::Steps;
 using StateSpace::Word;
 
 /// A side of a question as it runs: a state is some words, and its steps are found anew from these
-/// each time. It stores no states itself, unless words could not hold them.
+/// each time. It stores no states itself, unless so few words could not hold them.
 class Side {
   public:
     /// What it needs while it finds steps. Of no meaning in between; keeps its storage.
-    using Scratch = std::vector<StateNumber>;
+    struct Scratch {
+        std::vector<StateNumber> slots;
+        StateSpace::StateTree::Work tree;
+    };
 
     Side() = default;
     virtual ~Side() = default;
@@ -47,11 +55,24 @@ class Side {
     /// at once, each with a scratch of its own. Throws as `prepare` does.
     virtual void append_steps(Word const* state, Steps& steps, Scratch& scratch) = 0;
 
+    /// @{
+    /// Comes before several threads ask at once, who find no more than so many new states beside those that are
+    /// known, or so they think: where they are wrong, `append_steps` throws std::bad_alloc. Then the owner
+    /// alone asks again.
+    virtual void begin_sharing(std::uint64_t additions, std::uint64_t known,
+                               StateSpace::Team& team) = 0;
+    virtual void end_sharing() noexcept = 0;
+    /// @}
+
+    /// What it holds of the states that were found, in bytes.
+    [[nodiscard]] virtual std::uint64_t memory_bytes() const noexcept = 0;
     /// What would be allocated besides what there is, while so many steps are found, in bytes.
     [[nodiscard]] virtual std::uint64_t growth_bytes(std::uint64_t steps) const noexcept = 0;
 
     /// Null where the side goes from term to term.
     [[nodiscard]] virtual RunningMachine const* machine() const noexcept = 0;
+    /// The state as the machine's tables read it; nothing where there is no machine.
+    [[nodiscard]] virtual std::vector<Word> machine_words(Word const* state) const = 0;
     /// The state as a term; null where a machine runs.
     [[nodiscard]] virtual ProcessCompiler::ProcessPointer term(Word const* state) const = 0;
     /// Hands the machine over; nothing may be asked of the side afterwards.
@@ -69,6 +90,6 @@ struct MadeSide {
 [[nodiscard]] MadeSide make_side(ProcessCompiler::ProcessPointer const& term,
                                  ProcessCompiler::NamedProcessSource const& source,
                                  StateSpace::ExplorationOptions const& options, bool by_machine,
-                                 SearchMonitor& monitor);
+                                 SearchMonitor& monitor, StateSpace::Cut const& cut = {});
 
 } // namespace Calder::Refinement

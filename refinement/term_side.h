@@ -20,10 +20,14 @@ class TermSide final : public Side {
     void prepare(Word const*) override {}
     bool is_prepared(Word const*) const noexcept override { return true; }
     void append_steps(Word const* state, Steps& steps, Scratch&) override;
+    void begin_sharing(std::uint64_t, std::uint64_t, StateSpace::Team&) override {}
+    void end_sharing() noexcept override {}
+    std::uint64_t memory_bytes() const noexcept override { return m_terms.memory_bytes(); }
     std::uint64_t growth_bytes(std::uint64_t steps) const noexcept override {
         return m_terms.growth_bytes(steps) + m_components.growth_bytes(steps);
     }
     RunningMachine const* machine() const noexcept override { return nullptr; }
+    std::vector<Word> machine_words(Word const*) const override { return {}; }
     ProcessCompiler::ProcessPointer term(Word const* state) const override;
     RunningMachine take_machine() noexcept override { return {}; }
 

@@ -36,8 +36,6 @@ struct RoundSize {
     std::size_t most_additions;
     /// That one job may have.
     std::size_t most_steps = 0;
-    /// Nodes that a tree of states may get.
-    std::uint64_t most_nodes = 0;
 
     [[nodiscard]] std::size_t jobs() const noexcept {
         return (last - first + sources - 1) / sources;

@@ -48,7 +48,6 @@ class Runner {
     bool explore_round(RoundSize const& size);
     void make_tables(StateNumber first, StateNumber last);
     SearchedSoFar so_far() const;
-    std::uint64_t nodes_of(std::uint64_t additions) const;
     std::uint64_t round_bytes(std::uint64_t jobs, std::uint64_t additions) const;
     std::size_t most_steps() const;
     void count_explored(StateNumber count);
@@ -165,22 +164,13 @@ std::optional<RoundSize> Runner::next_round() {
         return std::nullopt;
     }
     round->most_steps = most_steps() / m_options.threads;
-    round->most_nodes = nodes_of(round->most_additions);
     return round;
-}
-
-/// The same for the nodes of a tree while so many states are added.
-std::uint64_t Runner::nodes_of(std::uint64_t additions) const {
-    StateTree const* const tree = m_states->tree();
-    return tree == nullptr ? 0
-                           : 2 * additions * tree->node_count() / m_states->size() +
-                                 m_options.threads * m_cut.steps_of_job;
 }
 
 /// What a round may take besides what there is.
 std::uint64_t Runner::round_bytes(std::uint64_t jobs, std::uint64_t additions) const {
     constexpr std::uint64_t a_step = 40; // in a list of additions and, twice over, as a transition
-    return m_states->growth_bytes(std::max(additions, nodes_of(additions))) +
+    return m_states->growth_bytes(additions) +
            SharedAdditions::bytes_of(additions, m_states->kept().width()) +
            m_rows.growth_bytes((jobs + 1) * m_cut.steps_of_job) +
            (jobs + 1) * m_cut.steps_of_job * a_step;

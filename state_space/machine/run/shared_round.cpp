@@ -11,7 +11,7 @@ SharedRound::SharedRound(Team& team, ReachedStates& states, ConfigurationTables 
 bool SharedRound::explore(RoundSize const& size) {
     StateTree* const tree = m_states.tree();
     if (tree != nullptr) {
-        tree->begin_sharing(size.most_nodes, m_team);
+        tree->begin_sharing(size.most_additions, m_states.size(), m_team);
     }
     begin(size);
     bool const is_done = explore_shared();

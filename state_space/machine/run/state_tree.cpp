@@ -1,11 +1,16 @@
 #include "state_space/machine/run/state_tree.h"
 
+#include "state_space/machine/run/team.h"
+
 namespace Calder::StateSpace {
 
 namespace {
 
 /// Wider ones would differ in too much.
 constexpr std::uint32_t most_leaf_words = 8;
+
+/// What a job may add of a level.
+constexpr std::uint64_t job_nodes = 4096;
 
 std::uint32_t power(std::uint32_t base, unsigned exponent) {
     return exponent == 0 ? 1 : base * power(base, exponent - 1);
@@ -173,9 +178,13 @@ StateTree::Node StateTree::node_above(Work const& work, std::size_t& place) cons
     return node_of(below.data());
 }
 
-void StateTree::begin_sharing(std::uint64_t nodes, Team& team) {
-    m_leaves.make_room(nodes, &team);
-    m_nodes.make_room(nodes, &team);
+/// As many nodes a state as there were, twice over, and a job's of each thread of which it is not known yet.
+void StateTree::begin_sharing(std::uint64_t additions, std::uint64_t known, Team& team) {
+    auto const room = [&](NumberedKeys const& keys) {
+        return 2 * additions * keys.size() / known + team.size() * job_nodes;
+    };
+    m_leaves.make_room(room(m_leaves), &team);
+    m_nodes.make_room(room(m_nodes), &team);
     m_is_shared = true;
 }
 

@@ -70,15 +70,11 @@ class StateTree {
     void join(Steps& steps, Work& work);
     /// @}
 
-    /// Room for so many leaves and so many other nodes, beyond which `join` throws std::bad_alloc; otherwise it
-    /// makes room itself.
-    void begin_sharing(std::uint64_t nodes, Team& team);
+    /// Room for what so many more states are made of, where they are like the known ones. Beyond that `join` throws
+    /// std::bad_alloc; otherwise it makes room itself.
+    void begin_sharing(std::uint64_t additions, std::uint64_t known, Team& team);
     void end_sharing() noexcept { m_is_shared = false; }
 
-    /// How many different nodes there are, without roots.
-    [[nodiscard]] std::uint64_t node_count() const noexcept {
-        return std::uint64_t{m_leaves.size()} + m_nodes.size();
-    }
     [[nodiscard]] std::uint64_t memory_bytes() const noexcept {
         return m_leaves.memory_bytes() + m_nodes.memory_bytes();
     }
