@@ -95,8 +95,9 @@ class PairBatch {
         return &m_words[place * m_width];
     }
 
-    /// Counts the different transitions, and notes heads of loops where these are wanted: pairs that a silent step leads
-    /// to from themselves or a later one. `target_of` a place and the source tells the pair, or no_state to end.
+    /// Counts the different transitions, and notes heads of loops where these are wanted: pairs that a silent step
+    /// leads to from themselves or a later one. `target_of` tells the pair of a place, reached from a source, or
+    /// no_state to end; whether it never did.
     template <typename TargetOf> bool reach(bool notes_loops, TargetOf const& target_of);
 
     /// Among the pairs that are reached.

@@ -42,7 +42,7 @@ struct PairSteps {
 /// without rounds, and forgets what they reached from the batch in which it stands.
 class PairSearch {
   public:
-    /// `threads` is at least 1; of a side without a machine one thread finds the steps.
+    /// `threads` is at least 1; a side without a machine is searched by one.
     PairSearch(Side& side, Observer& observer, SearchMonitor& monitor, unsigned threads = 1,
                StateSpace::Cut const& cut = {});
 

@@ -21,8 +21,8 @@ using namespace StateSpace::Testing;
 
 NamedProcessSource const source;
 
-/// So small that rounds are many, even of few pairs.
-constexpr std::array fine_cuts{Cut{1, 1}, Cut{7, 2}, Cut{64, 1}};
+/// So small that rounds are many, even of few pairs, and leave parts of levels and batches to one thread.
+constexpr std::array fine_cuts{Cut{2, 2, 3}, Cut{30, 2, 2}, Cut{64, 1, 2}};
 
 /// Everything that a search tells.
 struct Told {
@@ -63,7 +63,7 @@ struct Question {
 
 std::vector<Question> questions() {
     static BitSet const b_only{b};
-    static std::vector<unsigned> const trace{a, a, b, a, b, a};
+    static std::vector<unsigned> const trace{a, b};
     return {
         {"traces", refinement_in<Model::traces>},
         {"failures", refinement_in<Model::failures>},
@@ -191,6 +191,24 @@ TEST(PairRounds, StatesMayGrowWiderOnTheWay) {
     }
 }
 
+/// They have two bits, which the traces of the first levels fill.
+TEST(PairRounds, NodesMayOutgrowTheirBits) {
+    std::vector<ProcessPointer> leaves{leaf("bits", {{{b, 1}}, {{b, 2}}, {{b, 0}}})};
+    for (unsigned i = 0; i < 6; ++i) {
+        leaves.push_back(ring("ring" + std::to_string(i), 1'000, a));
+    }
+    Rows counted(20);
+    for (unsigned state = 0; state < counted.size(); ++state) {
+        counted[state] = {{a, std::min(state + 1, 19U)}, {b, state}};
+    }
+    Searched const searched{term_of(counted, "counted"), construct("full", leaves), 3'000};
+    for (Cut const& cut : fine_cuts) {
+        Told const wanted = search(searched, refinement_in<Model::traces>, 1, cut);
+        EXPECT_GT(*std::max_element(wanted.nodes.begin(), wanted.nodes.end()), 3U);
+        EXPECT_TRUE(search(searched, refinement_in<Model::traces>, 3, cut) == wanted);
+    }
+}
+
 /// For messages and to compare: events, numbers, and what each leaf does.
 std::string text_of(std::vector<EvidenceStep> const& steps) {
     std::string text;
@@ -220,6 +238,8 @@ std::string text_of(Answer const& answer) {
            text_of(evidence.other);
 }
 
+constexpr unsigned ring_count = 8;
+
 /// Rings of four, which make levels large, beside a leaf that does something else after so many steps, and
 /// perhaps stops then.
 ProcessPointer beside_rings(unsigned steps, Row const& last) {
@@ -229,7 +249,7 @@ ProcessPointer beside_rings(unsigned steps, Row const& last) {
     }
     rows[steps] = last;
     std::vector<ProcessPointer> leaves{leaf("deep", rows)};
-    for (unsigned i = 0; i < 7; ++i) {
+    for (unsigned i = 0; i < ring_count; ++i) {
         leaves.push_back(ring("ring" + std::to_string(i), 4, a + 2 + i));
     }
     return construct("beside rings", leaves);
@@ -238,10 +258,22 @@ ProcessPointer beside_rings(unsigned steps, Row const& last) {
 /// The events of those rings and of what stands beside them, all of which come in every state.
 ProcessPointer everything() {
     Rows rows(1);
-    for (unsigned event = b; event < a + 2 + 7; ++event) {
+    for (unsigned event = b; event < a + 2 + ring_count; ++event) {
         rows[0].emplace_back(event, 0);
     }
     return term_of(rows, "everything");
+}
+
+/// The same, with a state for each b up to so many.
+ProcessPointer everything_by(unsigned steps) {
+    Rows rows(steps + 1);
+    for (unsigned state = 0; state <= steps; ++state) {
+        rows[state].emplace_back(b, std::min(state + 1, steps));
+        for (unsigned event = a + 2; event < a + 2 + ring_count; ++event) {
+            rows[state].emplace_back(event, state);
+        }
+    }
+    return term_of(rows, "everything by and by");
 }
 
 /// Levels of thousands of pairs, cut as they are for everyone.
@@ -263,7 +295,7 @@ TEST(PairRounds, AnswersAreTheSameHoweverDeep) {
          }},
         {Reason::refusal,
          [&](auto const& options) {
-             return refinement(everything(), stop, Model::failures, source, options);
+             return refinement(everything_by(steps), stop, Model::failures, source, options);
          }},
         {Reason::event,
          [&](auto const& options) {
@@ -279,7 +311,7 @@ TEST(PairRounds, AnswersAreTheSameHoweverDeep) {
     for (Row const& row : rows) {
         Answer const wanted = row.ask({});
         EXPECT_EQ(wanted.evidence.reason, row.reason);
-        EXPECT_GT(wanted.state_count, 30'000U);
+        EXPECT_GT(wanted.state_count, 80'000U);
         for (unsigned const threads : {2U, 5U}) {
             QuestionOptions options;
             options.threads = threads;

@@ -198,10 +198,15 @@ Rows random_ring(Random& random, unsigned most_states) {
     return rows;
 }
 
+/// The last state of the first leaf can tick.
 ProcessPointer random_leaves(Random& random, std::string const& name, unsigned most_states) {
     std::vector<ProcessPointer> leaves;
     for (unsigned count = 4 + below(random, 3); count > 0; --count) {
-        leaves.push_back(leaf(name + std::to_string(count), random_ring(random, most_states)));
+        Rows rows = random_ring(random, most_states);
+        if (leaves.empty()) {
+            rows.back().emplace_back(tick, 0);
+        }
+        leaves.push_back(leaf(name + std::to_string(count), rows));
     }
     return construct(name, leaves, side_by_side(random, static_cast<unsigned>(leaves.size())));
 }

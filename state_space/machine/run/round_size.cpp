@@ -35,7 +35,8 @@ std::optional<RoundSize> next_round(SearchedSoFar const& so_far, StateNumber end
                                     unsigned threads, SearchMonitor const& monitor) noexcept {
     StateNumber const sources = sources_of_job(so_far, cut);
     std::uint64_t const most_jobs =
-        most_looks_of_round * monitor.work_ahead() * threads / cut.steps_of_job;
+        std::min(cut.most_jobs_of_round,
+                 most_looks_of_round * monitor.work_ahead() * threads / cut.steps_of_job);
     std::uint64_t const last = std::min<std::uint64_t>(end, so_far.explored + most_jobs * sources);
     std::uint64_t const jobs = (last - so_far.explored) / sources;
     std::uint64_t const additions = additions_of(jobs, so_far, cut, threads);

@@ -7,12 +7,16 @@
 
 namespace Calder::StateSpace {
 
-/// How a search is cut up and its states are kept, on which its result does not depend.
+/// How a search is cut up and its states are kept. What it finds does not depend on it, but for how much of the
+/// batch in which a question is decided has been counted.
 struct Cut {
-    /// Steps wanted of one job: what stays in a core's own cache, and makes handing it over cheap.
+    /// Steps wanted of one job, or of a batch that one thread does: what stays in a core's own cache, and makes
+    /// handing it over cheap.
     std::uint64_t steps_of_job = 4096;
     /// Fewer jobs than these are done by one thread sooner than a team has met.
     std::uint64_t least_jobs_of_round = 4;
+    /// More are not done at once; how often the monitor wants to look bounds them, too.
+    std::uint64_t most_jobs_of_round = ~std::uint64_t{0};
     /// Of states that are kept as they are; wider ones are kept as the roots of a tree. With more, states take
     /// more memory than most roots and what is below them, though up to eight words less time.
     std::uint32_t most_plain_words = 4;
