@@ -11,8 +11,7 @@ namespace Calder::StateSpace {
 class CALDER_STATE_SPACE_EXPORT ReachedStates {
   public:
     /// Those of more words than these are wider: see Cut.
-    explicit ReachedStates(std::uint32_t most_plain_words)
-        : m_most_plain_words(most_plain_words) {}
+    explicit ReachedStates(std::uint32_t most_plain_words) : m_most_plain_words(most_plain_words) {}
 
     [[nodiscard]] StateNumber size() const noexcept { return m_kept.size(); }
     /// The words of each state.
