@@ -9,7 +9,7 @@ namespace Calder::StateSpace {
 
 /// Successors of states as what each of them changes: a state's words are cut into leaves of so many words, and a
 /// step has those that are not its source's. What a step costs follows what it changes, not the width of the state.
-class ChangedWords {
+class CALDER_STATE_SPACE_EXPORT ChangedWords {
   public:
     struct Change {
         std::uint32_t source;

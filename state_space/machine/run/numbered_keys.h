@@ -12,7 +12,7 @@ namespace Calder::StateSpace {
 ///
 /// The numbers stand in the buckets of VisitedStates: who adds a key locks its bucket, takes the next number and
 /// writes the key before the bucket tells of it. 8 bytes a word, and 6 to 13 bytes a key.
-class NumberedKeys {
+class CALDER_STATE_SPACE_EXPORT NumberedKeys {
   public:
     using Number = StateNumber;
 

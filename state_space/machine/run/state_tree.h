@@ -21,7 +21,7 @@ namespace Calder::StateSpace {
 /// Words behind the last one of a state are zero.
 ///
 /// Several threads may read and join at once between `begin_sharing` and `end_sharing`.
-class StateTree {
+class CALDER_STATE_SPACE_EXPORT StateTree {
   public:
     using Number = NumberedKeys::Number;
     /// Of each node but the leaves.
