@@ -83,6 +83,12 @@ void MachineSide::end_sharing() noexcept {
     }
 }
 
+void MachineSide::go_on_sharing() noexcept {
+    if (m_tree) {
+        m_tree->go_on_sharing();
+    }
+}
+
 std::vector<Word> MachineSide::machine_words(Word const* state) const {
     std::uint32_t const width = m_machine.tables->width();
     return m_tree ? m_tree->words(state, width) : std::vector(state, state + width);

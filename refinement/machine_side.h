@@ -22,6 +22,11 @@ class MachineSide final : public Side {
     void begin_sharing(std::uint64_t additions, std::uint64_t known,
                        StateSpace::Team& team) override;
     void end_sharing() noexcept override;
+    void go_on_sharing() noexcept override;
+    std::uint64_t sharing_bytes(std::uint64_t additions, std::uint64_t known,
+                                unsigned threads) const noexcept override {
+        return m_tree ? m_tree->sharing_bytes(additions, known, threads) : 0;
+    }
     std::uint64_t memory_bytes() const noexcept override {
         return m_tree ? m_tree->memory_bytes() : 0;
     }

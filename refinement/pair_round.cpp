@@ -12,7 +12,8 @@ PairRound::PairRound(StateSpace::Team& team, Side& side, VisitedPairs& pairs, An
 std::uint64_t PairRound::growth_bytes(StateSpace::RoundSize const& size,
                                       StateSpace::Cut const& cut) const noexcept {
     constexpr std::uint64_t a_step = 40; // in a list of additions, and at most a source's row
-    return m_pairs.growth_bytes(size.most_additions) + m_side.growth_bytes(size.most_additions) +
+    return m_pairs.growth_bytes(size.most_additions) +
+           m_side.sharing_bytes(size.most_additions, m_pairs.size(), m_team.size()) +
            SharedAdditions::bytes_of(size.most_additions, m_pairs.width()) +
            (size.jobs() + 1) * cut.steps_of_job * a_step;
 }
@@ -126,7 +127,7 @@ void PairRound::ask_for(std::size_t number) {
     } else {
         m_is_over = true;
     }
-    m_side.begin_sharing(m_size.most_additions, m_pairs.size(), m_team);
+    m_side.go_on_sharing();
 }
 
 /// Finds the steps of the job's sources, and follows them. Whether all of them are known to be allowed, and to

@@ -58,10 +58,13 @@ class Side {
     /// @{
     /// Comes before several threads ask at once, who find no more than so many new states beside those that are
     /// known, or so they think: where they are wrong, `append_steps` throws std::bad_alloc. Then the owner
-    /// alone asks again.
+    /// alone asks again. Whoever is alone may end it and go on later. `sharing_bytes` is what would be allocated.
     virtual void begin_sharing(std::uint64_t additions, std::uint64_t known,
                                StateSpace::Team& team) = 0;
     virtual void end_sharing() noexcept = 0;
+    virtual void go_on_sharing() noexcept = 0;
+    [[nodiscard]] virtual std::uint64_t sharing_bytes(std::uint64_t additions, std::uint64_t known,
+                                                      unsigned threads) const noexcept = 0;
     /// @}
 
     /// What it holds of the states that were found, in bytes.

@@ -22,6 +22,10 @@ class TermSide final : public Side {
     void append_steps(Word const* state, Steps& steps, Scratch&) override;
     void begin_sharing(std::uint64_t, std::uint64_t, StateSpace::Team&) override {}
     void end_sharing() noexcept override {}
+    void go_on_sharing() noexcept override {}
+    std::uint64_t sharing_bytes(std::uint64_t, std::uint64_t, unsigned) const noexcept override {
+        return 0;
+    }
     std::uint64_t memory_bytes() const noexcept override { return m_terms.memory_bytes(); }
     std::uint64_t growth_bytes(std::uint64_t steps) const noexcept override {
         return m_terms.growth_bytes(steps) + m_components.growth_bytes(steps);

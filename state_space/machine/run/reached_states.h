@@ -44,6 +44,12 @@ class CALDER_STATE_SPACE_EXPORT ReachedStates {
     [[nodiscard]] std::uint64_t growth_bytes(std::uint64_t additions) const noexcept {
         return m_kept.growth_bytes(additions) + (m_tree ? m_tree->growth_bytes(additions) : 0);
     }
+    /// The same while so many threads add them at once.
+    [[nodiscard]] std::uint64_t sharing_bytes(std::uint64_t additions,
+                                              unsigned threads) const noexcept {
+        return m_kept.growth_bytes(additions) +
+               (m_tree ? m_tree->sharing_bytes(additions, size(), threads) : 0);
+    }
 
   private:
     void plant_tree(std::uint32_t width);

@@ -170,7 +170,7 @@ std::optional<RoundSize> Runner::next_round() {
 /// What a round may take besides what there is.
 std::uint64_t Runner::round_bytes(std::uint64_t jobs, std::uint64_t additions) const {
     constexpr std::uint64_t a_step = 40; // in a list of additions and, twice over, as a transition
-    return m_states->growth_bytes(additions) +
+    return m_states->sharing_bytes(additions, m_options.threads) +
            SharedAdditions::bytes_of(additions, m_states->kept().width()) +
            m_rows.growth_bytes((jobs + 1) * m_cut.steps_of_job) +
            (jobs + 1) * m_cut.steps_of_job * a_step;

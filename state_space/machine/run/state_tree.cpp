@@ -16,6 +16,12 @@ std::uint32_t power(std::uint32_t base, unsigned exponent) {
     return exponent == 0 ? 1 : base * power(base, exponent - 1);
 }
 
+/// As many a state as there were, twice over, and a job's of each thread of which it is not known yet.
+std::uint64_t room_for(NumberedKeys const& keys, std::uint64_t additions, std::uint64_t known,
+                       unsigned threads) noexcept {
+    return 2 * additions * keys.size() / known + threads * job_nodes;
+}
+
 } // namespace
 
 /// As few levels as there can be.
@@ -178,13 +184,15 @@ StateTree::Node StateTree::node_above(Work const& work, std::size_t& place) cons
     return node_of(below.data());
 }
 
-/// As many nodes a state as there were, twice over, and a job's of each thread of which it is not known yet.
+std::uint64_t StateTree::sharing_bytes(std::uint64_t additions, std::uint64_t known,
+                                       unsigned threads) const noexcept {
+    return m_leaves.growth_bytes(room_for(m_leaves, additions, known, threads)) +
+           m_nodes.growth_bytes(room_for(m_nodes, additions, known, threads));
+}
+
 void StateTree::begin_sharing(std::uint64_t additions, std::uint64_t known, Team& team) {
-    auto const room = [&](NumberedKeys const& keys) {
-        return 2 * additions * keys.size() / known + team.size() * job_nodes;
-    };
-    m_leaves.make_room(room(m_leaves), &team);
-    m_nodes.make_room(room(m_nodes), &team);
+    m_leaves.make_room(room_for(m_leaves, additions, known, team.size()), &team);
+    m_nodes.make_room(room_for(m_nodes, additions, known, team.size()), &team);
     m_is_shared = true;
 }
 

@@ -71,9 +71,10 @@ class CALDER_STATE_SPACE_EXPORT StateTree {
     /// @}
 
     /// Room for what so many more states are made of, where they are like the known ones. Beyond that `join` throws
-    /// std::bad_alloc; otherwise it makes room itself.
+    /// std::bad_alloc; otherwise it makes room itself. Whoever is alone again may end it and go on later.
     void begin_sharing(std::uint64_t additions, std::uint64_t known, Team& team);
     void end_sharing() noexcept { m_is_shared = false; }
+    void go_on_sharing() noexcept { m_is_shared = true; }
 
     [[nodiscard]] std::uint64_t memory_bytes() const noexcept {
         return m_leaves.memory_bytes() + m_nodes.memory_bytes();
@@ -82,6 +83,9 @@ class CALDER_STATE_SPACE_EXPORT StateTree {
     [[nodiscard]] std::uint64_t growth_bytes(std::uint64_t additions) const noexcept {
         return m_leaves.growth_bytes(additions) + m_nodes.growth_bytes(additions);
     }
+    /// The same for that room.
+    [[nodiscard]] std::uint64_t sharing_bytes(std::uint64_t additions, std::uint64_t known,
+                                              unsigned threads) const noexcept;
 
   private:
     // Nodes have places as in a heap: the root 0, those below `place` from 4 * place + 1 on.
