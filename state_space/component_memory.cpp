@@ -14,7 +14,7 @@ using ProcessCompiler::Step;
 
 namespace {
 
-constexpr std::uint64_t bytes_at_first = 64 * 1024;
+constexpr std::uint64_t bytes_at_first = std::uint64_t{64} * 1024;
 constexpr std::uint64_t bytes_a_state = 32;
 /// What a term takes that nobody else keeps: a construct with eight arguments, which are there
 /// anyway, 128; its entries in tables as many as it takes to find it.
