@@ -22,10 +22,17 @@ namespace {
 using Block = SmallBlocks::Block;
 using Lists = std::array<Block*, SmallBlocks::size_count>; // by size
 
+/// What is left of a piece, at its begin; there is room for a block of any size.
+struct Rest {
+    Rest* next;
+    char* end;
+};
+
 /// What threads that ended have left, and how much there is in all.
 struct Shared {
     std::mutex mutex;
     Lists left{};
+    Rest* rests = nullptr;
     std::size_t bytes = 0;
 };
 
@@ -35,9 +42,20 @@ Shared& shared() {
     return made;
 }
 
-/// Leaves to others what the thread has, but for the rest of its piece.
+/// Leaves to others what the thread has of its piece. A host may do each of its tasks in a thread of its own, and what
+/// one of them takes must be no more than its blocks.
+void leave_rest() noexcept {
+    char* const begin = std::exchange(blocks_at_hand.next, nullptr);
+    char* const end = std::exchange(blocks_at_hand.end, nullptr);
+    if (static_cast<std::size_t>(end - begin) >= SmallBlocks::most_small_bytes) {
+        shared().rests = ::new (begin) Rest{shared().rests, end};
+    }
+}
+
+/// Leaves to others what the thread has.
 void leave(void*) noexcept {
     std::scoped_lock const lock(shared().mutex);
+    leave_rest();
     for (std::size_t size = 1; size < SmallBlocks::size_count; ++size) {
         Block* const left = std::exchange(shared().left[size], blocks_at_hand.lists[size]);
         blocks_at_hand.lists[size] = nullptr;
@@ -89,7 +107,7 @@ char* new_piece(Shared& all, std::size_t& bytes) {
     return piece;
 }
 
-/// What others left of that size, or a block of a new piece.
+/// What others left of that size, or a block of a piece that they left or of a new one.
 void* take_from_all(std::size_t size) {
     Shared& all = shared();
     std::scoped_lock const lock(all.mutex);
@@ -97,6 +115,13 @@ void* take_from_all(std::size_t size) {
         blocks_at_hand.lists[size] = block->next;
         all.left[size] = nullptr;
         return block;
+    }
+    if (Rest* const rest = all.rests) {
+        all.rests = rest->next;
+        blocks_at_hand.end = rest->end;
+        auto* const begin = reinterpret_cast<char*>(rest);
+        blocks_at_hand.next = begin + size * SmallBlocks::grain;
+        return begin;
     }
     std::size_t bytes = 0;
     char* const piece = new_piece(all, bytes);

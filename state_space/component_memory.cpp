@@ -29,13 +29,16 @@ constexpr unsigned deepest = 8;
 
 constexpr std::size_t first_asked = 256;
 
+/// One part in so many of what may be taken is for what was asked once.
+constexpr std::uint64_t asked_share = 8;
+
 } // namespace
 
 std::optional<std::span<Step const>> ComponentMemory::find(ProcessPointer const& term,
                                                            NamedProcessSource const& source) {
     StateNumber component = m_terms.find(term);
     if (component == no_state) {
-        if (!was_asked(hash_of(term)) || steps_that_fit() < fewest_steps) {
+        if (steps_that_fit() < fewest_steps || !was_asked(hash_of(term))) {
             return std::nullopt;
         }
         component = number(term);
@@ -61,9 +64,12 @@ std::uint64_t ComponentMemory::growth_bytes(std::uint64_t additions) const noexc
 
 /// Whether a term with this hash code was asked, as far as it is known; it is from now on.
 bool ComponentMemory::was_asked(std::uint64_t hash) {
-    // Which terms come again is seen among as many as there are components, not states.
-    if (++m_asked_since_growth > m_asked.size() * 8 || m_asked.empty()) {
-        m_asked.assign(std::max(first_asked, m_asked.size() * 2), 0);
+    // Which terms come again is seen among as many as there are components, not states; where very many never do,
+    // more room would not help.
+    std::size_t const larger = std::max(first_asked, m_asked.size() * 2);
+    if (++m_asked_since_growth > m_asked.size() * 8 &&
+        larger * sizeof(std::uint32_t) <= most_bytes() / asked_share) {
+        m_asked.assign(larger, 0);
         m_asked_since_growth = 0;
     }
     std::uint64_t const mixed = mix(hash);
@@ -121,10 +127,15 @@ bool ComponentMemory::remember(StateNumber component, NamedProcessSource const& 
     return true;
 }
 
+std::uint64_t ComponentMemory::most_bytes() const noexcept {
+    return bytes_at_first + bytes_a_state * m_states.size();
+}
+
 /// Each with a successor that is not known yet.
 std::size_t ComponentMemory::steps_that_fit() const noexcept {
-    std::uint64_t const most = bytes_at_first + bytes_a_state * m_states.size();
-    std::uint64_t const taken = m_step_count * sizeof(Step) + m_terms.size() * bytes_a_term;
+    std::uint64_t const most = most_bytes();
+    std::uint64_t const taken =
+        m_step_count * sizeof(Step) + m_terms.size() * bytes_a_term + allocated_bytes(m_asked);
     return most < taken ? 0 : (most - taken) / (sizeof(Step) + bytes_a_term);
 }
 

@@ -44,6 +44,7 @@ class CALDER_STATE_SPACE_EXPORT ComponentMemory final : public ProcessCompiler::
     [[nodiscard]] StateNumber number(ProcessCompiler::ProcessPointer const& term);
     [[nodiscard]] bool remember(StateNumber component,
                                 ProcessCompiler::NamedProcessSource const& source);
+    [[nodiscard]] std::uint64_t most_bytes() const noexcept;
     [[nodiscard]] std::size_t steps_that_fit() const noexcept;
 
     StateTable const& m_states;

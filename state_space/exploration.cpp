@@ -66,6 +66,7 @@ class Explorer {
     LtsBuilder m_builder;
     std::array<Taken, 32> m_taken;
     std::size_t m_taken_count = 0;
+    bool m_is_too_deep = false;
     StateNumber m_depth = 0;
 };
 
@@ -104,17 +105,21 @@ void Explorer::visit(Process const& term, TransitionVisitor const& visitor) {
         throw;
     }
     settle();
+    if (m_is_too_deep && m_monitor.outcome() == Outcome::complete) {
+        m_monitor.stop(Outcome::nesting_limit);
+    }
 }
 
 /// The visitor: what happens for each transition of the state that is being explored. It runs at
 /// the deepest point of the recursion through the term, so this is the place to watch the stack,
 /// before the successor, which may be as deep, is hashed.
 bool Explorer::take(unsigned event, ProcessPointer const& successor) {
-    if (m_monitor.outcome() != Outcome::complete) {
+    if (m_is_too_deep || m_monitor.outcome() != Outcome::complete) {
         return false; // some constructs go on after they were told to stop
     }
     if (m_stack.is_low()) {
-        return m_monitor.stop(Outcome::nesting_limit);
+        m_is_too_deep = true; // what was taken is settled where there is stack for it
+        return false;
     }
     std::uint64_t const hash = hash_of(successor);
     m_states.prefetch(hash);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <random>
+#include <set>
 #include <thread>
 #include <vector>
 
@@ -65,6 +66,23 @@ TEST(SmallBlocks, may_be_freed_by_another_thread_and_outlive_their_own) {
             }
         }).join();
     }
+    for (Taken const& each : all) {
+        give_back(each);
+    }
+}
+
+TEST(SmallBlocks, threads_one_after_another_share_their_pieces) {
+    if (SmallBlocks::are_of_their_own()) {
+        GTEST_SKIP() << "there are no pieces";
+    }
+    constexpr std::uintptr_t least_piece = 32 << 10;
+    std::vector<Taken> all;
+    std::set<std::uintptr_t> pieces;
+    for (unsigned round = 0; round < 400; ++round) {
+        std::thread([&] { all.push_back(taken(48, static_cast<unsigned char>(round))); }).join();
+        pieces.insert(reinterpret_cast<std::uintptr_t>(all.back().block) / least_piece);
+    }
+    EXPECT_LT(pieces.size(), 50U);
     for (Taken const& each : all) {
         give_back(each);
     }

@@ -106,6 +106,14 @@ TEST_F(ComponentMemoryTest, takes_no_more_than_its_share) {
     EXPECT_GT(memory.size(), before + 400) << "more states, more room";
 }
 
+TEST_F(ComponentMemoryTest, what_never_comes_again_takes_no_more_and_more) {
+    for (unsigned node = 0; node < 300'000; ++node) {
+        find(diamond, node, "met once ");
+    }
+    EXPECT_EQ(memory.size(), 0U);
+    EXPECT_LT(memory.growth_bytes(1), 64U << 10);
+}
+
 TEST_F(ComponentMemoryTest, goes_on_after_memory_ran_out) {
     Graph graph = diamond;
     graph.node_without_memory = 0;

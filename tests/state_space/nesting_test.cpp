@@ -88,6 +88,35 @@ TEST(Nesting, ends_at_a_limit_that_grows_with_the_stack) {
 
 constexpr std::size_t frame_bytes = 16 << 10;
 
+[[gnu::noinline]] bool report_from_below(unsigned frames, TransitionVisitor const& visitor) {
+    char volatile frame[frame_bytes];
+    frame[0] = 1;
+    bool const goes_on =
+        frames == 0 ? visitor(3, new FakeProcess("deep")) : report_from_below(frames - 1, visitor);
+    return goes_on && frame[0] == 1; // keeps the frame in use across the call
+}
+
+/// Reports a step at once and one from far below, and another one however that was answered.
+class DeepAtLast : public FakeProcess {
+  public:
+    DeepAtLast() : FakeProcess("deep at last") {}
+
+    bool visit_transitions(NamedProcessSource const&,
+                           TransitionVisitor const& visitor) const override {
+        visitor(3, new FakeProcess("near"));
+        report_from_below(40, visitor);
+        return visitor(3, new FakeProcess("too late"));
+    }
+};
+
+TEST(Nesting, what_was_reported_before_the_limit_counts) {
+    run_with_stack(mib, [] {
+        Exploration const found = explore(new DeepAtLast(), NamedProcessSource());
+        EXPECT_EQ(found.outcome, Outcome::nesting_limit);
+        EXPECT_EQ(found.lts.state_count(), 2U);
+    });
+}
+
 /// Goes down frame by frame until the guard warns; tells how far that was.
 [[gnu::noinline]] std::size_t bytes_until_low(StackGuard const& guard, std::uintptr_t top) {
     char volatile frame[frame_bytes];

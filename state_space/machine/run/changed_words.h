@@ -68,7 +68,10 @@ class CALDER_STATE_SPACE_EXPORT ChangedWords {
     Word const* m_root = nullptr;
     Steps* m_steps = nullptr;
     std::uint32_t m_step = 0;
-    std::size_t m_first = 0;   // of the step's changes
+    std::size_t m_first = 0; // of the step's changes
+    // Of these, the leaves: none outside was changed.
+    std::uint32_t m_least_leaf = 0;
+    std::uint32_t m_most_leaf = 0;
     std::vector<Word> m_other; // what the step leads to
 };
 
@@ -78,11 +81,13 @@ inline void ChangedWords::begin_step(unsigned marked_event) {
     copy_words(m_root, m_steps->add(marked_event), m_steps->width());
 }
 
-/// Most steps change one leaf or two.
+/// Most steps change one leaf or two. Those that change very many do so in order, or back: then a leaf that comes next
+/// is not looked for among them.
 inline void ChangedWords::change(std::uint32_t word, Word difference) {
     std::uint32_t const leaf = word / m_leaf_words;
     std::uint32_t const place = word % m_leaf_words;
-    for (std::size_t i = m_changes.size(); i > m_first; --i) {
+    bool const may_be_there = m_least_leaf <= leaf && leaf <= m_most_leaf;
+    for (std::size_t i = m_changes.size(); may_be_there && i > m_first; --i) {
         if (m_changes[i - 1].leaf == leaf) {
             m_words[(i - 1) * m_leaf_words + place] += difference;
             return;
@@ -92,7 +97,10 @@ inline void ChangedWords::change(std::uint32_t word, Word difference) {
 }
 
 inline Word* ChangedWords::add(std::uint32_t leaf, Word const* words) {
-    m_are_sorted = m_are_sorted && (m_changes.size() == m_first || m_changes.back().leaf < leaf);
+    bool const is_only = m_changes.size() == m_first;
+    m_are_sorted = m_are_sorted && (is_only || m_changes.back().leaf < leaf);
+    m_least_leaf = is_only ? leaf : std::min(m_least_leaf, leaf);
+    m_most_leaf = is_only ? leaf : std::max(m_most_leaf, leaf);
     std::size_t const begin = m_changes.size() * m_leaf_words;
     m_changes.push_back({m_source, m_step, leaf});
     if (m_words.size() < begin + m_leaf_words) {
