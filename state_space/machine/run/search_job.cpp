@@ -41,6 +41,10 @@ void SearchJob::append_roots() {
                                                     m_states->width(), m_steps, m_work);
         m_tables[source]->append_successors(words, m_work.changes, m_scratch);
         m_row_ends.push_back(m_steps.size());
+        if (tree.is_full(m_work)) {
+            tree.join(m_steps, m_work);
+            tree.begin(m_work);
+        }
     }
     tree.join(m_steps, m_work);
 }

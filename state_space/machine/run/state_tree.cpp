@@ -9,6 +9,9 @@ namespace {
 /// Wider ones would differ in too much.
 constexpr std::uint32_t most_leaf_words = 8;
 
+/// Of the nodes of sources: a megabyte, or those of one source.
+constexpr std::size_t most_numbers = std::size_t{1} << 18;
+
 /// What a job may add of a level.
 constexpr std::uint64_t job_nodes = 4096;
 
@@ -107,6 +110,10 @@ Word const* StateTree::begin_source(Word const* root, std::uint32_t width, Steps
     split(root, width, &work.numbers[first], work.words.data());
     work.changes.begin(work.sources++, work.words.data(), leaves_of(width), root, steps);
     return work.words.data();
+}
+
+bool StateTree::is_full(Work const& work) const noexcept {
+    return std::size_t{work.sources} * place_count() > most_numbers;
 }
 
 void StateTree::join(Steps& steps, Work& work) {

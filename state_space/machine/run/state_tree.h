@@ -67,6 +67,8 @@ class CALDER_STATE_SPACE_EXPORT StateTree {
     /// stands for its state. The words that `begin_source` returns are good until the next one.
     void begin(Work& work) const noexcept;
     Word const* begin_source(Word const* root, std::uint32_t width, Steps& steps, Work& work) const;
+    /// Whether it has so many sources that more at once would only take memory.
+    [[nodiscard]] bool is_full(Work const& work) const noexcept;
     void join(Steps& steps, Work& work);
     /// @}
 
