@@ -34,7 +34,7 @@ NumberedKeys::Number NumberedKeys::add(Bucket& bucket, Bucket::Head head, Word c
 
 void NumberedKeys::grow(std::uint64_t count, Team* team) {
     Number const known = size();
-    std::uint64_t const wanted = std::max({count, least_growth, std::uint64_t{known} / 8});
+    std::uint64_t const wanted = wanted_for(count);
     if (wanted > most_keys - known) {
         throw std::bad_alloc();
     }
@@ -53,9 +53,14 @@ std::uint64_t NumberedKeys::memory_bytes() const noexcept {
 
 std::uint64_t NumberedKeys::growth_bytes(std::uint64_t additions) const noexcept {
     std::uint64_t const keys = additions * width() * sizeof(Word);
-    return size() + additions <= m_states.capacity()
+    return additions <= m_end - size()
                ? keys
-               : keys + m_states.m_bucket_count * sizeof(Bucket);
+               : keys + m_states.table_growth_bytes(size() + wanted_for(additions));
+}
+
+/// How many more keys there is room for, once it is made for so many.
+std::uint64_t NumberedKeys::wanted_for(std::uint64_t count) const noexcept {
+    return std::max({count, least_growth, std::uint64_t{size()} / 8});
 }
 
 } // namespace Calder::StateSpace

@@ -26,11 +26,7 @@ void VisitedStates::make_room(std::uint64_t count, Team* team) {
     if (m_size + count <= capacity()) {
         return;
     }
-    std::size_t buckets = std::max(m_bucket_count, first_bucket_count);
-    while (buckets * Bucket::size * most_load / 100 < m_size + count) {
-        buckets *= 2;
-    }
-    fill_buckets(buckets, team);
+    fill_buckets(buckets_for(m_size + count), team);
 }
 
 void VisitedStates::forget_from(StateNumber first) {
@@ -62,8 +58,7 @@ std::uint64_t VisitedStates::memory_bytes() const noexcept {
 }
 
 std::uint64_t VisitedStates::growth_bytes(std::uint64_t additions) const noexcept {
-    std::uint64_t const words = additions * m_width * sizeof(Word);
-    return m_size + additions <= capacity() ? words : words + m_bucket_count * sizeof(Bucket);
+    return additions * m_width * sizeof(Word) + table_growth_bytes(m_size + additions);
 }
 
 /// The table anew, from the words of all states.
@@ -149,6 +144,23 @@ StateNumber VisitedStates::add(std::size_t bucket, Word const* words, std::uint6
     copy_words(words, place_of(m_size), m_width);
     m_buckets[bucket].append(m_size, tag_of(hash));
     return m_size++;
+}
+
+/// The old table goes before the new one comes, which may be many times as large.
+std::uint64_t VisitedStates::table_growth_bytes(std::uint64_t states) const noexcept {
+    return (buckets_for(states) - m_bucket_count) * sizeof(Bucket);
+}
+
+/// Of a table that has room for so many states, at least what there are.
+std::size_t VisitedStates::buckets_for(std::uint64_t states) const noexcept {
+    if (states <= capacity()) {
+        return m_bucket_count;
+    }
+    std::size_t buckets = std::max(m_bucket_count, first_bucket_count);
+    while (std::uint64_t{buckets} * Bucket::size * most_load / 100 < states) {
+        buckets *= 2;
+    }
+    return buckets;
 }
 
 /// How many states the table has room for.

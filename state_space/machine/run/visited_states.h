@@ -143,6 +143,8 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
     void insert_shared(StateNumber state, std::uint64_t hash) noexcept;
     void fill_buckets(std::size_t count, Team* team = nullptr);
     template <typename Insert> void fill_from(StateNumber first, StateNumber last, Insert insert);
+    [[nodiscard]] std::uint64_t table_growth_bytes(std::uint64_t states) const noexcept;
+    [[nodiscard]] std::size_t buckets_for(std::uint64_t states) const noexcept;
     [[nodiscard]] std::uint64_t capacity() const noexcept;
 
     std::uint32_t m_width;

@@ -119,6 +119,26 @@ TEST(MachineStateTree, joins_what_steps_change_to_what_the_whole_states_give) {
     }
 }
 
+/// Whoever asks for much at once gets a table that is many times as large.
+TEST(MachineNumberedKeys, say_before_they_grow_by_how_much) {
+    for (std::uint64_t const additions : {1U, 1'023U, 1'025U, 50'000U, 3'000'000U}) {
+        NumberedKeys keys(2);
+        VisitedStates states(2);
+        for (unsigned time = 0; time < 2; ++time) { // of an empty table, and of one that has room
+            std::uint64_t const of_keys = 2 * sizeof(Word) * additions;
+            std::uint64_t const keys_before = keys.memory_bytes();
+            std::uint64_t const keys_announced = keys.growth_bytes(additions);
+            keys.make_room(additions);
+            EXPECT_EQ(keys.memory_bytes() - keys_before + of_keys, keys_announced) << additions;
+            std::uint64_t const states_before = states.memory_bytes();
+            std::uint64_t const states_announced = states.growth_bytes(additions);
+            states.make_room(additions);
+            EXPECT_EQ(states.memory_bytes() - states_before + of_keys, states_announced)
+                << additions;
+        }
+    }
+}
+
 TEST(MachineReachedStates, keep_their_numbers_when_they_become_wider) {
     Random random(13);
     for (std::uint32_t const most_plain_words : {0U, 1U, 4U, 1'000U}) {
