@@ -119,6 +119,26 @@ TEST(MachineStateTree, joins_what_steps_change_to_what_the_whole_states_give) {
     }
 }
 
+/// A table is made larger long before it is full: room is made for many at once.
+TEST(MachineNumberedKeys, take_no_more_than_they_tell_before) {
+    constexpr std::uint32_t width = 2;
+    for (unsigned const at_once : {1U, 100U, 5'000U}) {
+        NumberedKeys keys(width);
+        std::array<Word, width> key{};
+        while (keys.size() < 100'000) {
+            std::uint64_t const most = keys.memory_bytes() + keys.growth_bytes(at_once);
+            for (unsigned i = 0; i < at_once; ++i) {
+                ++key[0];
+                keys.make_room(1);
+                keys.find_or_add(key.data(), keys.hash(key.data()));
+            }
+            if (keys.size() > 10'000) { // before, a table is hardly a page
+                ASSERT_LE(keys.memory_bytes(), most) << keys.size() << " keys";
+            }
+        }
+    }
+}
+
 TEST(MachineReachedStates, keep_their_numbers_when_they_become_wider) {
     Random random(13);
     for (std::uint32_t const most_plain_words : {0U, 1U, 4U, 1'000U}) {
