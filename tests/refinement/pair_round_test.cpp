@@ -250,11 +250,11 @@ std::string text_of(Answer const& answer) {
 constexpr unsigned ring_count = 8;
 
 /// Rings of four, which make levels large, beside a leaf that does something else after so many steps, and
-/// perhaps stops then.
-ProcessPointer beside_rings(unsigned steps, Row const& last) {
+/// perhaps stops then. The leaf goes from state to state by `event`.
+ProcessPointer beside_rings(unsigned steps, Row const& last, unsigned event = b) {
     Rows rows(steps + 2);
     for (unsigned state = 0; state < steps; ++state) {
-        rows[state].emplace_back(b, state + 1);
+        rows[state].emplace_back(event, state + 1);
     }
     rows[steps] = last;
     std::vector<ProcessPointer> leaves{leaf("deep", rows)};
@@ -297,6 +297,7 @@ TEST(PairRounds, AnswersAreTheSameHoweverDeep) {
     ProcessPointer const stop = beside_rings(steps, {});
     ProcessPointer const event = beside_rings(steps, {{a, 0}, {b, 0}});
     ProcessPointer const choice = beside_rings(steps, {{b, 0}, {b, steps + 1}});
+    ProcessPointer const silent = beside_rings(steps, {}, tau);
     std::vector<Row> const rows{
         {Reason::none,
          [&](auto const& options) {
@@ -305,6 +306,11 @@ TEST(PairRounds, AnswersAreTheSameHoweverDeep) {
         {Reason::refusal,
          [&](auto const& options) {
              return refinement(everything_by(steps), stop, Model::failures, source, options);
+         }},
+        // What the abstract side accepts is asked for the first time where all else is known.
+        {Reason::refusal,
+         [&](auto const& options) {
+             return refinement(everything(), silent, Model::failures, source, options);
          }},
         {Reason::event,
          [&](auto const& options) {

@@ -12,8 +12,10 @@ namespace {
 /// No number is `no_state`, however many threads find the room full at once.
 constexpr NumberedKeys::Number most_keys = no_state - (NumberedKeys::Number{1} << 16);
 
-/// Rather than room for a few keys again and again.
-constexpr std::uint64_t least_growth = 1024;
+/// Rather than room for a few keys again and again, room for so many more than are known at least.
+constexpr std::uint64_t room_at_once(std::uint64_t known) noexcept {
+    return std::max<std::uint64_t>(1024, known / 8);
+}
 
 } // namespace
 
@@ -34,7 +36,7 @@ NumberedKeys::Number NumberedKeys::add(Bucket& bucket, Bucket::Head head, Word c
 
 void NumberedKeys::grow(std::uint64_t count, Team* team) {
     Number const known = size();
-    std::uint64_t const wanted = wanted_for(count);
+    std::uint64_t const wanted = std::max(count, room_at_once(known));
     if (wanted > most_keys - known) {
         throw std::bad_alloc();
     }
@@ -53,14 +55,8 @@ std::uint64_t NumberedKeys::memory_bytes() const noexcept {
 
 std::uint64_t NumberedKeys::growth_bytes(std::uint64_t additions) const noexcept {
     std::uint64_t const keys = additions * width() * sizeof(Word);
-    return additions <= m_end - size()
-               ? keys
-               : keys + m_states.table_growth_bytes(size() + wanted_for(additions));
-}
-
-/// How many more keys there is room for, once it is made for so many.
-std::uint64_t NumberedKeys::wanted_for(std::uint64_t count) const noexcept {
-    return std::max({count, least_growth, std::uint64_t{size()} / 8});
+    std::uint64_t const last = size() + additions;
+    return last <= m_end ? keys : keys + m_states.table_growth_bytes(last + room_at_once(last));
 }
 
 } // namespace Calder::StateSpace

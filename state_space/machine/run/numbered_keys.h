@@ -47,7 +47,6 @@ class CALDER_STATE_SPACE_EXPORT NumberedKeys {
 
   private:
     void grow(std::uint64_t count, Team* team);
-    [[nodiscard]] std::uint64_t wanted_for(std::uint64_t count) const noexcept;
     Number add(Bucket& bucket, Bucket::Head head, Word const* key, std::uint8_t tag);
 
     VisitedStates m_states;                     // knows of its size only when it grows
