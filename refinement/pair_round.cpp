@@ -30,6 +30,7 @@ StateNumber PairRound::first_not_prepared(StateNumber first, StateNumber last) {
 bool PairRound::explore(StateSpace::RoundSize const& size) {
     begin(size);
     try {
+        m_side.begin_sharing(size.most_additions, m_pairs.size(), m_team);
         explore_jobs();
     } catch (...) {
         m_side.end_sharing();
@@ -68,7 +69,6 @@ void PairRound::begin(StateSpace::RoundSize const& size) {
         worker.adder = {};
         worker.jobs.clear();
     }
-    m_side.begin_sharing(size.most_additions, m_pairs.size(), m_team);
     m_additions.begin(size.most_additions, m_team);
     m_room_left = static_cast<std::int64_t>(size.most_additions);
     m_is_over = false;

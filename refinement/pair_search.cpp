@@ -4,6 +4,7 @@
 #include "refinement/loops.h"
 
 #include <algorithm>
+#include <new>
 
 namespace Calder::Refinement {
 
@@ -103,7 +104,7 @@ bool PairSearch::has_team() {
 /// Where the observer had to be asked for most of it, threads are of no use.
 void PairSearch::explore_round(StateSpace::RoundSize const& size) {
     if (!try_round(size)) {
-        m_alone_until = size.last;
+        m_alone_until = std::max(m_alone_until, size.last);
         return;
     }
     if (m_round->asked_count() * 2 > m_round->job_count()) {
@@ -125,6 +126,11 @@ bool PairSearch::try_round(StateSpace::RoundSize const& size) {
             m_monitor.outcome() == StateSpace::Outcome::memory_limit) {
             throw;
         }
+        return false;
+    } catch (std::bad_alloc const&) { // what the others have may be enough for one
+        m_round.reset();
+        m_team.reset();
+        m_alone_until = no_state;
         return false;
     }
 }

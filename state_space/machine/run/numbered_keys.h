@@ -34,7 +34,7 @@ class CALDER_STATE_SPACE_EXPORT NumberedKeys {
     Number find_or_add(Word const* key, std::uint64_t hash);
 
     /// Room for so many more keys, by one thread while no other does anything; the work is the team's, if there
-    /// is one. Throws std::bad_alloc; then nothing can be found any more.
+    /// is one. Throws std::bad_alloc, as VisitedStates does.
     void make_room(std::uint64_t count, Team* team = nullptr) {
         if (m_end - size() < count) {
             grow(count, team);

@@ -186,8 +186,15 @@ bool Runner::has_team() {
 
 bool Runner::explore_round(RoundSize const& size) {
     make_tables(size.first, size.last);
-    if (!m_round->explore(size)) {
-        m_alone_until = size.last;
+    try {
+        if (!m_round->explore(size)) {
+            m_alone_until = size.last;
+            return true;
+        }
+    } catch (std::bad_alloc const&) { // what the others have may be enough for one
+        m_round.reset();
+        m_team.reset();
+        m_alone_until = no_state;
         return true;
     }
     count_explored(size.last - size.first);

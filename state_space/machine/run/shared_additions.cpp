@@ -4,12 +4,9 @@
 
 namespace Calder::StateSpace {
 
+/// Records come first, as most of the memory is theirs, and nothing is lost with them.
 void SharedAdditions::begin(std::size_t most, Team& team) {
-    m_states.make_room(most, &team);
-    m_buckets = m_states.m_buckets.get();
-    m_bucket_count = m_states.m_bucket_count;
     m_width = m_states.width();
-    m_first = m_states.size();
     m_record_words = head_words + m_width;
     std::size_t const records =
         most + std::size_t{team.size()} * records_at_a_time + record_distance;
@@ -21,6 +18,10 @@ void SharedAdditions::begin(std::size_t most, Team& team) {
         m_entries = make_large_array<Word>(records);
         m_capacity = records * m_record_words;
     }
+    m_states.make_room(most, &team);
+    m_buckets = m_states.m_buckets.get();
+    m_bucket_count = m_states.m_bucket_count;
+    m_first = m_states.size();
     m_taken.store(0, std::memory_order_relaxed);
 }
 

@@ -9,11 +9,11 @@ SharedRound::SharedRound(Team& team, ReachedStates& states, ConfigurationTables 
     : m_team(team), m_states(states), m_tables(tables), m_rows(rows), m_workers(team.size()) {}
 
 bool SharedRound::explore(RoundSize const& size) {
+    begin(size);
     StateTree* const tree = m_states.tree();
     if (tree != nullptr) {
         tree->begin_sharing(size.most_additions, m_states.size(), m_team);
     }
-    begin(size);
     bool const is_done = explore_shared();
     if (tree != nullptr) {
         tree->end_sharing();

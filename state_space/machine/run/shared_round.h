@@ -44,7 +44,8 @@ class SharedRound {
                 FoundRows& rows);
 
     /// False when nothing has changed and one thread must do it. The tables of all configurations must be
-    /// there, and states wide enough for them. Throws std::bad_alloc where the table of states could not grow.
+    /// there, and states wide enough for them. Throws std::bad_alloc where there is no memory to begin with, of which
+    /// one thread needs less; nothing has changed then, either.
     bool explore(RoundSize const& size);
 
     /// Of the last round.

@@ -4,6 +4,7 @@
 #include "state_space/machine/run/team.h"
 
 #include <algorithm>
+#include <new>
 
 namespace Calder::StateSpace {
 
@@ -23,10 +24,16 @@ constexpr std::size_t piece = std::size_t{1} << 15;
 } // namespace
 
 void VisitedStates::make_room(std::uint64_t count, Team* team) {
+    std::size_t const before = m_bucket_count;
     if (m_size + count <= capacity()) {
         return;
     }
-    fill_buckets(buckets_for(m_size + count), team);
+    try {
+        fill_buckets(buckets_for(m_size + count), team);
+    } catch (std::bad_alloc const&) {
+        fill_buckets(before, team);
+        throw;
+    }
 }
 
 void VisitedStates::forget_from(StateNumber first) {

@@ -87,7 +87,8 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
     }
 
     /// Room in the table for `count` more states; the work is the team's, if there is one. Where that
-    /// throws std::bad_alloc nothing can be found any more, but the states are still there.
+    /// throws std::bad_alloc the table is as it was, or, where there is no memory even for that, as before the
+    /// first state: room must be made before anything else is asked.
     void make_room(std::uint64_t count, Team* team = nullptr);
 
     /// Forgets the states from this one on. Where that throws std::bad_alloc, none is to be found any more.
