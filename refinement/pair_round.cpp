@@ -27,10 +27,29 @@ StateNumber PairRound::first_not_prepared(StateNumber first, StateNumber last) {
     return pair;
 }
 
-bool PairRound::explore(StateSpace::RoundSize const& size) {
-    begin(size);
+void PairRound::begin(StateSpace::RoundSize const& size) {
+    m_size = size;
+    m_job_count = size.jobs();
+    m_asked_count = 0;
+    while (m_jobs.size() < m_job_count) {
+        m_jobs.emplace_back();
+    }
+    for (std::size_t number = 0; number < m_job_count; ++number) {
+        m_jobs[number].additions.clear();
+        m_jobs[number].is_put_off = false;
+    }
+    for (Worker& worker : m_workers) {
+        worker.adder = {};
+        worker.jobs.clear();
+    }
+    m_additions.begin(size.most_additions, m_team);
+    m_side.begin_sharing(size.most_additions, m_pairs.size(), m_team);
+    m_room_left = static_cast<std::int64_t>(size.most_additions);
+    m_is_over = false;
+}
+
+bool PairRound::explore() {
     try {
-        m_side.begin_sharing(size.most_additions, m_pairs.size(), m_team);
         explore_jobs();
     } catch (...) {
         m_side.end_sharing();
@@ -52,26 +71,6 @@ bool PairRound::explore(StateSpace::RoundSize const& size) {
     }
     m_additions.end(added);
     return true;
-}
-
-void PairRound::begin(StateSpace::RoundSize const& size) {
-    m_size = size;
-    m_job_count = size.jobs();
-    m_asked_count = 0;
-    while (m_jobs.size() < m_job_count) {
-        m_jobs.emplace_back();
-    }
-    for (std::size_t number = 0; number < m_job_count; ++number) {
-        m_jobs[number].additions.clear();
-        m_jobs[number].is_put_off = false;
-    }
-    for (Worker& worker : m_workers) {
-        worker.adder = {};
-        worker.jobs.clear();
-    }
-    m_additions.begin(size.most_additions, m_team);
-    m_room_left = static_cast<std::int64_t>(size.most_additions);
-    m_is_over = false;
 }
 
 /// The first work. Where less than half of the jobs that were tried again could be done, no more are.

@@ -42,10 +42,12 @@ class PairRound {
     /// The first of these pairs whose configuration was not met, or `last`. The pairs must be as wide as the side.
     [[nodiscard]] StateNumber first_not_prepared(StateNumber first, StateNumber last);
 
-    /// False when nothing has changed, but for what the observer answered, and one thread must do it. Throws
-    /// what the observer does, nothing else having changed, and std::bad_alloc where the table of pairs could not
-    /// grow.
-    bool explore(StateSpace::RoundSize const& size);
+    /// Makes room. Throws std::bad_alloc where there is no memory for it, of which one thread needs less; nothing
+    /// has changed then.
+    void begin(StateSpace::RoundSize const& size);
+    /// Comes after that. False when nothing has changed, but for what the observer answered, and one thread must
+    /// do it. Throws what the observer does, nothing else having changed, and what ends a search.
+    bool explore();
 
     /// Of the last round.
     [[nodiscard]] std::size_t job_count() const noexcept { return m_job_count; }
@@ -67,7 +69,6 @@ class PairRound {
         std::vector<std::size_t> jobs; // that it has done in this round
     };
 
-    void begin(StateSpace::RoundSize const& size);
     void explore_jobs();
     void find(Worker& worker, std::size_t number) noexcept;
     void ask_for(std::size_t number);

@@ -117,20 +117,24 @@ void PairSearch::explore_round(StateSpace::RoundSize const& size) {
     look_around(work);
 }
 
-/// A limit of what the observer looks at is met again by one thread, at its place.
+/// Without memory for it, what the other threads have may be enough for one. A limit of what the observer looks at is
+/// met again by one thread, at its place.
 bool PairSearch::try_round(StateSpace::RoundSize const& size) {
     try {
-        return m_round->explore(size);
+        m_round->begin(size);
+    } catch (std::bad_alloc const&) {
+        m_round.reset();
+        m_team.reset();
+        m_alone_until = no_state;
+        return false;
+    }
+    try {
+        return m_round->explore();
     } catch (StateSpace::SearchEnded const&) {
         if (m_monitor.outcome() == StateSpace::Outcome::interrupted ||
             m_monitor.outcome() == StateSpace::Outcome::memory_limit) {
             throw;
         }
-        return false;
-    } catch (std::bad_alloc const&) { // what the others have may be enough for one
-        m_round.reset();
-        m_team.reset();
-        m_alone_until = no_state;
         return false;
     }
 }

@@ -46,6 +46,7 @@ class Runner {
     std::optional<RoundSize> next_round();
     bool has_team();
     bool explore_round(RoundSize const& size);
+    bool begin_round(RoundSize const& size);
     void make_tables(StateNumber first, StateNumber last);
     SearchedSoFar so_far() const;
     std::uint64_t round_bytes(std::uint64_t jobs, std::uint64_t additions) const;
@@ -186,19 +187,28 @@ bool Runner::has_team() {
 
 bool Runner::explore_round(RoundSize const& size) {
     make_tables(size.first, size.last);
-    try {
-        if (!m_round->explore(size)) {
-            m_alone_until = size.last;
-            return true;
-        }
-    } catch (std::bad_alloc const&) { // what the others have may be enough for one
-        m_round.reset();
-        m_team.reset();
-        m_alone_until = no_state;
+    if (!begin_round(size)) {
+        return true;
+    }
+    if (!m_round->explore()) {
+        m_alone_until = size.last;
         return true;
     }
     count_explored(size.last - size.first);
     return !m_monitor.is_due(m_round->step_count()) || look_around();
+}
+
+/// Without memory for it, what the other threads have may be enough for one.
+bool Runner::begin_round(RoundSize const& size) {
+    try {
+        m_round->begin(size);
+        return true;
+    } catch (std::bad_alloc const&) {
+        m_round.reset();
+        m_team.reset();
+        m_alone_until = no_state;
+        return false;
+    }
 }
 
 /// Those that the states need, as wide as that makes all states.

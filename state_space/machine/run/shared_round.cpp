@@ -8,14 +8,24 @@ SharedRound::SharedRound(Team& team, ReachedStates& states, ConfigurationTables 
                          FoundRows& rows)
     : m_team(team), m_states(states), m_tables(tables), m_rows(rows), m_workers(team.size()) {}
 
-bool SharedRound::explore(RoundSize const& size) {
-    begin(size);
-    StateTree* const tree = m_states.tree();
-    if (tree != nullptr) {
+void SharedRound::begin(RoundSize const& size) {
+    m_size = size;
+    m_jobs.assign(size.jobs(), nullptr);
+    for (Worker& worker : m_workers) {
+        worker.adder = {};
+        worker.job_count = 0;
+    }
+    m_additions.begin(size.most_additions, m_team);
+    if (StateTree* const tree = m_states.tree()) {
         tree->begin_sharing(size.most_additions, m_states.size(), m_team);
     }
+    m_room_left = static_cast<std::int64_t>(size.most_additions);
+    m_is_over = false;
+}
+
+bool SharedRound::explore() {
     bool const is_done = explore_shared();
-    if (tree != nullptr) {
+    if (StateTree* const tree = m_states.tree()) {
         tree->end_sharing();
     }
     return is_done;
@@ -43,18 +53,6 @@ bool SharedRound::explore_shared() {
     }
     m_additions.end(added);
     return true;
-}
-
-void SharedRound::begin(RoundSize const& size) {
-    m_size = size;
-    m_jobs.assign(size.jobs(), nullptr);
-    for (Worker& worker : m_workers) {
-        worker.adder = {};
-        worker.job_count = 0;
-    }
-    m_additions.begin(size.most_additions, m_team);
-    m_room_left = static_cast<std::int64_t>(size.most_additions);
-    m_is_over = false;
 }
 
 /// The first work. What it throws ends the round.

@@ -43,10 +43,11 @@ class SharedRound {
     SharedRound(Team& team, ReachedStates& states, ConfigurationTables const& tables,
                 FoundRows& rows);
 
-    /// False when nothing has changed and one thread must do it. The tables of all configurations must be
-    /// there, and states wide enough for them. Throws std::bad_alloc where there is no memory to begin with, of which
-    /// one thread needs less; nothing has changed then, either.
-    bool explore(RoundSize const& size);
+    /// Makes room. The tables of all configurations must be there, and states wide enough for them. Throws
+    /// std::bad_alloc where there is no memory for it, of which one thread needs less; nothing has changed then.
+    void begin(RoundSize const& size);
+    /// Comes after that. False when nothing has changed and one thread must do it.
+    bool explore();
 
     /// Of the last round.
     [[nodiscard]] std::uint64_t step_count() const noexcept { return m_steps; }
@@ -71,7 +72,6 @@ class SharedRound {
     };
 
     [[nodiscard]] bool explore_shared();
-    void begin(RoundSize const& size);
     void find(Worker& worker, std::size_t number) noexcept;
     void look_up(Worker& worker, Job& job);
     void for_jobs_of_each(void (SharedRound::*work)(Job&) noexcept);
