@@ -61,7 +61,7 @@ TEST_F(ComponentMemoryTest, keeps_what_is_asked_for_again) {
 }
 
 TEST_F(ComponentMemoryTest, equal_successors_become_one_term) {
-    for (unsigned node : {1, 1, 2, 2}) {
+    for (unsigned const node : {1U, 1U, 2U, 2U}) {
         find(diamond, node);
     }
     ProcessPointer const left = find(diamond, 1)->front().second;
