@@ -70,7 +70,7 @@ std::optional<std::string> difference_in(Model const& model, std::size_t& rememb
     for (StateNumber state = 0;
          state < std::min(states.size(), states_compared) && transitions < transitions_compared;
          ++state) {
-        for (unsigned way : {0, 1, 2, 0}) {
+        for (unsigned const way : {0U, 1U, 2U, 0U}) {
             Visit const plain = visit(state, way, source, states);
             MemoryInUse const in_use(memory);
             if (visit(state, way, source, states) != plain) {
