@@ -88,11 +88,13 @@ TEST(Nesting, ends_at_a_limit_that_grows_with_the_stack) {
 
 constexpr std::size_t frame_bytes = 16 << 10;
 
-[[gnu::noinline]] bool report_from_below(unsigned frames, TransitionVisitor const& visitor) {
+/// Goes down frame by frame until the guard warns.
+[[gnu::noinline]] bool report_from_below(StackGuard const& guard,
+                                         TransitionVisitor const& visitor) {
     char volatile frame[frame_bytes];
     frame[0] = 1;
-    bool const goes_on =
-        frames == 0 ? visitor(3, new FakeProcess("deep")) : report_from_below(frames - 1, visitor);
+    bool const goes_on = guard.is_low() ? visitor(3, new FakeProcess("deep"))
+                                        : report_from_below(guard, visitor);
     return goes_on && frame[0] == 1; // keeps the frame in use across the call
 }
 
@@ -104,7 +106,7 @@ class DeepAtLast : public FakeProcess {
     bool visit_transitions(NamedProcessSource const&,
                            TransitionVisitor const& visitor) const override {
         visitor(3, new FakeProcess("near"));
-        report_from_below(40, visitor);
+        report_from_below(StackGuard(), visitor);
         return visitor(3, new FakeProcess("too late"));
     }
 };
