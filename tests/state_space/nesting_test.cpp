@@ -93,8 +93,8 @@ constexpr std::size_t frame_bytes = 16 << 10;
                                          TransitionVisitor const& visitor) {
     char volatile frame[frame_bytes];
     frame[0] = 1;
-    bool const goes_on = guard.is_low() ? visitor(3, new FakeProcess("deep"))
-                                        : report_from_below(guard, visitor);
+    bool const goes_on =
+        guard.is_low() ? visitor(3, new FakeProcess("deep")) : report_from_below(guard, visitor);
     return goes_on && frame[0] == 1; // keeps the frame in use across the call
 }
 
