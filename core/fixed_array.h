@@ -93,7 +93,9 @@ template <typename T> class FixedArray {
   protected:
     /// The storage of a derived class that has some for short arrays: see ReferencesInPlace.
     struct Room {
+        /// Not initialised.
         void* storage;
+        /// In elements.
         std::size_t length;
     };
 
@@ -170,6 +172,7 @@ template <typename T> class OwningArray : public FixedArray<T> {
 
 /// A base class, so that it is there before the array that is built in it.
 template <typename T, std::size_t length> struct ReferencesInPlaceRoom {
+    /// For so many elements, none of which is there by itself.
     alignas(T) std::byte m_room[length * sizeof(T)];
 };
 

@@ -19,6 +19,8 @@ template <typename T> class GrowingArray {
 
   public:
     GrowingArray() = default;
+    /// @{
+    /// A copy has no more room than it needs; who was moved from is empty.
     GrowingArray(GrowingArray const& other) {
         std::copy_n(other.data(), other.size(), append(other.size()));
     }
@@ -27,8 +29,11 @@ template <typename T> class GrowingArray {
         swap(other);
         return *this;
     }
+    /// @}
     ~GrowingArray() { free_large(m_elements, m_capacity * sizeof(T)); }
 
+    /// @{
+    /// As of a vector; what points to elements is good until there are more.
     [[nodiscard]] std::size_t size() const noexcept { return m_size; }
     [[nodiscard]] T* data() noexcept { return m_elements; }
     [[nodiscard]] T const* data() const noexcept { return m_elements; }
@@ -38,6 +43,7 @@ template <typename T> class GrowingArray {
     }
     [[nodiscard]] T const* begin() const noexcept { return m_elements; }
     [[nodiscard]] T const* end() const noexcept { return m_elements + m_size; }
+    /// @}
 
     /// Throws std::bad_alloc, and is then as before.
     void push_back(T element) {
@@ -70,6 +76,7 @@ template <typename T> class GrowingArray {
         return m_capacity - m_size < additions ? capacity_for(additions) * sizeof(T) : 0;
     }
 
+    /// No element moves.
     void swap(GrowingArray& other) noexcept {
         std::swap(m_elements, other.m_elements);
         std::swap(m_size, other.m_size);

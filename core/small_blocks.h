@@ -31,6 +31,7 @@ class CALDER_CORE_EXPORT SmallBlocks {
 
     /// A block that nobody has.
     struct Block {
+        /// In a list; null at its end.
         Block* next;
     };
 

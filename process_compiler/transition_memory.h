@@ -33,6 +33,7 @@ class CALDER_PROCESS_COMPILER_EXPORT TransitionMemory {
 /// several the one made last counts.
 class CALDER_PROCESS_COMPILER_EXPORT MemoryInUse {
   public:
+    /// The memory must outlive it.
     inline explicit MemoryInUse(TransitionMemory& memory) noexcept;
     inline ~MemoryInUse();
     MemoryInUse(MemoryInUse const&) = delete;
