@@ -109,7 +109,7 @@ void wide_states_to_plain(benchmark::State& state) {
         time += Clock::now() - begin;
         state.counters["words"] = run.states->width();
         state.counters["bytes/state" + name] =
-            static_cast<double>(run.states->memory_bytes()) / static_cast<double>(run.state_count);
+            static_cast<double>(run.state_bytes) / static_cast<double>(run.state_count);
         return run.transition_count;
     };
     std::uint64_t transitions = 0;

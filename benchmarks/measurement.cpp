@@ -89,7 +89,7 @@ void measure_machine(benchmark::State& state, ProcessPointer const& start,
         transitions += run.transition_count;
         state.counters["states"] = run.state_count;
         state.counters["bytes/state"] =
-            static_cast<double>(run.states->memory_bytes()) / static_cast<double>(run.state_count);
+            static_cast<double>(run.state_bytes) / static_cast<double>(run.state_count);
         state.counters["transitions"] = static_cast<double>(run.transition_count);
     }
     state.counters["transitions/s"] =

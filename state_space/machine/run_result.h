@@ -32,8 +32,10 @@ struct Run {
     LabelledTransitionSystem lts{};
     /// Why the machine cannot be run, a part of a sentence; empty when it can.
     std::string refusal{};
-    /// What the numbers of the states stand for.
+    /// What the numbers of the states stand for; null where states were only counted, as CountingSearch does.
     std::shared_ptr<ReachedStates const> states{};
+    /// What these occupied in the end, the tables in which they are found included.
+    std::uint64_t state_bytes = 0;
 };
 
 /// What an exploration term by term found, in the same form.

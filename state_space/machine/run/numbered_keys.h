@@ -26,7 +26,7 @@ class CALDER_STATE_SPACE_EXPORT NumberedKeys {
     [[nodiscard]] Word const* key(Number number) const noexcept { return m_states.words(number); }
 
     [[nodiscard]] std::uint64_t hash(Word const* key) const noexcept {
-        return VisitedStates::hash(key, width());
+        return hash_of_words(key, width());
     }
     void prefetch(std::uint64_t hash) const noexcept { m_states.prefetch_bucket(hash); }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "state_space/machine/run/state_tree.h"
+#include "state_space/machine/run/search_job.h"
 
 #include <memory>
 
@@ -19,7 +19,10 @@ class CALDER_STATE_SPACE_EXPORT ReachedStates {
 
     [[nodiscard]] std::vector<Word> words(StateNumber state) const;
     [[nodiscard]] Word first_word(StateNumber state) const noexcept {
-        Word const* const kept = m_kept.words(state);
+        return first_word_of(m_kept.words(state));
+    }
+    /// The same by what is kept of the state.
+    [[nodiscard]] Word first_word_of(Word const* kept) const noexcept {
         return m_tree ? m_tree->first_word(kept) : *kept;
     }
 
@@ -36,6 +39,7 @@ class CALDER_STATE_SPACE_EXPORT ReachedStates {
     [[nodiscard]] VisitedStates const& kept() const noexcept { return m_kept; }
     /// By which these are read; null where they are the words.
     [[nodiscard]] StateTree* tree() const noexcept { return m_tree.get(); }
+    [[nodiscard]] SearchJob::Form form() const noexcept { return {m_width, m_tree.get()}; }
 
     [[nodiscard]] std::uint64_t memory_bytes() const noexcept {
         return m_kept.memory_bytes() + (m_tree ? m_tree->memory_bytes() : 0);

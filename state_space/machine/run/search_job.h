@@ -1,6 +1,6 @@
 #pragma once
 
-#include "state_space/machine/run/reached_states.h"
+#include "state_space/machine/run/state_tree.h"
 #include "state_space/machine/run/successor_table.h"
 
 #include <span>
@@ -11,9 +11,20 @@ namespace Calder::StateSpace {
 /// that a thread needs to find them, and keeps its storage.
 class SearchJob {
   public:
-    /// For some of these states, which have no more than `most_steps` successors together.
-    void clear(ReachedStates& states, std::size_t most_steps = Steps::unbounded) noexcept;
-    void add_source(StateNumber state, SuccessorTable const& table);
+    /// How the states are kept: as so many words, or, where there is a tree, as its roots.
+    struct Form {
+        std::uint32_t width;
+        StateTree* tree;
+
+        [[nodiscard]] std::uint32_t kept_width() const noexcept {
+            return tree == nullptr ? width : StateTree::node_words;
+        }
+    };
+
+    /// For some states, which have no more than `most_steps` successors together.
+    void clear(Form form, std::size_t most_steps = Steps::unbounded) noexcept;
+    /// By what is kept of it, which must stay there until the search is done.
+    void add_source(Word const* kept, SuccessorTable const& table);
 
     /// Finds the successors, as they are kept. Throws std::bad_alloc, also where there are more than were given.
     void search();
@@ -32,8 +43,8 @@ class SearchJob {
     void append_roots();
     void hash_steps();
 
-    ReachedStates* m_states = nullptr;
-    std::vector<StateNumber> m_sources;
+    Form m_form{1, nullptr};
+    std::vector<Word const*> m_sources;
     std::vector<SuccessorTable const*> m_tables; // by source
     Steps m_steps;
     std::vector<std::uint64_t> m_hashes; // by step

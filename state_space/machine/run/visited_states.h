@@ -4,8 +4,7 @@
 #include "state_space/export.h"
 #include "state_space/labelled_transition_system.h"
 #include "state_space/machine/run/bucket.h"
-#include "state_space/machine/run/layout.h"
-#include "state_space/mix.h"
+#include "state_space/machine/run/word_hash.h"
 
 #include <array>
 #include <bit>
@@ -37,16 +36,6 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
     [[nodiscard]] std::uint32_t width() const noexcept { return m_width; }
 
     [[nodiscard]] Word const* words(StateNumber state) const noexcept { return place_of(state); }
-
-    /// Word by word a multiplication, its high half brought down before the next, and at the end a
-    /// thorough mixing: a bucket is taken from the upper bits, a tag from the lower ones.
-    [[nodiscard]] static std::uint64_t hash(Word const* words, std::uint32_t width) noexcept {
-        std::uint64_t folded = words[0];
-        for (std::uint32_t i = 1; i < width; ++i) {
-            folded = ((folded ^ (folded >> 32)) * 0x9e3779b97f4a7c15) ^ words[i];
-        }
-        return mix(folded);
-    }
 
     void prefetch_bucket(std::uint64_t hash) const noexcept {
         __builtin_prefetch(&m_buckets[bucket_of(hash)]);

@@ -362,6 +362,13 @@ TEST(MachineRun, the_number_of_threads_makes_no_difference) {
             for (StateNumber state = 0; state < found.state_count; ++state) {
                 ASSERT_EQ(found.states->words(state), wanted.states->words(state)) << what;
             }
+            ConfigurationTables narrow_again(*machine);
+            RunOptions counting = options;
+            counting.keep_transitions = false;
+            auto const counted = run(narrow_again, counting, cut);
+            EXPECT_EQ(counted.outcome, wanted.outcome) << what;
+            EXPECT_EQ(counted.state_count, wanted.state_count) << what;
+            EXPECT_EQ(counted.transition_count, wanted.transition_count) << what;
         }
     }
 }

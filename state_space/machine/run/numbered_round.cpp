@@ -1,14 +1,14 @@
-#include "state_space/machine/run/shared_round.h"
+#include "state_space/machine/run/numbered_round.h"
 
 #include <algorithm>
 
 namespace Calder::StateSpace {
 
-SharedRound::SharedRound(Team& team, ReachedStates& states, ConfigurationTables const& tables,
-                         FoundRows& rows)
-    : m_team(team), m_states(states), m_tables(tables), m_rows(rows), m_workers(team.size()) {}
+NumberedRound::NumberedRound(Team& team, NumberedSearch& search, ConfigurationTables const& tables)
+    : m_team(team), m_states(*search.m_states), m_tables(tables), m_rows(search.m_rows),
+      m_workers(team.size()) {}
 
-void SharedRound::begin(RoundSize const& size) {
+void NumberedRound::begin(RoundSize const& size) {
     m_size = size;
     m_jobs.assign(size.jobs(), nullptr);
     for (Worker& worker : m_workers) {
@@ -23,29 +23,29 @@ void SharedRound::begin(RoundSize const& size) {
     m_is_over = false;
 }
 
-bool SharedRound::explore() {
+StateNumber NumberedRound::explore() {
     bool const is_done = explore_shared();
     if (StateTree* const tree = m_states.tree()) {
         tree->end_sharing();
     }
-    return is_done;
+    return is_done ? m_size.last - m_size.first : 0;
 }
 
-bool SharedRound::explore_shared() {
+bool NumberedRound::explore_shared() {
     m_team.each(m_jobs.size(),
                 [this](unsigned thread, std::size_t number) { find(m_workers[thread], number); });
     if (m_is_over) {
         take_back();
         return false;
     }
-    for_jobs_of_each(&SharedRound::keep_first);
+    for_jobs_of_each(&NumberedRound::keep_first);
     if (!make_room()) {
         take_back();
         return false;
     }
-    for_jobs_of_each(&SharedRound::give_numbers);
+    for_jobs_of_each(&NumberedRound::give_numbers);
     if (m_rows.keeps()) {
-        for_jobs_of_each(&SharedRound::copy_rows);
+        for_jobs_of_each(&NumberedRound::copy_rows);
     }
     StateNumber added = 0;
     for (Job const* const job : m_jobs) {
@@ -56,17 +56,18 @@ bool SharedRound::explore_shared() {
 }
 
 /// The first work. What it throws ends the round.
-void SharedRound::find(Worker& worker, std::size_t number) noexcept try {
+void NumberedRound::find(Worker& worker, std::size_t number) noexcept try {
     if (m_is_over.load(std::memory_order_relaxed)) {
         return;
     }
     StateNumber const first = m_size.first + static_cast<StateNumber>(number) * m_size.sources;
     StateNumber const last = std::min(first + m_size.sources, m_size.last);
     SearchJob& search = worker.search;
-    search.clear(m_states, m_size.most_steps);
+    search.clear(m_states.form(), m_size.most_steps);
     for (StateNumber source = first; source < last; ++source) {
-        search.add_source(source,
-                          m_tables.table(m_tables.configuration_of(m_states.first_word(source))));
+        Word const* const kept = m_states.kept().words(source);
+        search.add_source(kept,
+                          m_tables.table(m_tables.configuration_of(m_states.first_word_of(kept))));
     }
     search.search();
     auto const steps = static_cast<std::int64_t>(search.steps().size());
@@ -88,7 +89,7 @@ void SharedRound::find(Worker& worker, std::size_t number) noexcept try {
     m_is_over = true;
 }
 
-void SharedRound::look_up(Worker& worker, Job& job) {
+void NumberedRound::look_up(Worker& worker, Job& job) {
     SearchJob const& search = worker.search;
     Steps const& steps = search.steps();
     job.rows.clear();
@@ -113,7 +114,7 @@ void SharedRound::look_up(Worker& worker, Job& job) {
     }
 }
 
-void SharedRound::for_jobs_of_each(void (SharedRound::*work)(Job&) noexcept) {
+void NumberedRound::for_jobs_of_each(void (NumberedRound::*work)(Job&) noexcept) {
     m_team.all([this, work](unsigned thread) {
         Worker& worker = m_workers[thread];
         for (std::size_t job = 0; job < worker.job_count; ++job) {
@@ -123,13 +124,13 @@ void SharedRound::for_jobs_of_each(void (SharedRound::*work)(Job&) noexcept) {
 }
 
 /// The second work.
-void SharedRound::keep_first(Job& job) noexcept {
+void NumberedRound::keep_first(Job& job) noexcept {
     job.additions.keep_first(m_additions, job.number);
 }
 
 /// For all that the round has found, job after job. False when there is no memory for it; nothing has
 /// changed then.
-bool SharedRound::make_room() try {
+bool NumberedRound::make_room() try {
     std::uint64_t steps = 0;
     std::uint64_t transitions = 0;
     StateNumber states = m_states.size();
@@ -152,7 +153,7 @@ bool SharedRound::make_room() try {
     return false;
 }
 
-void SharedRound::take_back() noexcept {
+void NumberedRound::take_back() noexcept {
     for (Job const* const job : m_jobs) {
         if (job != nullptr) {
             job->additions.take_back(m_additions);
@@ -161,12 +162,12 @@ void SharedRound::take_back() noexcept {
 }
 
 /// The third work.
-void SharedRound::give_numbers(Job& job) noexcept {
+void NumberedRound::give_numbers(Job& job) noexcept {
     job.additions.give_numbers(m_additions, job.first_number);
 }
 
 /// The fourth work.
-void SharedRound::copy_rows(Job& job) noexcept {
+void NumberedRound::copy_rows(Job& job) noexcept {
     m_rows.copy(job.rows, job.room,
                 [this](StateNumber target) { return m_additions.number(target); });
 }

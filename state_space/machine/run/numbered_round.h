@@ -1,11 +1,8 @@
 #pragma once
 
 #include "state_space/machine/run/configuration_tables.h"
-#include "state_space/machine/run/found_rows.h"
 #include "state_space/machine/run/job_additions.h"
-#include "state_space/machine/run/looking_ahead.h"
-#include "state_space/machine/run/round_size.h"
-#include "state_space/machine/run/search_job.h"
+#include "state_space/machine/run/numbered_search.h"
 #include "state_space/machine/run/team.h"
 
 #include <deque>
@@ -35,19 +32,18 @@ namespace Calder::StateSpace {
 ///
 /// A round costs four meetings of the team, some microseconds each where processors are idle, and an addition
 /// 16 bytes and its words while the round lasts. Numbers are given after each round, not each level, as much of
-/// what is to be written to is still in a cache then; with the second work this takes a twentieth of a run. It
-/// is done even where nobody will look at the numbers, so that a limit on states ends a run at the same
-/// transition with any number of threads.
-class SharedRound {
+/// what is to be written to is still in a cache then; with the second work this takes a twentieth of a run.
+/// Where nobody will look at the numbers, CountingRound does without.
+class NumberedRound {
   public:
-    SharedRound(Team& team, ReachedStates& states, ConfigurationTables const& tables,
-                FoundRows& rows);
+    NumberedRound(Team& team, NumberedSearch& search, ConfigurationTables const& tables);
 
     /// Makes room. The tables of all configurations must be there, and states wide enough for them. Throws
     /// std::bad_alloc where there is no memory for it, of which one thread needs less; nothing has changed then.
     void begin(RoundSize const& size);
-    /// Comes after that. False when nothing has changed and one thread must do it.
-    bool explore();
+    /// Comes after that. How many of the states are explored: all, or none, where nothing has changed and one
+    /// thread must do it.
+    StateNumber explore();
 
     /// Of the last round.
     [[nodiscard]] std::uint64_t step_count() const noexcept { return m_steps; }
@@ -74,7 +70,7 @@ class SharedRound {
     [[nodiscard]] bool explore_shared();
     void find(Worker& worker, std::size_t number) noexcept;
     void look_up(Worker& worker, Job& job);
-    void for_jobs_of_each(void (SharedRound::*work)(Job&) noexcept);
+    void for_jobs_of_each(void (NumberedRound::*work)(Job&) noexcept);
     void keep_first(Job& job) noexcept;
     [[nodiscard]] bool make_room();
     void take_back() noexcept;
