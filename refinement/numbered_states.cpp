@@ -74,7 +74,7 @@ void NumberedStates::explore(StateNumber state) {
 StateNumber NumberedStates::add(Word const* words) {
     m_states.make_room(1);
     StateNumber const state = m_states.find_or_add(
-        words, StateSpace::hash_of_words(words, m_states.width()), m_monitor.max_states());
+        words, StateSpace::VisitedStates::hash(words, m_states.width()), m_monitor.max_states());
     if (state == no_state) {
         m_monitor.stop(StateSpace::Outcome::state_limit);
         throw StateSpace::SearchEnded();

@@ -59,7 +59,7 @@ void VisitedPairs::move_nodes_to_front() {
     for (StateNumber pair = 0; pair < size(); ++pair) {
         words[0] = node(pair);
         read_state(pair, &words[1]);
-        wide.find_or_add(words.data(), StateSpace::hash_of_words(words.data(), wide.width()),
+        wide.find_or_add(words.data(), VisitedStates::hash(words.data(), wide.width()),
                          StateSpace::no_state);
     }
     m_pairs = std::move(wide);

@@ -45,7 +45,7 @@ class VisitedPairs {
     void make_fit(std::uint32_t state_width, NodeNumber most_node);
 
     [[nodiscard]] std::uint64_t hash(Word const* pair) const noexcept {
-        return StateSpace::hash_of_words(pair, width());
+        return StateSpace::VisitedStates::hash(pair, width());
     }
     void prefetch_bucket(std::uint64_t hash) const noexcept { m_pairs.prefetch_bucket(hash); }
     /// Also tells which pair it will be, most likely; no_state where none is likely.

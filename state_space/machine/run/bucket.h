@@ -83,6 +83,17 @@ class alignas(64) Bucket {
         }
     }
 
+    /// One number in the place of another; false where that is not there.
+    bool replace(StateNumber from, StateNumber to) noexcept {
+        for (unsigned place = 0; place < m_head.count(); ++place) {
+            if (m_numbers[place] == from) {
+                m_numbers[place] = to;
+                return true;
+            }
+        }
+        return false;
+    }
+
     [[nodiscard]] Head shared_head() noexcept {
         std::uint64_t const high = std::atomic_ref(m_head.high).load(std::memory_order_acquire);
         return {std::atomic_ref(m_head.low).load(std::memory_order_relaxed), high};

@@ -1,47 +1,38 @@
 #include "state_space/machine/run/counting_round.h"
 
-#include <algorithm>
-
 namespace Calder::StateSpace {
 
 void CountingRound::begin(RoundSize const& size) {
     m_size = size;
     m_is_done.assign(size.jobs(), 0);
     m_search.m_set.make_room(size.most_additions, &m_team);
-    if (StateTree* const tree = m_search.m_tree.get()) {
-        tree->begin_sharing(size.most_additions, m_search.size(), m_team);
-    }
     m_room_left = static_cast<std::int64_t>(size.most_additions);
     m_steps = 0;
 }
 
 StateNumber CountingRound::explore() {
-    auto const found = [this] {
-        std::size_t all = 0;
-        for (CountingSearch::Worker const& each : m_search.m_workers) {
-            all += each.found.size();
-        }
-        return all;
-    };
     std::size_t const found_before = found();
     m_team.each(m_is_done.size(), [this](unsigned thread, std::size_t number) {
         explore_job(m_search.m_workers[thread], number);
     });
     m_search.m_set.note_additions(found() - found_before);
-    if (StateTree* const tree = m_search.m_tree.get()) {
-        tree->end_sharing();
-    }
     return put_behind();
+}
+
+std::size_t CountingRound::found() const noexcept {
+    std::size_t count = 0;
+    for (CountingSearch::Worker const& each : m_search.m_workers) {
+        count += each.found.size();
+    }
+    return count;
 }
 
 /// What it throws leaves the job to the owner.
 void CountingRound::explore_job(CountingSearch::Worker& worker, std::size_t number) noexcept try {
-    StateNumber const first = first_of_job(number);
-    StateNumber const last = std::min(first + m_size.sources, m_size.last);
     SearchJob& job = worker.job;
-    job.clear(m_search.form(), m_size.most_steps);
-    m_search.for_each(first, last, [&](Word const* kept) {
-        job.add_source(kept, m_tables.table(m_tables.configuration_of(m_search.first_word(kept))));
+    job.clear(CountingSearch::form, m_size.most_steps);
+    m_search.for_each(m_size.first_of(number), m_size.last_of(number), [&](Word const* kept) {
+        job.add_source(kept, m_table);
         return true;
     });
     job.search();
@@ -51,9 +42,8 @@ void CountingRound::explore_job(CountingSearch::Worker& worker, std::size_t numb
         return;
     }
     std::size_t const found_before = worker.found.size();
-    worker.look_up(m_search.m_set, [this](Word const* words, std::uint64_t hash) {
-        return m_search.m_set.find_or_add_shared(words, hash);
-    });
+    worker.look_up(m_search.m_set,
+                   [this](WordSet::Hash hash) { return m_search.m_set.find_or_add_shared(hash); });
     auto const added = static_cast<std::int64_t>(worker.found.size() - found_before);
     m_room_left.fetch_add(steps - added, std::memory_order_relaxed);
     m_steps.fetch_add(job.steps().size(), std::memory_order_relaxed);
@@ -65,13 +55,10 @@ void CountingRound::explore_job(CountingSearch::Worker& worker, std::size_t numb
 StateNumber CountingRound::put_behind() noexcept {
     StateNumber end = m_size.last;
     for (std::size_t number = m_is_done.size(); number-- > 0;) {
-        if (m_is_done[number] != 0) {
-            continue;
-        }
-        StateNumber const first = first_of_job(number);
-        for (StateNumber state = std::min(first + m_size.sources, m_size.last); state-- > first;) {
-            --end;
-            copy_words(m_search.words(state), m_search.words(end), m_search.m_set.width());
+        StateNumber state =
+            m_is_done[number] != 0 ? m_size.first_of(number) : m_size.last_of(number);
+        while (state > m_size.first_of(number)) {
+            m_search.at(--end) = m_search.at(--state);
         }
     }
     return end - m_size.first;

@@ -16,10 +16,9 @@ namespace Calder::StateSpace {
 class CountingRound {
   public:
     CountingRound(Team& team, CountingSearch& search, ConfigurationTables const& tables)
-        : m_team(team), m_search(search), m_tables(tables) {}
+        : m_team(team), m_search(search), m_table(tables.table(tables.configuration_of(Word{0}))) {}
 
-    /// Makes room. The tables of all configurations must be there, and states wide enough for them. Throws
-    /// std::bad_alloc where there is no memory for it, of which one thread needs less; nothing has changed then.
+    /// Makes room. Throws std::bad_alloc where there is no memory for it, of which one thread needs less; nothing has changed then.
     void begin(RoundSize const& size);
     /// Comes after that. How many of the states are explored; those that come behind them are left.
     StateNumber explore();
@@ -31,14 +30,12 @@ class CountingRound {
 
   private:
     void explore_job(CountingSearch::Worker& worker, std::size_t number) noexcept;
+    [[nodiscard]] std::size_t found() const noexcept;
     [[nodiscard]] StateNumber put_behind() noexcept;
-    [[nodiscard]] StateNumber first_of_job(std::size_t number) const noexcept {
-        return m_size.first + static_cast<StateNumber>(number) * m_size.sources;
-    }
 
     Team& m_team;
     CountingSearch& m_search;
-    ConfigurationTables const& m_tables;
+    SuccessorTable const& m_table;
     RoundSize m_size{};
     std::vector<unsigned char> m_is_done;      // by job
     std::atomic<std::int64_t> m_room_left = 0; // for additions

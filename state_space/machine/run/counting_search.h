@@ -3,17 +3,15 @@
 #include "state_space/machine/run/round_size.h"
 #include "state_space/machine/run/row_count.h"
 #include "state_space/machine/run/search_job.h"
-#include "state_space/machine/run/state_list.h"
-#include "state_space/machine/run/state_set.h"
+#include "state_space/machine/run/word_list.h"
+#include "state_space/machine/run/word_set.h"
 #include "state_space/machine/run_result.h"
-
-#include <memory>
 
 namespace Calder::StateSpace {
 
-/// A run that only counts states and transitions: the set of the states, of which those of this level and of the
-/// next one also wait in lists. By the number of a state is meant its place in the order in which states are
-/// explored, which is any order within a level.
+/// A run that only counts states and transitions, of a machine whose states are one word each, and stay so: the set
+/// of the states, of which those of this level and of the next one also wait in lists. By the number of a state
+/// is meant its place in the order in which states are explored, which is any order within a level.
 ///
 /// It is asked as a NumberedSearch is.
 class CountingSearch {
@@ -23,10 +21,10 @@ class CountingSearch {
     [[nodiscard]] StateNumber size() const noexcept { return m_set.size(); }
     [[nodiscard]] std::uint64_t transition_count() const noexcept;
     /// The words of each state.
-    [[nodiscard]] std::uint32_t width() const noexcept { return m_width; }
+    [[nodiscard]] std::uint32_t width() const noexcept { return form.width; }
 
-    /// Makes the states `width` words long, the new ones zero. Throws std::bad_alloc, and is then as before.
-    void widen(std::uint32_t width);
+    /// To what it is.
+    void widen(std::uint32_t /*width*/) noexcept {}
     /// The state in which the machine starts; false when it is one too many.
     bool add_start(std::vector<Word> const& words);
     /// All states before this one are explored, and all on its level are known.
@@ -36,86 +34,82 @@ class CountingSearch {
     template <typename Told> void for_each(StateNumber first, StateNumber last, Told&& told) const {
         m_level.for_each(first - m_level_begin, last - m_level_begin, told);
     }
-    [[nodiscard]] Word first_word(Word const* kept) const noexcept {
-        return m_tree ? m_tree->first_word(kept) : *kept;
-    }
+    [[nodiscard]] Word first_word(Word const* kept) const noexcept { return *kept; }
 
     /// @{
     /// One thread explores the states that come next: `begin_job` and the sources; then `take_job` looks their
     /// successors up, and returns for how many sources, before there was one state too many.
     SearchJob& begin_job(std::size_t most_steps) noexcept {
-        m_workers[0].job.clear(form(), most_steps);
+        m_workers[0].job.clear(form, most_steps);
         return m_workers[0].job;
     }
     StateNumber take_job();
     /// @}
 
     /// What more would be held at some moment while `additions` more steps are taken.
-    [[nodiscard]] std::uint64_t growth_bytes(std::uint64_t additions) const noexcept;
+    [[nodiscard]] std::uint64_t growth_bytes(std::uint64_t additions) const noexcept {
+        return m_set.growth_bytes(additions) +
+               additions * sizeof(Word); // each waits in a list, too
+    }
     /// What a round of so many steps and additions may take besides what there is.
-    [[nodiscard]] std::uint64_t round_bytes(std::uint64_t steps,
-                                            std::uint64_t additions) const noexcept;
+    [[nodiscard]] std::uint64_t round_bytes(std::uint64_t /*steps*/,
+                                            std::uint64_t additions) const noexcept {
+        return growth_bytes(additions);
+    }
 
-    void finish(Run& result);
+    void finish(Run& result) const noexcept { result.state_bytes = m_set.memory_bytes(); }
 
   private:
     friend class CountingRound;
 
+    static constexpr SearchJob::Form form{1, nullptr};
+
+    [[nodiscard]] Word& at(StateNumber state) noexcept { return m_level[state - m_level_begin]; }
+
     /// What a thread has for itself.
     struct alignas(64) Worker {
-        explicit Worker(std::uint32_t kept_width) : found(kept_width) {}
-
-        template <typename FindOrAdd> StateNumber look_up(StateSet const& set, FindOrAdd&& each);
+        template <typename FindOrAdd> StateNumber look_up(WordSet const& set, FindOrAdd&& each);
 
         SearchJob job;
-        StateList found; // of the next level
+        WordList found; // of the next level
         std::uint64_t transitions = 0;
         RowCount row_count;
     };
 
-    [[nodiscard]] Word* words(StateNumber state) const noexcept {
-        return m_level.words(state - m_level_begin);
-    }
-    [[nodiscard]] SearchJob::Form form() const noexcept { return {m_width, m_tree.get()}; }
-
     StateNumber const m_max_states;
-    std::uint32_t const m_most_plain_words;
-    unsigned const m_threads;
-    std::uint32_t m_width = 1;
-    std::unique_ptr<StateTree> m_tree; // null where the words are kept
-    StateSet m_set{1};
-    StateList m_level{1};
+    WordSet m_set;
+    WordList m_level;
     StateNumber m_level_begin = 0;
     std::vector<Worker> m_workers; // the first is the owner's
 };
 
-/// Looks up the successors of the job; `each(words, hash)` tells what StateSet says of one. Those that it adds are
-/// found. Throws std::bad_alloc: what was added by then is found, and no transition counted.
+/// Looks up the successors of the job; `each(hash)` tells what WordSet says of one. Those that it adds are found.
+/// Returns for how many sources, before there was one state too many; the transitions of these are counted. Throws
+/// std::bad_alloc: what was added by then is found, and no transition counted.
 template <typename FindOrAdd>
-StateNumber CountingSearch::Worker::look_up(StateSet const& set, FindOrAdd&& each) {
+StateNumber CountingSearch::Worker::look_up(WordSet const& set, FindOrAdd&& each) {
     constexpr std::size_t distance = 32;
     Steps const& steps = job.steps();
+    std::span<std::uint64_t const> const hashes = job.hashes();
     found.make_room(steps.size());
-    bool const has_others = set.width() > 1;
-    for (std::size_t step = 0; step < std::min(distance, steps.size()); ++step) {
-        set.prefetch(job.hash(step));
+    for (std::size_t step = 0; step < std::min(distance, hashes.size()); ++step) {
+        set.prefetch(hashes[step]);
     }
-    StateNumber done = 0;
     std::uint64_t counted = 0;
+    StateNumber done = 0;
     std::size_t first = 0;
     for (; done < job.source_count(); ++done) {
         std::size_t const last = job.row_end(done);
         for (std::size_t step = first; step < last; ++step) {
-            if (step + distance < steps.size()) {
-                set.prefetch(job.hash(step + distance));
+            if (step + distance < hashes.size()) {
+                set.prefetch(hashes[step + distance]);
             }
-            if (has_others && step + distance / 2 < steps.size()) {
-                set.prefetch_others(job.hash(step + distance / 2));
-            }
-            switch (each(steps.words(step), job.hash(step))) {
-            case StateSet::Found::known: break;
-            case StateSet::Found::added: found.add(steps.words(step)); break;
-            case StateSet::Found::one_too_many: transitions += counted; return done;
+            WordSet::Found const is = each(hashes[step]);
+            if (is == WordSet::Found::added) {
+                found.add(*steps.words(step));
+            } else if (is == WordSet::Found::one_too_many) {
+                transitions += counted;
+                return done;
             }
         }
         counted += row_count.of_row(steps, first, last);

@@ -3,7 +3,6 @@
 #include "state_space/machine/run/lateness.h"
 
 #include <algorithm>
-#include <new>
 
 namespace Calder::StateSpace {
 
@@ -19,18 +18,15 @@ constexpr std::uint64_t room_at_once(std::uint64_t known) noexcept {
 
 } // namespace
 
-NumberedKeys::Number NumberedKeys::add(Bucket& bucket, Bucket::Head head, Word const* key,
-                                       std::uint8_t tag) {
-    may_be_late();
+/// The next number, whose key is written before a bucket tells of it; no_state where there is no room.
+NumberedKeys::Number NumberedKeys::add(Word const* key) noexcept {
     Number const number = m_next.fetch_add(1, std::memory_order_relaxed);
     if (number >= m_end) {
         m_next.fetch_sub(1, std::memory_order_relaxed);
-        bucket.unlock(head);
-        throw std::bad_alloc();
+        return no_state;
     }
     copy_words(key, m_states.place_of(number), width());
     may_be_late();
-    bucket.append_and_unlock(head, number, tag);
     return number;
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "state_space/machine/run/patience.h"
-#include "state_space/machine/run/visited_states.h"
+#include "state_space/machine/run/find_or_append.h"
 
 #include <atomic>
+#include <new>
 
 namespace Calder::StateSpace {
 
@@ -26,7 +26,7 @@ class CALDER_STATE_SPACE_EXPORT NumberedKeys {
     [[nodiscard]] Word const* key(Number number) const noexcept { return m_states.words(number); }
 
     [[nodiscard]] std::uint64_t hash(Word const* key) const noexcept {
-        return hash_of_words(key, width());
+        return VisitedStates::hash(key, width());
     }
     void prefetch(std::uint64_t hash) const noexcept { m_states.prefetch_bucket(hash); }
 
@@ -47,7 +47,7 @@ class CALDER_STATE_SPACE_EXPORT NumberedKeys {
 
   private:
     void grow(std::uint64_t count, Team* team);
-    Number add(Bucket& bucket, Bucket::Head head, Word const* key, std::uint8_t tag);
+    Number add(Word const* key) noexcept;
 
     VisitedStates m_states;                     // knows of its size only when it grows
     alignas(64) std::atomic<Number> m_next = 0; // may go beyond the end
@@ -55,25 +55,16 @@ class CALDER_STATE_SPACE_EXPORT NumberedKeys {
 };
 
 inline NumberedKeys::Number NumberedKeys::find_or_add(Word const* key, std::uint64_t hash) {
-    std::uint8_t const tag = VisitedStates::tag_of(hash);
-    std::size_t place = m_states.bucket_of(hash);
-    for (Patience patience;;) {
-        Bucket& bucket = m_states.m_buckets[place];
-        Bucket::Head const head = bucket.shared_head();
-        for (unsigned rest = head.matches(tag); rest != 0; rest &= rest - 1) {
-            Number const known = bucket.shared_number(VisitedStates::first_of_set(rest));
-            if (m_states.is_state(known, key)) {
-                return known;
-            }
-        }
-        if (head.is_full()) {
-            place = m_states.next(place);
-        } else if (head.is_locked()) {
-            patience.wait();
-        } else if (bucket.lock(head)) { // nobody has added it meanwhile
-            return add(bucket, head, key, tag);
-        }
+    Number const number =
+        find_or_append(
+            m_states.m_buckets.get(), m_states.m_bucket_count, hash,
+            [&](Number known) { return m_states.is_state(known, key); },
+            [](std::size_t /*bucket*/, unsigned /*place*/) {}, [&] { return add(key); })
+            .first;
+    if (number == no_state) {
+        throw std::bad_alloc();
     }
+    return number;
 }
 
 } // namespace Calder::StateSpace

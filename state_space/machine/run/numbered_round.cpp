@@ -60,11 +60,9 @@ void NumberedRound::find(Worker& worker, std::size_t number) noexcept try {
     if (m_is_over.load(std::memory_order_relaxed)) {
         return;
     }
-    StateNumber const first = m_size.first + static_cast<StateNumber>(number) * m_size.sources;
-    StateNumber const last = std::min(first + m_size.sources, m_size.last);
     SearchJob& search = worker.search;
     search.clear(m_states.form(), m_size.most_steps);
-    for (StateNumber source = first; source < last; ++source) {
+    for (StateNumber source = m_size.first_of(number); source < m_size.last_of(number); ++source) {
         Word const* const kept = m_states.kept().words(source);
         search.add_source(kept,
                           m_tables.table(m_tables.configuration_of(m_states.first_word_of(kept))));

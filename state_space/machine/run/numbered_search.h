@@ -63,6 +63,7 @@ class NumberedSearch {
 
   private:
     friend class NumberedRound;
+    friend class UnorderedRound;
 
     StateNumber const m_max_states;
     unsigned const m_threads;

@@ -23,7 +23,7 @@ StateNumber ReachedStates::find_or_add(Word const* words, StateNumber max_states
         words = root.data();
     }
     m_kept.make_room(1);
-    return m_kept.find_or_add(words, hash_of_words(words, m_kept.width()), max_states);
+    return m_kept.find_or_add(words, VisitedStates::hash(words, m_kept.width()), max_states);
 }
 
 /// The states anew, each by its root.
@@ -33,7 +33,7 @@ void ReachedStates::plant_tree(std::uint32_t width) {
     roots.make_room(size());
     for (StateNumber state = 0; state < size(); ++state) {
         StateTree::Node const root = tree->root_of(words(state).data(), m_width);
-        roots.find_or_add(root.data(), hash_of_words(root.data(), roots.width()), no_state);
+        roots.find_or_add(root.data(), VisitedStates::hash(root.data(), roots.width()), no_state);
     }
     m_kept = std::move(roots);
     m_tree = std::move(tree);

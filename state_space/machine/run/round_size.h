@@ -3,6 +3,7 @@
 #include "state_space/export.h"
 #include "state_space/search_monitor.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace Calder::StateSpace {
@@ -44,6 +45,15 @@ struct RoundSize {
     [[nodiscard]] std::size_t jobs() const noexcept {
         return (last - first + sources - 1) / sources;
     }
+    /// @{
+    /// The states of a job: from the first one up to the last.
+    [[nodiscard]] StateNumber first_of(std::size_t job) const noexcept {
+        return first + static_cast<StateNumber>(job) * sources;
+    }
+    [[nodiscard]] StateNumber last_of(std::size_t job) const noexcept {
+        return std::min(first_of(job) + sources, last);
+    }
+    /// @}
 };
 
 /// How many states make a job, by how many transitions they had so far.

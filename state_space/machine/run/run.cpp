@@ -3,6 +3,7 @@
 #include "state_space/machine/machine_refusal.h"
 #include "state_space/machine/run/counting_round.h"
 #include "state_space/machine/run/numbered_round.h"
+#include "state_space/machine/run/unordered_round.h"
 
 #include <algorithm>
 #include <new>
@@ -12,31 +13,36 @@ namespace Calder::StateSpace {
 
 namespace {
 
+/// Does work that a limit, or whoever watches, may end, or that may refuse the machine: then the monitor knows, or the
+/// result.
+template <typename Work> void do_guarded(SearchMonitor& monitor, Run& result, Work&& work) {
+    try {
+        work();
+    } catch (std::bad_alloc const&) {
+        monitor.stop(Outcome::memory_limit);
+    } catch (MachineRefusal const& refusal) {
+        result.refusal = refusal.what();
+    } catch (SearchEnded const&) { // the monitor knows why
+    }
+}
+
 /// Explores job by job, by one thread, where there is little to explore, and otherwise round by round. What is
-/// found is up to the search: NumberedSearch, whose rounds are NumberedRound, or CountingSearch and
-/// CountingRound.
+/// found is up to the search, and what several threads do to the round: see `run`.
 template <typename Search, typename Round> class Runner {
   public:
-    Runner(ConfigurationTables& tables, RunOptions const& options, Cut const& cut)
-        : m_tables(tables), m_options(options), m_cut(cut), m_search(options, cut) {}
+    /// The table of the first configuration must be there.
+    Runner(ConfigurationTables& tables, RunOptions const& options, Cut const& cut,
+           SearchMonitor& monitor)
+        : m_tables(tables), m_options(options), m_cut(cut), m_monitor(monitor),
+          m_search(options, cut) {}
 
-    Run run() {
-        Run result;
-        try {
-            explore_all();
-        } catch (std::bad_alloc const&) {
-            m_monitor.stop(Outcome::memory_limit);
-        } catch (MachineRefusal const& refusal) {
-            result.refusal = refusal.what();
-        } catch (SearchEnded const&) { // the monitor knows why
-        }
+    void run(Run& result) {
+        do_guarded(m_monitor, result, [this] { explore_all(); });
         m_round.reset();
         m_team.reset();
         result.state_count = m_search.size();
         result.transition_count = m_search.transition_count();
-        result.outcome = m_monitor.outcome();
         m_search.finish(result);
-        return result;
     }
 
   private:
@@ -58,7 +64,7 @@ template <typename Search, typename Round> class Runner {
     ConfigurationTables& m_tables;
     RunOptions const& m_options;
     Cut const m_cut;
-    SearchMonitor m_monitor{m_options, SearchMonitor::longest_for_machines};
+    SearchMonitor& m_monitor;
     Search m_search;
     std::optional<Team> m_team; // from the first round on
     std::optional<Round> m_round;
@@ -77,7 +83,6 @@ template <typename Search, typename Round> void Runner<Search, Round>::explore_a
 }
 
 template <typename Search, typename Round> bool Runner<Search, Round>::add_start() {
-    m_tables.make_first(m_monitor);
     m_search.widen(m_tables.width());
     m_level_end = 1;
     return m_search.add_start(m_tables.start()) || m_monitor.stop(Outcome::state_limit);
@@ -219,10 +224,16 @@ template <typename Search, typename Round> bool Runner<Search, Round>::look_arou
         m_search.growth_bytes(ahead));
 }
 
-/// Numbers are needed for transitions, and so that a limit on states ends a run at the same transition with any
+/// Numbers matter for transitions, and so that a limit on states ends a run at the same transition with any
 /// number of threads.
-bool needs_numbers(RunOptions const& options) {
+bool do_numbers_matter(RunOptions const& options) {
     return options.keep_transitions || (options.threads > 1 && options.max_states < no_state);
+}
+
+template <typename Search, typename Round> void run_as(ConfigurationTables& tables,
+                                                       RunOptions const& options, Cut const& cut,
+                                                       SearchMonitor& monitor, Run& result) {
+    Runner<Search, Round>(tables, options, cut, monitor).run(result);
 }
 
 } // namespace
@@ -237,9 +248,22 @@ Run run_of(Exploration exploration) {
 }
 
 Run run(ConfigurationTables& tables, RunOptions const& options, Cut const& cut) {
-    return needs_numbers(options)
-               ? Runner<NumberedSearch, NumberedRound>(tables, options, cut).run()
-               : Runner<CountingSearch, CountingRound>(tables, options, cut).run();
+    Run result;
+    SearchMonitor monitor(options, SearchMonitor::longest_for_machines);
+    bool is_ready = false;
+    do_guarded(monitor, result, [&] {
+        tables.make_first(monitor);
+        is_ready = true;
+    });
+    if (is_ready) {
+        auto const run_so = do_numbers_matter(options) ? run_as<NumberedSearch, NumberedRound>
+                            : tables.is_static() && tables.width() == 1
+                                ? run_as<CountingSearch, CountingRound>
+                                : run_as<NumberedSearch, UnorderedRound>;
+        run_so(tables, options, cut, monitor, result);
+    }
+    result.outcome = monitor.outcome();
+    return result;
 }
 
 } // namespace Calder::StateSpace

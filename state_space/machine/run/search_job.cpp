@@ -1,5 +1,7 @@
 #include "state_space/machine/run/search_job.h"
 
+#include "state_space/machine/run/visited_states.h"
+
 namespace Calder::StateSpace {
 
 void SearchJob::clear(Form form, std::size_t most_steps) noexcept {
@@ -51,7 +53,7 @@ void SearchJob::append_roots() {
 void SearchJob::hash_steps() {
     m_hashes.resize(m_steps.size());
     for (std::size_t step = 0; step < m_steps.size(); ++step) {
-        m_hashes[step] = hash_of_words(m_steps.words(step), m_steps.width());
+        m_hashes[step] = VisitedStates::hash(m_steps.words(step), m_steps.width());
     }
 }
 

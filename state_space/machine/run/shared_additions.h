@@ -1,9 +1,7 @@
 #pragma once
 
-#include "state_space/machine/run/lateness.h"
-#include "state_space/machine/run/patience.h"
+#include "state_space/machine/run/find_or_append.h"
 #include "state_space/machine/run/prefetch.h"
-#include "state_space/machine/run/visited_states.h"
 
 namespace Calder::StateSpace {
 
@@ -139,36 +137,17 @@ class CALDER_STATE_SPACE_EXPORT SharedAdditions {
 
 inline SharedAdditions::Found SharedAdditions::find_or_add(Word const* words, std::uint64_t hash,
                                                            Place place, Adder& adder) noexcept {
-    std::uint8_t const tag = VisitedStates::tag_of(hash);
-    std::size_t number = bucket_of(hash);
-    for (Patience patience;;) {
-        Bucket& bucket = m_buckets[number];
-        Bucket::Head const head = bucket.shared_head();
-        for (unsigned rest = head.matches(tag); rest != 0; rest &= rest - 1) {
-            StateNumber const known = bucket.shared_number(VisitedStates::first_of_set(rest));
-            if (is_state(known, words)) {
-                return meet(known, place);
-            }
-        }
-        if (head.is_full()) {
-            number = number + 1 == m_bucket_count ? 0 : number + 1;
-        } else if (head.is_locked()) {
-            patience.wait();
-        } else {
+    auto const [state, is_new] = find_or_append(
+        m_buckets, m_bucket_count, hash, [&](StateNumber known) { return is_state(known, words); },
+        [&](std::size_t bucket, unsigned in_bucket) {
             StateNumber const addition = free_record(adder);
             Word* const own = record(addition);
             own[order_word] = place;
-            entry(addition) = Word{number} << entry_bits | head.count();
+            entry(addition) = Word{bucket} << entry_bits | in_bucket;
             copy_words(words, own + head_words, m_width);
-            may_be_late();
-            if (bucket.lock(head)) { // nobody has added it meanwhile
-                may_be_late();
-                bucket.append_and_unlock(head, addition, tag);
-                ++adder.next;
-                return {addition, true};
-            }
-        }
-    }
+        },
+        [&] { return m_first + static_cast<StateNumber>(adder.next++); });
+    return is_new ? Found{state, true} : meet(state, place);
 }
 
 } // namespace Calder::StateSpace

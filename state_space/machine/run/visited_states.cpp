@@ -103,7 +103,7 @@ void VisitedStates::fill_from(StateNumber first, StateNumber last, Insert each) 
     StateNumber hashed = first;
     for (StateNumber state = first; state < last; ++state) {
         for (; hashed < last && hashed < state + fill_distance; ++hashed) {
-            hashes[hashed % fill_distance] = hash_of_words(words(hashed), m_width);
+            hashes[hashed % fill_distance] = hash(words(hashed), m_width);
             prefetch_bucket(hashes[hashed % fill_distance]);
         }
         each(state, hashes[state % fill_distance]);

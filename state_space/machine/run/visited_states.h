@@ -4,7 +4,8 @@
 #include "state_space/export.h"
 #include "state_space/labelled_transition_system.h"
 #include "state_space/machine/run/bucket.h"
-#include "state_space/machine/run/word_hash.h"
+#include "state_space/machine/run/layout.h"
+#include "state_space/mix.h"
 
 #include <array>
 #include <bit>
@@ -36,6 +37,31 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
     [[nodiscard]] std::uint32_t width() const noexcept { return m_width; }
 
     [[nodiscard]] Word const* words(StateNumber state) const noexcept { return place_of(state); }
+
+    /// Word by word a multiplication, its high half brought down before the next, and at the end a
+    /// thorough mixing: a bucket is taken from the upper bits, a tag from the lower ones.
+    [[nodiscard]] static std::uint64_t hash(Word const* words, std::uint32_t width) noexcept {
+        std::uint64_t folded = words[0];
+        for (std::uint32_t i = 1; i < width; ++i) {
+            folded = ((folded ^ (folded >> 32)) * 0x9e3779b97f4a7c15) ^ words[i];
+        }
+        return mix(folded);
+    }
+
+    /// @{
+    /// Where a hash belongs: in which of so many buckets, and by which tag there.
+    [[nodiscard]] static std::size_t bucket_of(std::uint64_t hash,
+                                               std::size_t bucket_count) noexcept {
+        return static_cast<std::size_t>(((hash >> 32) * bucket_count) >> 32);
+    }
+    [[nodiscard]] static std::uint8_t tag_of(std::uint64_t hash) noexcept {
+        return static_cast<std::uint8_t>(hash);
+    }
+    /// @}
+    /// The lowest of some bits, of which there must be one.
+    [[nodiscard]] static unsigned first_of_set(unsigned bits) noexcept {
+        return static_cast<unsigned>(std::countr_zero(bits));
+    }
 
     void prefetch_bucket(std::uint64_t hash) const noexcept {
         __builtin_prefetch(&m_buckets[bucket_of(hash)]);
@@ -94,6 +120,7 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
   private:
     friend class NumberedKeys;
     friend class SharedAdditions;
+    friend class UnorderedAdditions;
 
     static constexpr unsigned first_block_bits = 10;
 
@@ -107,17 +134,8 @@ class CALDER_STATE_SPACE_EXPORT VisitedStates {
         return std::size_t{1} << (first_block_bits + (block == 0 ? 0 : block - 1));
     }
 
-    static std::size_t bucket_of(std::uint64_t hash, std::size_t bucket_count) noexcept {
-        return static_cast<std::size_t>(((hash >> 32) * bucket_count) >> 32);
-    }
     [[nodiscard]] std::size_t bucket_of(std::uint64_t hash) const noexcept {
         return bucket_of(hash, m_bucket_count);
-    }
-    static std::uint8_t tag_of(std::uint64_t hash) noexcept {
-        return static_cast<std::uint8_t>(hash);
-    }
-    static unsigned first_of_set(unsigned bits) noexcept {
-        return static_cast<unsigned>(std::countr_zero(bits));
     }
     [[nodiscard]] std::size_t next(std::size_t bucket) const noexcept {
         return bucket + 1 == m_bucket_count ? 0 : bucket + 1;

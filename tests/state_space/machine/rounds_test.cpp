@@ -284,12 +284,12 @@ TEST(MachineVisitedStates, of_a_table_filled_by_a_team_are_all_found) {
     states.make_room(200'000);
     for (Word word = 0; word < 200'000; ++word) {
         Word const spread = word << 20;
-        states.find_or_add(&spread, hash_of_words(&spread, 1), no_state);
+        states.find_or_add(&spread, VisitedStates::hash(&spread, 1), no_state);
     }
     states.make_room(3'000'000, &team);
     for (Word word = 0; word < 200'000; ++word) {
         Word const spread = word << 20;
-        ASSERT_EQ(states.find_or_add(&spread, hash_of_words(&spread, 1), 0), word);
+        ASSERT_EQ(states.find_or_add(&spread, VisitedStates::hash(&spread, 1), 0), word);
     }
 }
 

@@ -39,8 +39,8 @@ TEST(MachineVisitedStates, are_numbered_like_the_entries_of_a_map_also_when_they
             auto const known = reference.find(words);
             states.make_room(i % 1000 == 0 ? 3000 : 1);
             StateNumber const size = states.size();
-            StateNumber const found =
-                states.find_or_add(words.data(), hash_of_words(words.data(), width), max_states);
+            StateNumber const found = states.find_or_add(
+                words.data(), VisitedStates::hash(words.data(), width), max_states);
             if (known != reference.end()) {
                 ASSERT_EQ(found, known->second) << "width " << width << " step " << i;
             } else if (max_states == size) {

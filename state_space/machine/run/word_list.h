@@ -5,16 +5,13 @@
 #include "state_space/machine/run/layout.h"
 
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 namespace Calder::StateSpace {
 
-/// States that wait to be explored, by what is kept of them, one behind another in chunks that never move.
-class CALDER_STATE_SPACE_EXPORT StateList {
+/// States of one word that wait to be explored, one behind another in chunks that never move.
+class CALDER_STATE_SPACE_EXPORT WordList {
   public:
-    explicit StateList(std::uint32_t width) : m_width(width) {}
-
     [[nodiscard]] std::size_t size() const noexcept { return m_size; }
 
     /// For so many more, which are then added without a look at the room. Throws std::bad_alloc.
@@ -23,38 +20,35 @@ class CALDER_STATE_SPACE_EXPORT StateList {
             add_chunk(count);
         }
     }
-    void add(Word const* words) noexcept {
+    void add(Word word) noexcept {
         Chunk* chunk = &m_chunks[m_filling];
         if (chunk->size == chunk->capacity) {
             chunk = &m_chunks[++m_filling];
             chunk->first = m_size;
         }
-        copy_words(words, &chunk->words[chunk->size++ * m_width], m_width);
+        chunk->words[chunk->size++] = word;
         ++m_size;
         --m_room;
     }
 
-    /// Adds all of another list, which is empty then; they stay where they are. Throws std::bad_alloc.
-    void take(StateList& other);
+    /// Adds all of another list, which is empty then; they stay where they are. Throws std::bad_alloc, and both are
+    /// then as before.
+    void take(WordList& other);
+    void clear() noexcept;
 
-    /// The state at a place.
-    [[nodiscard]] Word* words(std::size_t place) const noexcept;
-    /// Calls `told(words)` for those from `first` up to `last`, until it returns false.
+    /// At a place.
+    [[nodiscard]] Word& operator[](std::size_t place) noexcept;
+    /// Calls `told(word)` for those from `first` up to `last`, where they stand, until it returns false.
     template <typename Told> void for_each(std::size_t first, std::size_t last, Told&& told) const {
         for (std::size_t place = first; place < last;) {
-            Chunk const& chunk = chunk_of(place);
+            Chunk const& chunk = m_chunks[chunk_of(place)];
             std::size_t const end = std::min(last, chunk.first + chunk.size);
             for (; place < end; ++place) {
-                if (!told(&chunk.words[(place - chunk.first) * m_width])) {
+                if (!told(&chunk.words[place - chunk.first])) {
                     return;
                 }
             }
         }
-    }
-    void clear() noexcept;
-
-    [[nodiscard]] std::uint64_t memory_bytes() const noexcept {
-        return (m_size + m_room) * m_width * sizeof(Word);
     }
 
   private:
@@ -62,17 +56,16 @@ class CALDER_STATE_SPACE_EXPORT StateList {
         LargeArray<Word> words;
         std::size_t capacity;
         std::size_t size;
-        std::size_t first; // place of its first state, once it has one
+        std::size_t first; // place of its first word, once it has one
     };
 
     void add_chunk(std::size_t count);
-    [[nodiscard]] Chunk const& chunk_of(std::size_t place) const noexcept;
+    [[nodiscard]] std::size_t chunk_of(std::size_t place) const noexcept;
 
-    std::uint32_t m_width;
     std::vector<Chunk> m_chunks;
-    std::size_t m_filling = 0; // the chunk; those before it have states
+    std::size_t m_filling = 0; // the chunk; those before it have words
     std::size_t m_size = 0;
-    std::size_t m_room = 0; // for states, from there on
+    std::size_t m_room = 0; // for words, from there on
 };
 
 } // namespace Calder::StateSpace
