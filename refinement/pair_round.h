@@ -10,7 +10,7 @@
 
 namespace Calder::Refinement {
 
-/// Explores some pairs in a row by all threads of a team, as SharedRound explores states: what it finds has the
+/// Explores some pairs in a row by all threads of a team, as NumberedRound explores states: what it finds has the
 /// numbers, the parents and the order afterwards that one thread alone would have given it.
 ///
 /// Besides that, a search asks its observer, who belongs to one thread and may have to think. In a round, threads
