@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <numeric>
 
 namespace Calder {
 
@@ -18,14 +20,23 @@ namespace Calder {
     return b * multiplier;
 }
 
+/// With what the code of a sequence begins.
+[[nodiscard]] constexpr std::uint64_t hash_of_length(std::size_t length) noexcept {
+    return hash_combine(0xc1, length);
+}
+
+/// What each element contributes, in order, mixed into the code of those before them.
+template <typename Iterator, typename Word>
+std::uint64_t hash_elements(std::uint64_t before, Iterator first, Iterator last, Word const& word) {
+    return std::accumulate(first, last, before, [&](std::uint64_t hash, auto const& element) {
+        return hash_combine(hash, word(element));
+    });
+}
+
 /// The length of a sequence and what each element contributes, in order, mixed.
 template <typename Sequence, typename Word>
 std::uint64_t hash_sequence(Sequence const& elements, Word const& word) {
-    std::uint64_t hash = hash_combine(0xc1, elements.size());
-    for (auto const& element : elements) {
-        hash = hash_combine(hash, word(element));
-    }
-    return hash;
+    return hash_elements(hash_of_length(elements.size()), elements.begin(), elements.end(), word);
 }
 
 /// The same of pairs of numbers.

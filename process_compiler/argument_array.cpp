@@ -29,6 +29,21 @@ std::uint64_t hash_arguments(ProcessArray const& arguments) {
     return hash_sequence(arguments, hash_of);
 }
 
+SuccessorHash::SuccessorHash(ProcessArray const& arguments)
+    : m_arguments(&arguments), m_hash(hash_of_length(arguments.size())) {}
+
+std::uint64_t SuccessorHash::with(std::size_t index, ProcessPointer const& replacement) {
+    watch_recursion();
+    if (index < m_mixed) {
+        *this = SuccessorHash(*m_arguments);
+    }
+    ProcessPointer const* const arguments = m_arguments->begin();
+    m_hash = hash_elements(m_hash, arguments + m_mixed, arguments + index, hash_of);
+    m_mixed = index;
+    return hash_elements(hash_combine(m_hash, hash_of(replacement)), arguments + index + 1,
+                         m_arguments->end(), hash_of);
+}
+
 bool arguments_equal(ProcessArray const& left, ProcessArray const& right) {
     return equal_arrays(left, right, [](ProcessPointer const& mine, ProcessPointer const& theirs) {
         return mine == theirs || *mine == *theirs;
