@@ -24,10 +24,31 @@ template <typename T> void build_copies(T const* from, std::size_t count, T* to)
     std::uninitialized_copy_n(from, count, to);
 }
 
+/// With `replacement` in the place of the one at `index`.
+template <typename T> void build_copies(T const* from, std::size_t count, T* to, std::size_t index,
+                                        T const& replacement) {
+    std::size_t const before = std::min(index, count);
+    T* built = to;
+    try {
+        build_copies(from, before, to);
+        built = to + before;
+        if (before < count) {
+            ::new (static_cast<void*>(built)) T(replacement);
+            ++built;
+            build_copies(from + before + 1, count - before - 1, built);
+        }
+    } catch (...) {
+        std::destroy(to, built);
+        throw;
+    }
+}
+
+/// @{
 /// Of counted pointers, any of which may be null: a successor copies all the arguments of its term
-/// but one, and whether counting has to be atomic is asked once for all.
+/// but one. Whether counting has to be atomic is asked once for all, and the one is replaced in the
+/// end, as a loop of always the same length is foreseen by the processor.
 template <typename Object>
-    requires std::derived_from<Object, AtomicReferenceCounted>
+requires std::derived_from<Object, AtomicReferenceCounted>
 void build_copies(boost::intrusive_ptr<Object> const* from, std::size_t count,
                   boost::intrusive_ptr<Object>* to) noexcept {
     bool const alone = AtomicReferenceCounted::is_alone();
@@ -39,6 +60,17 @@ void build_copies(boost::intrusive_ptr<Object> const* from, std::size_t count,
         ::new (static_cast<void*>(to + i)) boost::intrusive_ptr<Object>(object, false);
     }
 }
+template <typename Object>
+requires std::derived_from<Object, AtomicReferenceCounted>
+void build_copies(boost::intrusive_ptr<Object> const* from, std::size_t count,
+                  boost::intrusive_ptr<Object>* to, std::size_t index,
+                  boost::intrusive_ptr<Object> const& replacement) noexcept {
+    build_copies(from, count, to);
+    if (index < count) {
+        to[index] = replacement;
+    }
+}
+/// @}
 
 /// An array whose length is fixed when it is made.
 ///
@@ -126,8 +158,9 @@ template <typename T> class FixedArray {
     }
     FixedArray(Room room, FixedArray const& other, std::size_t index, T const& replacement)
         : m_elements(allocate(room, other.m_length)) {
-        build(other.m_length,
-              [&](T* to) { build_with_replacement(other, index, replacement, to); });
+        build(other.m_length, [&](T* to) {
+            build_copies(other.m_elements, other.m_length, to, index, replacement);
+        });
     }
     /// @}
 
@@ -153,25 +186,6 @@ template <typename T> class FixedArray {
 
     [[nodiscard]] static T* allocate(Room room, std::size_t length) {
         return length <= room.length ? static_cast<T*>(room.storage) : allocate(length);
-    }
-
-    static void build_with_replacement(FixedArray const& other, std::size_t index,
-                                       T const& replacement, T* to) {
-        T const* const begin = other.m_elements;
-        std::size_t const before = std::min(index, other.m_length);
-        T* built = to;
-        try {
-            build_copies(begin, before, to);
-            built = to + before;
-            if (before < other.m_length) {
-                ::new (static_cast<void*>(built)) T(replacement);
-                ++built;
-                build_copies(begin + before + 1, other.m_length - before - 1, built);
-            }
-        } catch (...) {
-            std::destroy(to, built);
-            throw;
-        }
     }
 
     /// `build_in` has built nothing where it throws.

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <numeric>
 
 namespace Calder {
 
@@ -25,18 +24,14 @@ namespace Calder {
     return hash_combine(0xc1, length);
 }
 
-/// What each element contributes, in order, mixed into the code of those before them.
-template <typename Iterator, typename Word>
-std::uint64_t hash_elements(std::uint64_t before, Iterator first, Iterator last, Word const& word) {
-    return std::accumulate(first, last, before, [&](std::uint64_t hash, auto const& element) {
-        return hash_combine(hash, word(element));
-    });
-}
-
 /// The length of a sequence and what each element contributes, in order, mixed.
 template <typename Sequence, typename Word>
 std::uint64_t hash_sequence(Sequence const& elements, Word const& word) {
-    return hash_elements(hash_of_length(elements.size()), elements.begin(), elements.end(), word);
+    std::uint64_t hash = hash_of_length(elements.size());
+    for (auto const& element : elements) {
+        hash = hash_combine(hash, word(element));
+    }
+    return hash;
 }
 
 /// The same of pairs of numbers.

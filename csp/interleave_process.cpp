@@ -30,8 +30,7 @@ bool InterleaveProcess::visit_transitions(NamedProcessSource const& source,
                               step.able_to_terminate += step.able_to_terminate == step.moving;
                               return true;
                           }
-                          return step.visitor(event,
-                                              step.successors.with(step.moving, successor));
+                          return step.visitor(event, step.successors.with(step.moving, successor));
                       }) &&
            (step.able_to_terminate != argument_count() || visitor(tick, shared_stop));
 }

@@ -55,8 +55,8 @@ template <typename Construct> class NaryProcess : public ShapedProcess<Construct
     NaryProcess(ProcessArray const& arguments, unsigned index, ProcessPointer const& replacement)
         : m_arguments(arguments, index, replacement) {}
 
-    /// What makes the successors of a term in which one argument moves. Who explores asks each of them for
-    /// its code, and most of that is known from the one before.
+    /// What makes the successors of a term in which one argument moves. Who explores asks each of them
+    /// for its code, much of which is known from the one before.
     class Successors {
       public:
         /// Of the term with these arguments, which must outlive it.
@@ -65,11 +65,12 @@ template <typename Construct> class NaryProcess : public ShapedProcess<Construct
 
         /// With the argument at `index` replaced; indices should ascend.
         [[nodiscard]] ProcessPointer with(unsigned index, ProcessPointer const& replacement) {
-            boost::intrusive_ptr<Construct> const made(
-                new Construct(m_arguments, index, replacement));
-            made->m_hash.keep(
-                hash_combine(Construct::shape.hash_seed, m_hash.with(index, replacement)));
-            return made;
+            auto* const made = new Construct(m_arguments, index, replacement);
+            ProcessPointer held(made);
+            if (auto const hash = m_hash.with(index, replacement)) {
+                made->m_hash.keep(hash_combine(Construct::shape.hash_seed, *hash));
+            }
+            return held;
         }
 
       private:

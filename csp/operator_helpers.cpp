@@ -2,6 +2,7 @@
 
 #include "csp/colours.h"
 #include "csp/shared_stop.h"
+#include "process_compiler/recursion_watch.h"
 
 #include <algorithm>
 
@@ -12,15 +13,18 @@ namespace {
 /// Moves `start` on to the first entry on `event` and sets `end` behind the last one. False when
 /// there is none; `start` is then where the search for a later event goes on.
 bool advance_to_run(SyncVector const& vector, unsigned event, unsigned& start, unsigned& end) {
-    auto const size = static_cast<unsigned>(vector.size());
-    while (start < size && vector[start].first < event) {
-        ++start;
+    auto const begin = vector.begin();
+    auto first = begin + start;
+    while (first != vector.end() && first->first < event) {
+        ++first;
     }
-    end = start;
-    while (end < size && vector[end].first == event) {
-        ++end;
+    auto last = first;
+    while (last != vector.end() && last->first == event) {
+        ++last;
     }
-    return end > start;
+    start = static_cast<unsigned>(first - begin);
+    end = static_cast<unsigned>(last - begin);
+    return last != first;
 }
 
 bool has_lower_event(std::pair<unsigned, ProcessPointer> const& left,
@@ -34,9 +38,24 @@ bool offer_combinations(ProcessArray const& arguments, SyncVectors const& vector
                         ProcessArray& joint_arguments, IndexArray& current,
                         TransitionVisitor const& callback, unsigned event,
                         OperatorPointer const& op) {
+    // Of two arguments, as most operators have, the term is built from where their successors stand:
+    // copies would only be counted, copied again and dropped.
+    bool const are_two = arguments.size() == 2;
+    auto const chosen = [&](std::size_t argument) -> ProcessPointer const& {
+        return vectors[argument][current[argument]].second;
+    };
     auto const choose = [&](std::size_t argument, unsigned position) {
         current[argument] = position;
-        joint_arguments[argument] = vectors[argument][position].second;
+        if (!are_two) {
+            joint_arguments[argument] = chosen(argument);
+        }
+    };
+    auto const joint = [&]() -> ProcessPointer {
+        if (!are_two) {
+            return new OperatorProcess(op, joint_arguments);
+        }
+        watch_recursion(); // of one visit there may be any number
+        return new OperatorProcess(op, chosen(0), chosen(1));
     };
     for (std::size_t argument = 0; argument < arguments.size(); ++argument) {
         choose(argument, start[argument]);
@@ -44,7 +63,7 @@ bool offer_combinations(ProcessArray const& arguments, SyncVectors const& vector
     while (true) {
         if (event == tick) {
             callback(tick, shared_stop);
-        } else if (!callback(event, new OperatorProcess(op, joint_arguments))) {
+        } else if (!callback(event, joint())) {
             return false;
         }
         std::size_t argument = arguments.size() - 1;

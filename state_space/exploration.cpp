@@ -164,15 +164,19 @@ void Explorer::settle() {
             m_states.prefetch_term(taken.sought.candidate);
         }
     });
-    std::for_each(begin, end, [this](Taken const& taken) {
+    std::for_each(begin, end, [this](Taken& taken) {
         if (taken.successor) {
-            m_states.prefetch_arguments(taken.sought.candidate, taken.successor.get());
+            m_states.find_argument(taken.sought, *taken.successor);
         }
+    });
+    std::for_each(begin, end, [](Taken const& taken) {
+        StateTable::prefetch_arguments_of(taken.sought.argument);
     });
     for (auto taken = begin; taken != end && m_monitor.outcome() == Outcome::complete; ++taken) {
         if (taken->successor) {
             settle(*taken);
             taken->successor.reset();
+            taken->sought.argument = nullptr;
         } else {
             m_builder.end_row();
         }
@@ -199,7 +203,10 @@ void Explorer::prefetch_after(StateNumber state) const {
     constexpr StateNumber arguments_ahead = 2;
     if (state + terms_ahead < m_states.size()) {
         m_states.prefetch_term(state + terms_ahead);
-        m_states.prefetch_arguments(state + arguments_ahead);
+        Process const& term = *m_states.term(state + arguments_ahead);
+        if (term.argument_count() > 0) {
+            __builtin_prefetch(term.argument(0).get());
+        }
     }
 }
 

@@ -15,13 +15,6 @@ using ProcessCompiler::ProcessPointer;
 namespace {
 
 constexpr unsigned first_slot_bits = 8;
-constexpr unsigned tag_bits = 32;
-/// Arguments of a term; few constructs whose terms are states have more.
-constexpr unsigned most_prefetched = 2;
-
-std::uint32_t tag_of(std::uint64_t hash) {
-    return static_cast<std::uint32_t>(mix(hash) >> tag_bits);
-}
 
 /// Most terms take two cache lines.
 void prefetch_object(void const* object) {
@@ -75,14 +68,6 @@ StateNumber StateTable::find_or_add_in_slot(ProcessPointer const& term, std::uin
     return size() - 1;
 }
 
-StateTable::Sought StateTable::seek(std::uint64_t hash) const noexcept {
-    Sought const sought{hash, tag_of(hash), no_state};
-    if (!m_slots.empty()) {
-        __builtin_prefetch(&m_slots[first_slot(sought.tag)]);
-    }
-    return sought;
-}
-
 void StateTable::find_candidate(Sought& sought) const noexcept {
     if (m_slots.empty()) {
         return;
@@ -105,18 +90,30 @@ void StateTable::prefetch_term(StateNumber candidate) const noexcept {
     }
 }
 
-void StateTable::prefetch_arguments(StateNumber candidate, Process const* term) const {
-    if (candidate == no_state) {
+/// A candidate with another code is none.
+void StateTable::find_argument(Sought& sought, Process const& term) const {
+    if (sought.candidate == no_state) {
         return;
     }
-    Process const& known = *m_terms[candidate];
-    unsigned const count = std::min(known.argument_count(), most_prefetched);
-    bool const like = term != nullptr && term->argument_count() == known.argument_count();
+    Process const& known = *m_terms[sought.candidate];
+    if (known.kept_hash() != sought.hash) {
+        sought.candidate = no_state;
+        return;
+    }
+    unsigned const count = std::min(known.argument_count(), term.argument_count());
     for (unsigned index = 0; index < count; ++index) {
         Process const* const argument = known.argument(index).get();
-        if (!like || argument != term->argument(index).get()) {
+        if (argument != term.argument(index).get()) {
             prefetch_object(argument);
+            sought.argument = argument;
+            return;
         }
+    }
+}
+
+void StateTable::prefetch_arguments_of(Process const* term) {
+    if (term != nullptr && term->argument_count() > 0) {
+        __builtin_prefetch(&term->argument(0));
     }
 }
 
@@ -141,11 +138,6 @@ std::uint64_t StateTable::growth_bytes(std::uint64_t additions) const noexcept {
 /// cache line or two.
 bool StateTable::must_grow_for(std::uint64_t states) const noexcept {
     return states * 3 > std::uint64_t{m_slots.size()} * 2;
-}
-
-std::size_t StateTable::first_slot(std::uint32_t tag) const noexcept {
-    return m_slot_bits <= tag_bits ? tag >> (tag_bits - m_slot_bits)
-                                   : std::size_t{tag} << (m_slot_bits - tag_bits);
 }
 
 /// The slot that has the term, or the free one that it belongs into.
