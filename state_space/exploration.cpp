@@ -55,6 +55,7 @@ class Explorer {
     bool take(unsigned event, ProcessPointer const& successor);
     void end_row();
     void settle();
+    void prefetch(Taken* begin, Taken* end) const;
     void settle(Taken const& taken);
     void prefetch_after(StateNumber state) const;
     bool look_around();
@@ -152,8 +153,25 @@ void Explorer::end_row() {
 /// Finds the states of what was taken, in that order. One by one, each would wait for memory
 /// several times, as most of what is compared lies anywhere in all that was found.
 void Explorer::settle() {
-    auto const begin = m_taken.begin();
-    auto const end = begin + static_cast<std::ptrdiff_t>(std::exchange(m_taken_count, 0));
+    constexpr std::ptrdiff_t few = 3; // come too late for each other
+    Taken* const begin = m_taken.data();
+    Taken* const end = begin + std::exchange(m_taken_count, 0);
+    if (end - begin > few) {
+        prefetch(begin, end);
+    }
+    for (Taken* taken = begin; taken != end && m_monitor.outcome() == Outcome::complete; ++taken) {
+        if (taken->successor) {
+            settle(*taken);
+            taken->successor.reset();
+            taken->sought.argument = nullptr;
+        } else {
+            m_builder.end_row();
+        }
+    }
+}
+
+/// Each step for all of them, as the next one needs what it brings.
+void Explorer::prefetch(Taken* begin, Taken* end) const {
     std::for_each(begin, end, [this](Taken& taken) {
         if (taken.successor) {
             m_states.find_candidate(taken.sought);
@@ -172,15 +190,6 @@ void Explorer::settle() {
     std::for_each(begin, end, [](Taken const& taken) {
         StateTable::prefetch_arguments_of(taken.sought.argument);
     });
-    for (auto taken = begin; taken != end && m_monitor.outcome() == Outcome::complete; ++taken) {
-        if (taken->successor) {
-            settle(*taken);
-            taken->successor.reset();
-            taken->sought.argument = nullptr;
-        } else {
-            m_builder.end_row();
-        }
-    }
 }
 
 void Explorer::settle(Taken const& taken) {
