@@ -13,18 +13,15 @@ namespace {
 /// Moves `start` on to the first entry on `event` and sets `end` behind the last one. False when
 /// there is none; `start` is then where the search for a later event goes on.
 bool advance_to_run(SyncVector const& vector, unsigned event, unsigned& start, unsigned& end) {
-    auto const begin = vector.begin();
-    auto first = begin + start;
-    while (first != vector.end() && first->first < event) {
-        ++first;
+    auto const size = static_cast<unsigned>(vector.size());
+    while (start < size && vector[start].first < event) {
+        ++start;
     }
-    auto last = first;
-    while (last != vector.end() && last->first == event) {
-        ++last;
+    end = start;
+    while (end < size && vector[end].first == event) {
+        ++end;
     }
-    start = static_cast<unsigned>(first - begin);
-    end = static_cast<unsigned>(last - begin);
-    return last != first;
+    return end > start;
 }
 
 bool has_lower_event(std::pair<unsigned, ProcessPointer> const& left,
