@@ -1,8 +1,12 @@
 #pragma once
 
+#include "core/reference_counted.h"
 #include "core/small_blocks.h"
 
+#include <boost/intrusive_ptr.hpp>
+
 #include <algorithm>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -14,6 +18,59 @@
 namespace Calder {
 
 template <typename T> class OwningArray;
+
+/// Builds copies of `count` elements in storage; when that throws, those built are destroyed.
+template <typename T> void build_copies(T const* from, std::size_t count, T* to) {
+    std::uninitialized_copy_n(from, count, to);
+}
+
+/// With `replacement` in the place of the one at `index`.
+template <typename T> void build_copies(T const* from, std::size_t count, T* to, std::size_t index,
+                                        T const& replacement) {
+    std::size_t const before = std::min(index, count);
+    T* built = to;
+    try {
+        build_copies(from, before, to);
+        built = to + before;
+        if (before < count) {
+            ::new (static_cast<void*>(built)) T(replacement);
+            ++built;
+            build_copies(from + before + 1, count - before - 1, built);
+        }
+    } catch (...) {
+        std::destroy(to, built);
+        throw;
+    }
+}
+
+/// @{
+/// Of counted pointers, any of which may be null: a successor copies all the arguments of its term
+/// but one. Whether counting has to be atomic is asked once for all, and the one is replaced in the
+/// end, as a loop of always the same length is foreseen by the processor.
+template <typename Object>
+requires std::derived_from<Object, AtomicReferenceCounted>
+void build_copies(boost::intrusive_ptr<Object> const* from, std::size_t count,
+                  boost::intrusive_ptr<Object>* to) noexcept {
+    bool const alone = AtomicReferenceCounted::is_alone();
+    for (std::size_t i = 0; i < count; ++i) {
+        Object* const object = from[i].get();
+        if (object != nullptr) {
+            object->retain(alone);
+        }
+        ::new (static_cast<void*>(to + i)) boost::intrusive_ptr<Object>(object, false);
+    }
+}
+template <typename Object>
+requires std::derived_from<Object, AtomicReferenceCounted>
+void build_copies(boost::intrusive_ptr<Object> const* from, std::size_t count,
+                  boost::intrusive_ptr<Object>* to, std::size_t index,
+                  boost::intrusive_ptr<Object> const& replacement) noexcept {
+    build_copies(from, count, to);
+    if (index < count) {
+        to[index] = replacement;
+    }
+}
+/// @}
 
 /// An array whose length is fixed when it is made.
 ///
@@ -36,25 +93,19 @@ template <typename T> class FixedArray {
 
     /// `length` value-initialised elements: null pointers, zeros, empty containers.
     explicit FixedArray(std::size_t length) : m_elements(allocate(length)) {
-        build(length, [](std::size_t) { return T(); });
+        build(length, [length](T* to) { std::uninitialized_value_construct_n(to, length); });
     }
 
     /// Copies of the elements, in order.
-    FixedArray(std::initializer_list<T> elements) : m_elements(allocate(elements.size())) {
-        build(elements.size(), [&](std::size_t i) -> T const& { return elements.begin()[i]; });
-    }
+    FixedArray(std::initializer_list<T> elements)
+        : FixedArray(Room{}, elements.begin(), elements.size()) {}
 
     /// Copies of its elements, in order.
-    FixedArray(FixedArray const& other) : m_elements(allocate(other.m_length)) {
-        build(other.m_length, [&](std::size_t i) -> T const& { return other[i]; });
-    }
+    FixedArray(FixedArray const& other) : FixedArray(Room{}, other.m_elements, other.m_length) {}
 
     /// A copy of `other` with `replacement` in the place of the element at `index`.
     FixedArray(FixedArray const& other, std::size_t index, T const& replacement)
-        : m_elements(allocate(other.m_length)) {
-        build(other.m_length,
-              [&](std::size_t i) -> T const& { return i == index ? replacement : other[i]; });
-    }
+        : FixedArray(Room{}, other, index, replacement) {}
 
     /// Leaves `other` empty.
     FixedArray(FixedArray&& other) noexcept
@@ -94,16 +145,24 @@ template <typename T> class FixedArray {
     /// The storage of a derived class that has some for short arrays: see ReferencesInPlace.
     struct Room {
         /// Not initialised.
-        void* storage;
-        /// In elements.
-        std::size_t length;
+        void* storage = nullptr;
+        /// In elements; 0 where the array has its own storage.
+        std::size_t length = 0;
     };
 
-    /// `element(i)` for each index; in the room where that is long enough. None may throw.
-    template <typename Source> FixedArray(Room room, std::size_t length, Source const& element)
-        : m_elements(length <= room.length ? static_cast<T*>(room.storage) : allocate(length)) {
-        build(length, element);
+    /// @{
+    /// As in public, in the room where that is long enough. Then copying may not throw.
+    FixedArray(Room room, T const* elements, std::size_t length)
+        : m_elements(allocate(room, length)) {
+        build(length, [&](T* to) { build_copies(elements, length, to); });
     }
+    FixedArray(Room room, FixedArray const& other, std::size_t index, T const& replacement)
+        : m_elements(allocate(room, other.m_length)) {
+        build(other.m_length, [&](T* to) {
+            build_copies(other.m_elements, other.m_length, to, index, replacement);
+        });
+    }
+    /// @}
 
     /// Before the destructor: what stands in the room is not freed.
     void leave(Room room) noexcept {
@@ -125,17 +184,16 @@ template <typename T> class FixedArray {
         SmallBlocks::free(elements, length * sizeof(T));
     }
 
-    /// What changes is local, so that it stays in registers however the elements are built.
-    template <typename Source> void build(std::size_t length, Source const& element) {
-        T* const elements = m_elements;
-        std::size_t built = 0;
+    [[nodiscard]] static T* allocate(Room room, std::size_t length) {
+        return length <= room.length ? static_cast<T*>(room.storage) : allocate(length);
+    }
+
+    /// `build_in` has built nothing where it throws.
+    template <typename Build> void build(std::size_t length, Build const& build_in) {
         try {
-            for (; built < length; ++built) {
-                ::new (static_cast<void*>(elements + built)) T(element(built));
-            }
+            build_in(m_elements);
         } catch (...) {
-            std::destroy_n(elements, built);
-            deallocate(elements, length);
+            deallocate(m_elements, length);
             throw;
         }
         m_length = length;
@@ -187,15 +245,11 @@ class ReferencesInPlace : private ReferencesInPlaceRoom<Pointer, room>, public F
     /// @{
     /// As of FixedArray.
     ReferencesInPlace(std::initializer_list<Pointer> elements)
-        : Array(own_room(), elements.size(),
-                [&](std::size_t i) -> Pointer const& { return elements.begin()[i]; }) {}
+        : Array(own_room(), elements.begin(), elements.size()) {}
     explicit ReferencesInPlace(Array const& other)
-        : Array(own_room(), other.size(),
-                [&](std::size_t i) -> Pointer const& { return other[i]; }) {}
+        : Array(own_room(), other.begin(), other.size()) {}
     ReferencesInPlace(Array const& other, std::size_t index, Pointer const& replacement)
-        : Array(own_room(), other.size(), [&](std::size_t i) -> Pointer const& {
-              return i == index ? replacement : other[i];
-          }) {}
+        : Array(own_room(), other, index, replacement) {}
     /// @}
     ReferencesInPlace(ReferencesInPlace const&) = delete;
     ReferencesInPlace& operator=(ReferencesInPlace const&) = delete;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace Calder {
@@ -18,10 +19,15 @@ namespace Calder {
     return b * multiplier;
 }
 
+/// With what the code of a sequence begins.
+[[nodiscard]] constexpr std::uint64_t hash_of_length(std::size_t length) noexcept {
+    return hash_combine(0xc1, length);
+}
+
 /// The length of a sequence and what each element contributes, in order, mixed.
 template <typename Sequence, typename Word>
 std::uint64_t hash_sequence(Sequence const& elements, Word const& word) {
-    std::uint64_t hash = hash_combine(0xc1, elements.size());
+    std::uint64_t hash = hash_of_length(elements.size());
     for (auto const& element : elements) {
         hash = hash_combine(hash, word(element));
     }

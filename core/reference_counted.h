@@ -30,8 +30,12 @@ class CALDER_CORE_EXPORT AtomicReferenceCounted {
     }
 
     /// One pointer more. No fence: who retains holds a pointer already.
-    void retain() const noexcept {
-        if (is_alone()) {
+    void retain() const noexcept { retain(is_alone()); }
+
+    /// The same for who retains several objects and asks only once whether there is another thread,
+    /// which without doing anything else stays so.
+    void retain(bool alone) const noexcept {
+        if (alone) {
             m_count.store(m_count.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
         } else {
             m_count.fetch_add(1, std::memory_order_relaxed);
@@ -51,6 +55,15 @@ class CALDER_CORE_EXPORT AtomicReferenceCounted {
         }
     }
 
+    /// Whether there is no other thread: then what is not atomic is as good, and far cheaper.
+    static bool is_alone() noexcept {
+#if __has_include(<sys/single_threaded.h>)
+        return __libc_single_threaded != 0;
+#else
+        return false;
+#endif
+    }
+
     /// How many counted pointers hold this object now: for tests and measurements.
     [[nodiscard]] std::uintptr_t reference_count() const noexcept {
         return m_count.load(std::memory_order_relaxed);
@@ -63,14 +76,6 @@ class CALDER_CORE_EXPORT AtomicReferenceCounted {
     AtomicReferenceCounted& operator=(AtomicReferenceCounted const&) = delete;
 
   private:
-    /// Whether there is no other thread: then what is not atomic is as good, and far cheaper.
-    static bool is_alone() noexcept {
-#if __has_include(<sys/single_threaded.h>)
-        return __libc_single_threaded != 0;
-#else
-        return false;
-#endif
-    }
     void dispose() const noexcept;
 
     // The count while the object lives. Once it has reached zero nobody counts any more, and the

@@ -19,15 +19,14 @@ ExternalChoiceProcess::~ExternalChoiceProcess() = default;
 bool ExternalChoiceProcess::visit_transitions(NamedProcessSource const& source,
                                               TransitionVisitor const& visitor) const {
     struct {
-        ProcessArray const& arguments;
+        Successors successors;
         TransitionVisitor const& visitor;
         unsigned moving;
-    } step{m_arguments, visitor, 0};
+    } step{Successors(m_arguments), visitor, 0};
     return visit_each(
         m_arguments, step.moving, source, [&step](unsigned event, ProcessPointer const& successor) {
             if (event == tau) {
-                return step.visitor(
-                    tau, new ExternalChoiceProcess(step.arguments, step.moving, successor));
+                return step.visitor(tau, step.successors.with(step.moving, successor));
             }
             return step.visitor(event, successor);
         });

@@ -19,19 +19,18 @@ InterleaveProcess::~InterleaveProcess() = default;
 bool InterleaveProcess::visit_transitions(NamedProcessSource const& source,
                                           TransitionVisitor const& visitor) const {
     struct {
-        ProcessArray const& arguments;
+        Successors successors;
         TransitionVisitor const& visitor;
         unsigned moving;
         unsigned able_to_terminate; // all before this one are
-    } step{m_arguments, visitor, 0, 0};
+    } step{Successors(m_arguments), visitor, 0, 0};
     return visit_each(m_arguments, step.moving, source,
                       [&step](unsigned event, ProcessPointer const& successor) {
                           if (event == tick) {
                               step.able_to_terminate += step.able_to_terminate == step.moving;
                               return true;
                           }
-                          return step.visitor(
-                              event, new InterleaveProcess(step.arguments, step.moving, successor));
+                          return step.visitor(event, step.successors.with(step.moving, successor));
                       }) &&
            (step.able_to_terminate != argument_count() || visitor(tick, shared_stop));
 }

@@ -55,6 +55,29 @@ template <typename Construct> class NaryProcess : public ShapedProcess<Construct
     NaryProcess(ProcessArray const& arguments, unsigned index, ProcessPointer const& replacement)
         : m_arguments(arguments, index, replacement) {}
 
+    /// What makes the successors of a term in which one argument moves. Who explores asks each of them
+    /// for its code, much of which is known from the one before.
+    class Successors {
+      public:
+        /// Of the term with these arguments, which must outlive it.
+        explicit Successors(ProcessArray const& arguments)
+            : m_arguments(arguments), m_hash(arguments) {}
+
+        /// With the argument at `index` replaced; indices should ascend.
+        [[nodiscard]] ProcessPointer with(unsigned index, ProcessPointer const& replacement) {
+            auto* const made = new Construct(m_arguments, index, replacement);
+            ProcessPointer held(made);
+            if (auto const hash = m_hash.with(index, replacement)) {
+                made->m_hash.keep(hash_combine(Construct::shape.hash_seed, *hash));
+            }
+            return held;
+        }
+
+      private:
+        ProcessArray const& m_arguments;
+        SuccessorHash m_hash;
+    };
+
     /// As many as the term was built for.
     KeptReferences<Process> m_arguments;
 };

@@ -2,6 +2,7 @@
 
 #include "csp/colours.h"
 #include "csp/shared_stop.h"
+#include "process_compiler/recursion_watch.h"
 
 #include <algorithm>
 
@@ -34,9 +35,24 @@ bool offer_combinations(ProcessArray const& arguments, SyncVectors const& vector
                         ProcessArray& joint_arguments, IndexArray& current,
                         TransitionVisitor const& callback, unsigned event,
                         OperatorPointer const& op) {
+    // Of two arguments, as most operators have, the term is built from where their successors stand:
+    // copies would only be counted, copied again and dropped.
+    bool const are_two = arguments.size() == 2;
+    auto const chosen = [&](std::size_t argument) -> ProcessPointer const& {
+        return vectors[argument][current[argument]].second;
+    };
     auto const choose = [&](std::size_t argument, unsigned position) {
         current[argument] = position;
-        joint_arguments[argument] = vectors[argument][position].second;
+        if (!are_two) {
+            joint_arguments[argument] = chosen(argument);
+        }
+    };
+    auto const joint = [&]() -> ProcessPointer {
+        if (!are_two) {
+            return new OperatorProcess(op, joint_arguments);
+        }
+        watch_recursion(); // of one visit there may be any number
+        return new OperatorProcess(op, chosen(0), chosen(1));
     };
     for (std::size_t argument = 0; argument < arguments.size(); ++argument) {
         choose(argument, start[argument]);
@@ -44,7 +60,7 @@ bool offer_combinations(ProcessArray const& arguments, SyncVectors const& vector
     while (true) {
         if (event == tick) {
             callback(tick, shared_stop);
-        } else if (!callback(event, new OperatorProcess(op, joint_arguments))) {
+        } else if (!callback(event, joint())) {
             return false;
         }
         std::size_t argument = arguments.size() - 1;

@@ -23,7 +23,8 @@ CALDER_CSP_EXPORT void sort_sync_vectors(SyncVectors& vectors) noexcept;
 /// readings of an odometer, the last argument fastest. The successor is `op` applied to the chosen
 /// successors; for tick it is STOP, and what the callback answers to a tick is ignored.
 ///
-/// `joint_arguments` and `current` are scratch of the arguments' length; there must be an argument.
+/// `joint_arguments` and `current` are scratch of the arguments' length, in which nothing is promised
+/// to stand afterwards; there must be an argument.
 /// Returns false as soon as the callback does, true when every combination was offered.
 CALDER_CSP_EXPORT bool cart_product(ProcessArray const& arguments, SyncVectors const& vectors,
                                     IndexArray const& start, IndexArray const& end,

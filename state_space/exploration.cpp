@@ -42,19 +42,22 @@ class Explorer {
     }
 
   private:
-    /// A transition that was reported, and whose target is still to be found.
+    /// A transition that was reported, and whose target is still to be found; without a successor, the
+    /// end of a row.
     struct Taken {
         unsigned event = 0;
-        std::uint64_t hash = 0;
         ProcessPointer successor;
-        StateNumber candidate = no_state;
+        StateTable::Sought sought;
     };
 
     void explore_from(ProcessPointer const& start);
-    void visit(Process const& term, TransitionVisitor const& visitor);
+    bool visit(Process const& term, TransitionVisitor const& visitor);
     bool take(unsigned event, ProcessPointer const& successor);
+    void end_row();
     void settle();
-    void settle(unsigned event, ProcessPointer const& successor);
+    void prefetch(Taken* begin, Taken* end) const;
+    void settle(Taken const& taken);
+    void prefetch_after(StateNumber state) const;
     bool look_around();
     void look_between_reports();
 
@@ -86,28 +89,35 @@ void Explorer::explore_from(ProcessPointer const& start) {
             ++m_depth;
             level_end = m_states.size();
         }
-        Process const& term = *m_states.term(state);
-        visit(term, visitor);
-        if (m_monitor.outcome() != Outcome::complete) {
+        prefetch_after(state);
+        if (!visit(*m_states.term(state), visitor)) {
             return;
         }
-        m_builder.end_row();
+        end_row();
+        if (state + 1 == level_end) {
+            settle(); // which finds the next level
+        }
     }
 }
 
 /// All transitions of the term, or up to where something ends the search: what was reported until
-/// then counts.
-void Explorer::visit(Process const& term, TransitionVisitor const& visitor) {
+/// then counts. Whether the search goes on.
+bool Explorer::visit(Process const& term, TransitionVisitor const& visitor) {
     try {
         term.visit_transitions(m_source, visitor);
     } catch (...) {
         settle();
-        throw;
+        if (m_monitor.outcome() == Outcome::complete) {
+            throw;
+        }
     }
-    settle();
-    if (m_is_too_deep && m_monitor.outcome() == Outcome::complete) {
-        m_monitor.stop(Outcome::nesting_limit);
+    if (m_is_too_deep) {
+        settle();
+        if (m_monitor.outcome() == Outcome::complete) {
+            m_monitor.stop(Outcome::nesting_limit);
+        }
     }
+    return m_monitor.outcome() == Outcome::complete;
 }
 
 /// The visitor: what happens for each transition of the state that is being explored. It runs at
@@ -121,42 +131,91 @@ bool Explorer::take(unsigned event, ProcessPointer const& successor) {
         m_is_too_deep = true; // what was taken is settled where there is stack for it
         return false;
     }
-    std::uint64_t const hash = hash_of(successor);
-    m_states.prefetch(hash);
-    m_taken[m_taken_count++] = Taken{event, hash, successor};
+    StateTable::Sought const sought = m_states.seek(hash_of(successor));
+    Taken& taken = m_taken[m_taken_count++];
+    taken.event = event;
+    taken.successor = successor;
+    taken.sought = sought;
     if (m_taken_count == m_taken.size()) {
         settle();
     }
     return m_monitor.outcome() == Outcome::complete;
 }
 
-/// Finds the states of what was taken, in that order. One by one, each would wait for memory
-/// several times, as most of what is compared lies anywhere in all that was found.
-void Explorer::settle() {
-    auto const begin = m_taken.begin();
-    auto const end = begin + static_cast<std::ptrdiff_t>(std::exchange(m_taken_count, 0));
-    std::for_each(begin, end, [this](Taken& taken) {
-        taken.candidate = m_states.prefetch_candidate(taken.hash);
-    });
-    std::for_each(begin, end,
-                  [this](Taken const& taken) { m_states.prefetch_term(taken.candidate); });
-    std::for_each(begin, end,
-                  [this](Taken const& taken) { m_states.prefetch_arguments(taken.candidate); });
-    for (auto taken = begin; taken != end && m_monitor.outcome() == Outcome::complete; ++taken) {
-        settle(taken->event, taken->successor);
-        taken->successor.reset();
+/// In its place among what was taken, as its transitions may be still there.
+void Explorer::end_row() {
+    ++m_taken_count; // nothing that was settled has a successor
+    if (m_taken_count == m_taken.size()) {
+        settle();
     }
 }
 
-void Explorer::settle(unsigned event, ProcessPointer const& successor) {
-    StateNumber const target = m_states.find_or_add(successor, m_monitor.max_states());
+/// Finds the states of what was taken, in that order. One by one, each would wait for memory
+/// several times, as most of what is compared lies anywhere in all that was found.
+void Explorer::settle() {
+    constexpr std::ptrdiff_t few = 3; // come too late for each other
+    Taken* const begin = m_taken.data();
+    Taken* const end = begin + std::exchange(m_taken_count, 0);
+    if (end - begin > few) {
+        prefetch(begin, end);
+    }
+    for (Taken* taken = begin; taken != end && m_monitor.outcome() == Outcome::complete; ++taken) {
+        if (taken->successor) {
+            settle(*taken);
+            taken->successor.reset();
+            taken->sought.argument = nullptr;
+        } else {
+            m_builder.end_row();
+        }
+    }
+}
+
+/// Each step for all of them, as the next one needs what it brings.
+void Explorer::prefetch(Taken* begin, Taken* end) const {
+    std::for_each(begin, end, [this](Taken& taken) {
+        if (taken.successor) {
+            m_states.find_candidate(taken.sought);
+        }
+    });
+    std::for_each(begin, end, [this](Taken const& taken) {
+        if (taken.successor) {
+            m_states.prefetch_term(taken.sought.candidate);
+        }
+    });
+    std::for_each(begin, end, [this](Taken& taken) {
+        if (taken.successor) {
+            m_states.find_argument(taken.sought, *taken.successor);
+        }
+    });
+    std::for_each(begin, end, [](Taken const& taken) {
+        StateTable::prefetch_arguments_of(taken.sought.argument);
+    });
+}
+
+void Explorer::settle(Taken const& taken) {
+    StateNumber const target =
+        m_states.find_or_add(taken.successor, taken.sought, m_monitor.max_states());
     if (target == no_state) {
         m_monitor.stop(Outcome::state_limit);
         return;
     }
-    m_builder.add(event, target);
+    m_builder.add(taken.event, target);
     if (m_monitor.is_due()) {
         look_around();
+    }
+}
+
+/// What visiting the next states will read. They were found one after another, but consist of what
+/// others left free.
+void Explorer::prefetch_after(StateNumber state) const {
+    constexpr StateNumber terms_ahead = 4;
+    constexpr StateNumber arguments_ahead = 2;
+    if (state + terms_ahead < m_states.size()) {
+        m_states.prefetch_term(state + terms_ahead);
+        Process const& term = *m_states.term(state + arguments_ahead);
+        if (term.argument_count() > 0) {
+            __builtin_prefetch(term.argument(0).get());
+        }
     }
 }
 

@@ -4,19 +4,22 @@
 #include "state_space/memory.h"
 #include "state_space/mix.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Calder::StateSpace {
 
+using ProcessCompiler::Process;
 using ProcessCompiler::ProcessPointer;
 
 namespace {
 
 constexpr unsigned first_slot_bits = 8;
-constexpr unsigned tag_bits = 32;
 
-std::uint32_t tag_of(std::uint64_t hash) {
-    return static_cast<std::uint32_t>(mix(hash) >> tag_bits);
+/// Most terms take two cache lines.
+void prefetch_object(void const* object) {
+    __builtin_prefetch(object);
+    __builtin_prefetch(static_cast<char const*>(object) + 64);
 }
 
 bool are_equal(ProcessPointer const& known, ProcessPointer const& term, std::uint64_t hash) {
@@ -37,7 +40,22 @@ StateNumber StateTable::find_or_add(ProcessPointer const& term, StateNumber max_
         grow();
     }
     std::uint64_t const hash = hash_of(term);
-    std::uint32_t const tag = tag_of(hash);
+    return find_or_add_in_slot(term, hash, tag_of(hash), max_states);
+}
+
+StateNumber StateTable::find_or_add(ProcessPointer const& term, Sought const& sought,
+                                    StateNumber max_states) {
+    if (sought.candidate != no_state && are_equal(m_terms[sought.candidate], term, sought.hash)) {
+        return sought.candidate;
+    }
+    return find_or_add_in_slot(term, sought.hash, sought.tag, max_states);
+}
+
+StateNumber StateTable::find_or_add_in_slot(ProcessPointer const& term, std::uint64_t hash,
+                                            std::uint32_t tag, StateNumber max_states) {
+    if (must_grow_for(m_terms.size() + 1)) {
+        grow();
+    }
     Slot& slot = m_slots[slot_of(term, hash, tag)];
     if (slot.state != no_state) {
         return slot.state;
@@ -50,36 +68,52 @@ StateNumber StateTable::find_or_add(ProcessPointer const& term, StateNumber max_
     return size() - 1;
 }
 
-void StateTable::prefetch(std::uint64_t hash) const noexcept {
-    if (!m_slots.empty()) {
-        __builtin_prefetch(&m_slots[first_slot(tag_of(hash))]);
-    }
-}
-
-StateNumber StateTable::prefetch_candidate(std::uint64_t hash) const noexcept {
+void StateTable::find_candidate(Sought& sought) const noexcept {
     if (m_slots.empty()) {
-        return no_state;
+        return;
     }
-    std::uint32_t const tag = tag_of(hash);
-    std::size_t slot = first_slot(tag);
-    while (m_slots[slot].state != no_state && m_slots[slot].tag != tag) {
-        slot = (slot + 1) & (m_slots.size() - 1);
+    Slot const* const slots = m_slots.data();
+    std::size_t const mask = m_slots.size() - 1;
+    std::size_t slot = first_slot(sought.tag);
+    while (slots[slot].state != no_state && slots[slot].tag != sought.tag) {
+        slot = (slot + 1) & mask;
     }
-    if (m_slots[slot].state != no_state) {
-        __builtin_prefetch(&m_terms[m_slots[slot].state]);
+    sought.candidate = slots[slot].state;
+    if (sought.candidate != no_state) {
+        __builtin_prefetch(&m_terms[sought.candidate]);
     }
-    return m_slots[slot].state;
 }
 
 void StateTable::prefetch_term(StateNumber candidate) const noexcept {
     if (candidate != no_state) {
-        __builtin_prefetch(m_terms[candidate].get());
+        prefetch_object(m_terms[candidate].get());
     }
 }
 
-void StateTable::prefetch_arguments(StateNumber candidate) const {
-    if (candidate != no_state && m_terms[candidate]->argument_count() > 0) {
-        __builtin_prefetch(&m_terms[candidate]->argument(0));
+/// A candidate with another code is none.
+void StateTable::find_argument(Sought& sought, Process const& term) const {
+    if (sought.candidate == no_state) {
+        return;
+    }
+    Process const& known = *m_terms[sought.candidate];
+    if (known.kept_hash() != sought.hash) {
+        sought.candidate = no_state;
+        return;
+    }
+    unsigned const count = std::min(known.argument_count(), term.argument_count());
+    for (unsigned index = 0; index < count; ++index) {
+        Process const* const argument = known.argument(index).get();
+        if (argument != term.argument(index).get()) {
+            prefetch_object(argument);
+            sought.argument = argument;
+            return;
+        }
+    }
+}
+
+void StateTable::prefetch_arguments_of(Process const* term) {
+    if (term != nullptr && term->argument_count() > 0) {
+        __builtin_prefetch(&term->argument(0));
     }
 }
 
@@ -104,11 +138,6 @@ std::uint64_t StateTable::growth_bytes(std::uint64_t additions) const noexcept {
 /// cache line or two.
 bool StateTable::must_grow_for(std::uint64_t states) const noexcept {
     return states * 3 > std::uint64_t{m_slots.size()} * 2;
-}
-
-std::size_t StateTable::first_slot(std::uint32_t tag) const noexcept {
-    return m_slot_bits <= tag_bits ? tag >> (tag_bits - m_slot_bits)
-                                   : std::size_t{tag} << (m_slot_bits - tag_bits);
 }
 
 /// The slot that has the term, or the free one that it belongs into.

@@ -4,6 +4,7 @@
 #include "process_compiler/process.h"
 #include "state_space/export.h"
 #include "state_space/labelled_transition_system.h"
+#include "state_space/mix.h"
 
 namespace Calder::StateSpace {
 
@@ -25,14 +26,38 @@ class CALDER_STATE_SPACE_EXPORT StateTable {
     StateNumber find_or_add(ProcessCompiler::ProcessPointer const& term,
                             StateNumber max_states = no_state);
 
+    /// A term that is looked for while others are, too.
+    struct Sought {
+        /// The term's code.
+        std::uint64_t hash = 0;
+        /// In which slots it may be.
+        std::uint32_t tag = 0;
+        /// The state that may have it, as far as is known.
+        StateNumber candidate = no_state;
+        /// The first of the candidate's arguments that is not the same object as the term's; null
+        /// when there is none.
+        ProcessCompiler::Process const* argument = nullptr;
+    };
+
     /// @{
-    /// Before a term is looked for, in order, while others are, too: bring into the cache what
-    /// the search will read. Each takes what the one before brought. `hash` is the term's code.
-    void prefetch(std::uint64_t hash) const noexcept;
-    /// Returns the state that may have the term; no_state where there is none.
-    [[nodiscard]] StateNumber prefetch_candidate(std::uint64_t hash) const noexcept;
+    /// Looking for many terms at once: each step is done for all of them before the next one, so
+    /// that what a search reads next is on its way into the cache while the others are looked for.
+    [[nodiscard]] Sought seek(std::uint64_t hash) const noexcept {
+        Sought sought;
+        sought.hash = hash;
+        sought.tag = tag_of(hash);
+        if (!m_slots.empty()) {
+            __builtin_prefetch(&m_slots[first_slot(sought.tag)]);
+        }
+        return sought;
+    }
+    void find_candidate(Sought& sought) const noexcept;
     void prefetch_term(StateNumber candidate) const noexcept;
-    void prefetch_arguments(StateNumber candidate) const;
+    void find_argument(Sought& sought, ProcessCompiler::Process const& term) const;
+    static void prefetch_arguments_of(ProcessCompiler::Process const* term);
+    /// As find_or_add of the term alone. Terms may have been added since the first step.
+    StateNumber find_or_add(ProcessCompiler::ProcessPointer const& term, Sought const& sought,
+                            StateNumber max_states);
     /// @}
 
     /// The state of the term; no_state when there is none.
@@ -55,10 +80,20 @@ class CALDER_STATE_SPACE_EXPORT StateTable {
     };
 
     [[nodiscard]] bool must_grow_for(std::uint64_t states) const noexcept;
-    [[nodiscard]] std::size_t first_slot(std::uint32_t tag) const noexcept;
+    [[nodiscard]] static std::uint32_t tag_of(std::uint64_t hash) noexcept {
+        return static_cast<std::uint32_t>(mix(hash) >> tag_bits);
+    }
+    [[nodiscard]] std::size_t first_slot(std::uint32_t tag) const noexcept {
+        return m_slot_bits <= tag_bits ? tag >> (tag_bits - m_slot_bits)
+                                       : std::size_t{tag} << (m_slot_bits - tag_bits);
+    }
+    StateNumber find_or_add_in_slot(ProcessCompiler::ProcessPointer const& term, std::uint64_t hash,
+                                    std::uint32_t tag, StateNumber max_states);
     [[nodiscard]] std::size_t slot_of(ProcessCompiler::ProcessPointer const& term,
                                       std::uint64_t hash, std::uint32_t tag) const;
     void grow();
+
+    static constexpr unsigned tag_bits = 32;
 
     LargeVector<Slot> m_slots; // 2^m_slot_bits of them, or none
     unsigned m_slot_bits = 0;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <stdexcept>
 
 namespace Calder {
@@ -65,10 +66,15 @@ TEST_F(FixedArrayTest, references_in_place_are_released_wherever_they_stand) {
             auto const inside = reinterpret_cast<std::uintptr_t>(array.begin()) -
                                 reinterpret_cast<std::uintptr_t>(&array);
             EXPECT_EQ(inside < sizeof array, length <= 2) << length;
-            if (length > 0) {
-                ReferencesInPlace<Pointer, 2> const changed(given, length - 1, other);
-                EXPECT_EQ(changed[length - 1], other);
+            for (std::size_t index : {std::size_t{0}, length / 2, length - 1}) {
+                if (index >= length) {
+                    continue;
+                }
+                ReferencesInPlace<Pointer, 2> const changed(given, index, other);
+                EXPECT_EQ(changed[index], other);
+                EXPECT_EQ(std::count(changed.begin(), changed.end(), held), length - 1);
                 EXPECT_EQ(held->reference_count(), 3 * length);
+                EXPECT_EQ(other->reference_count(), 2U);
             }
         }
         EXPECT_EQ(held->reference_count(), 1 + length);
@@ -83,6 +89,9 @@ TEST_F(FixedArrayTest, a_copy_that_throws_leaves_nothing_behind) {
         Counted::copies_until_throw = copies;
         EXPECT_THROW(OwningArray<Counted>{original}, std::runtime_error);
         EXPECT_EQ(Counted::alive, 5) << "after " << copies << " copies";
+        Counted::copies_until_throw = copies;
+        EXPECT_THROW((OwningArray<Counted>{original, 2, original[0]}), std::runtime_error);
+        EXPECT_EQ(Counted::alive, 5) << "after " << copies << " copies, one of them in its place";
     }
 }
 
@@ -106,6 +115,32 @@ static_assert(std::is_constructible_v<Plain const&, Owning const&>, "to be looke
 static_assert(std::is_nothrow_move_constructible_v<Owning>);
 static_assert(std::is_copy_constructible_v<Owning> &&
               std::is_constructible_v<Owning, Plain const&>);
+
+TEST_F(FixedArrayTest, null_is_copied_and_replaces_and_is_replaced) {
+    struct Held : AtomicReferenceCounted {};
+    using Pointer = boost::intrusive_ptr<Held>;
+    Pointer const held(new Held);
+    OwningArray<Pointer> const given{held, nullptr, held};
+    struct {
+        std::size_t index;
+        Pointer replacement;
+        std::array<Pointer, 3> expected;
+    } const rows[] = {
+        {0, nullptr, {nullptr, nullptr, held}},
+        {1, held, {held, held, held}},
+        {1, nullptr, {held, nullptr, held}},
+    };
+    for (auto const& row : rows) {
+        auto const before = held->reference_count();
+        {
+            OwningArray<Pointer> const copy(given, row.index, row.replacement);
+            EXPECT_TRUE(std::equal(copy.begin(), copy.end(), row.expected.begin()));
+            EXPECT_EQ(held->reference_count(), before + static_cast<std::uintptr_t>(std::count(
+                                                            copy.begin(), copy.end(), held)));
+        }
+        EXPECT_EQ(held->reference_count(), before);
+    }
+}
 
 TEST_F(FixedArrayTest, one_element_can_be_replaced_in_a_copy) {
     FixedArray<int> const array{10, 20, 30};

@@ -195,6 +195,32 @@ TEST(Identity, hash_codes) {
     }
 }
 
+TEST(Identity, of_a_successor_whose_code_comes_with_it_is_that_of_the_same_term_built_anew) {
+    struct {
+        ProcessPointer term;
+        std::size_t codes_that_come;
+    } const rows[] = {
+        {interleave({prefix(a, P), prefix(b, Q), prefix(c, P)}), 3},
+        {external({prefix(tau, P), prefix(b, Q), prefix(tau, Q), prefix(tau, P)}), 3},
+        {interleave({interleave({prefix(a, P), prefix(b, P)}), prefix(c, Q)}), 3},
+    };
+    for (auto const& row : rows) {
+        P->hash_code();
+        Q->hash_code();
+        row.term->hash_code(); // so that its arguments keep theirs, too
+        std::size_t came = 0;
+        row.term->visit_transitions(source, [&](unsigned, ProcessPointer const& successor) {
+            if (successor->argument_count() > 0 && successor->kept_hash() != 0) {
+                ++came;
+                EXPECT_EQ(successor->kept_hash(), successor->clone(true)->hash_code())
+                    << text(*successor);
+            }
+            return true;
+        });
+        EXPECT_EQ(came, row.codes_that_come) << text(*row.term);
+    }
+}
+
 TEST(Identity, asks_an_argument_even_if_it_is_the_same_object) {
     struct Odd : Testing::FakeProcess {
         using FakeProcess::FakeProcess;

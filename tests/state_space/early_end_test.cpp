@@ -124,6 +124,30 @@ TEST(EarlyEnd, memory_that_runs_out_leaves_what_is_explored) {
     }
 }
 
+TEST(EarlyEnd, what_comes_first_is_what_ended_it) {
+    // The rows of 1 and 2 are asked for before the states of either are found.
+    Graph graph{{{{3, 1}, {4, 2}}, {{3, 3}, {3, 4}}, {{3, 5}, {3, 6}}, {}, {}, {}, {}}};
+    graph.node_without_memory = 2;
+    struct {
+        StateNumber max_states;
+        Outcome outcome;
+        StateNumber states, explored;
+    } const rows[] = {
+        {3, Outcome::state_limit, 3, 1},
+        {4, Outcome::state_limit, 4, 1},
+        {5, Outcome::state_limit, 5, 2},
+        {6, Outcome::memory_limit, 6, 2},
+    };
+    for (auto const& row : rows) {
+        ExplorationOptions options;
+        options.max_states = row.max_states;
+        Exploration const found = explore_graph(graph, options);
+        EXPECT_EQ(found.outcome, row.outcome) << row.max_states;
+        EXPECT_EQ(found.lts.state_count(), row.states) << row.max_states;
+        EXPECT_EQ(found.lts.explored_count(), row.explored) << row.max_states;
+    }
+}
+
 TEST(SearchMonitor, looks_around_after_enough_work_and_counts_what_is_about_to_grow) {
     constexpr std::uint64_t reserve = std::uint64_t{64} << 20;
     ExplorationOptions const options{no_state, resident_bytes() + reserve, nullptr};

@@ -48,6 +48,42 @@ TEST(StateTable, takes_no_more_than_the_bound_and_still_finds) {
     EXPECT_EQ(StateTable().find_or_add(new NodeTerm(graph, 0), 0), no_state);
 }
 
+TEST(StateTable, finds_many_at_once_whatever_was_added_meanwhile) {
+    struct {
+        char const* hashes;
+        std::uint64_t (*hash)(unsigned node);
+    } const rows[] = {
+        {"spread", Testing::usual_hash},
+        {"all the same", [](unsigned) { return std::uint64_t{8}; }},
+        {"few", [](unsigned node) { return std::uint64_t{node % 7} * 2; }},
+    };
+    for (auto const& row : rows) {
+        Graph const graph{{}, row.hash};
+        StateTable table;
+        for (unsigned batch = 0; batch < 40; ++batch) {
+            // Each batch is as large as all before, at first, and has each node twice.
+            std::vector<ProcessPointer> terms;
+            std::vector<StateTable::Sought> sought;
+            for (unsigned i = 0; i < 60; ++i) {
+                terms.emplace_back(new NodeTerm(graph, batch * 15 + i % 30));
+                sought.push_back(table.seek(hash_of(terms.back())));
+            }
+            for (std::size_t i = 0; i < terms.size(); ++i) {
+                table.find_candidate(sought[i]);
+                table.prefetch_term(sought[i].candidate);
+                table.find_argument(sought[i], *terms[i]);
+            }
+            for (std::size_t i = 0; i < terms.size(); ++i) {
+                unsigned const node = batch * 15 + static_cast<unsigned>(i) % 30;
+                if (node >= table.size()) {
+                    ASSERT_EQ(table.find_or_add(terms[i], sought[i], node), no_state);
+                }
+                ASSERT_EQ(table.find_or_add(terms[i], sought[i], no_state), node) << row.hashes;
+            }
+        }
+    }
+}
+
 TEST(StateTable, says_before_it_grows_by_how_much) {
     Graph const graph;
     StateTable table;
