@@ -63,12 +63,13 @@ start_leaves(MachineExploration const& exploration);
 [[nodiscard]] CALDER_STATE_SPACE_EXPORT std::size_t
 configurations_met(MachineExploration const& exploration);
 
-/// The leaves that run in a state, slot by slot. There must be a machine.
+/// The leaves that run in a state, slot by slot. There must be a machine, and a run that kept the
+/// transitions: a state that was only counted may have no number.
 [[nodiscard]] CALDER_STATE_SPACE_EXPORT std::vector<std::uint32_t>
 leaves_in(MachineExploration const& exploration, StateNumber state);
 
 /// Which of them take part in the step to `target` with `event`: the slots, ascending, by the first
-/// rule that leads so; it must be a step that was explored. Empty when no leaf takes part.
+/// rule that leads so; it must be a step that was explored, and kept. Empty when no leaf takes part.
 [[nodiscard]] CALDER_STATE_SPACE_EXPORT std::vector<std::uint32_t>
 slots_taking_part(MachineExploration const& exploration, StateNumber source, unsigned event,
                   StateNumber target);

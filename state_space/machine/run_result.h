@@ -16,7 +16,8 @@ struct RunOptions : ExplorationOptions {
     /// state.
     bool keep_transitions = true;
     /// How many threads explore, at least 1; where there is little to explore, one of them does. The
-    /// result does not depend on it, but for where a limit on memory or whoever watches ends a run.
+    /// result does not depend on it, but for where a limit on memory or whoever watches ends a run,
+    /// and, where transitions are not kept, for which state has which number.
     unsigned threads = 1;
 };
 
@@ -34,7 +35,7 @@ struct Run {
     std::string refusal{};
     /// What the numbers of the states stand for; null where states were only counted, as CountingSearch does.
     std::shared_ptr<ReachedStates const> states{};
-    /// What these occupied in the end, the tables in which they are found included.
+    /// What the states occupied in the end, the tables in which they are found included.
     std::uint64_t state_bytes = 0;
 };
 

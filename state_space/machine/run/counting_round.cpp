@@ -2,6 +2,11 @@
 
 namespace Calder::StateSpace {
 
+CountingRound::CountingRound(Team& team, CountingSearch& search, ConfigurationTables const& tables)
+    : m_team(team), m_search(search), m_table(tables.table(tables.configuration_of(Word{0}))) {
+    m_search.m_workers.resize(team.size());
+}
+
 void CountingRound::begin(RoundSize const& size) {
     m_size = size;
     m_is_done.assign(size.jobs(), 0);
@@ -11,11 +16,13 @@ void CountingRound::begin(RoundSize const& size) {
 }
 
 StateNumber CountingRound::explore() {
+    m_search.m_working = m_search.m_workers.size();
     std::size_t const found_before = found();
     m_team.each(m_is_done.size(), [this](unsigned thread, std::size_t number) {
         explore_job(m_search.m_workers[thread], number);
     });
     m_search.m_set.note_additions(found() - found_before);
+    m_search.collect_transitions();
     return put_behind();
 }
 

@@ -15,8 +15,8 @@ namespace Calder::StateSpace {
 /// and are the last ones of the round. What such a job has added by then stays, as its states will lead there.
 class CountingRound {
   public:
-    CountingRound(Team& team, CountingSearch& search, ConfigurationTables const& tables)
-        : m_team(team), m_search(search), m_table(tables.table(tables.configuration_of(Word{0}))) {}
+    /// Throws std::bad_alloc.
+    CountingRound(Team& team, CountingSearch& search, ConfigurationTables const& tables);
 
     /// Makes room. Throws std::bad_alloc where there is no memory for it, of which one thread needs less; nothing has changed then.
     void begin(RoundSize const& size);

@@ -2,18 +2,9 @@
 
 #include "state_space/machine/run/visited_states.h"
 
+#include <utility>
+
 namespace Calder::StateSpace {
-
-CountingSearch::CountingSearch(RunOptions const& options, Cut const& /*cut*/)
-    : m_max_states(options.max_states), m_workers(options.threads) {}
-
-std::uint64_t CountingSearch::transition_count() const noexcept {
-    std::uint64_t count = 0;
-    for (Worker const& each : m_workers) {
-        count += each.transitions;
-    }
-    return count;
-}
 
 bool CountingSearch::add_start(std::vector<Word> const& words) {
     m_set.make_room(1);
@@ -28,17 +19,26 @@ bool CountingSearch::add_start(std::vector<Word> const& words) {
 
 void CountingSearch::begin_level(StateNumber first) {
     m_level.clear();
-    for (Worker& each : m_workers) {
-        m_level.take(each.found);
+    for (std::size_t worker = 0; worker < m_working; ++worker) {
+        m_level.take(m_workers[worker].found);
     }
+    m_working = 1;
     m_level_begin = first;
 }
 
 StateNumber CountingSearch::take_job() {
     Worker& owner = m_workers[0];
     m_set.make_room(owner.job.steps().size());
-    return owner.look_up(
+    StateNumber const done = owner.look_up(
         m_set, [this](WordSet::Hash hash) { return m_set.find_or_add(hash, m_max_states); });
+    collect_transitions();
+    return done;
+}
+
+void CountingSearch::collect_transitions() noexcept {
+    for (std::size_t worker = 0; worker < m_working; ++worker) {
+        m_transitions += std::exchange(m_workers[worker].transitions, 0);
+    }
 }
 
 } // namespace Calder::StateSpace

@@ -16,10 +16,11 @@ namespace Calder::StateSpace {
 /// It is asked as a NumberedSearch is.
 class CountingSearch {
   public:
-    CountingSearch(RunOptions const& options, Cut const& cut);
+    CountingSearch(RunOptions const& options, Cut const& /*cut*/)
+        : m_max_states(options.max_states) {}
 
     [[nodiscard]] StateNumber size() const noexcept { return m_set.size(); }
-    [[nodiscard]] std::uint64_t transition_count() const noexcept;
+    [[nodiscard]] std::uint64_t transition_count() const noexcept { return m_transitions; }
     /// The words of each state.
     [[nodiscard]] std::uint32_t width() const noexcept { return form.width; }
 
@@ -65,6 +66,7 @@ class CountingSearch {
     static constexpr SearchJob::Form form{1, nullptr};
 
     [[nodiscard]] Word& at(StateNumber state) noexcept { return m_level[state - m_level_begin]; }
+    void collect_transitions() noexcept;
 
     /// What a thread has for itself.
     struct alignas(64) Worker {
@@ -80,7 +82,12 @@ class CountingSearch {
     WordSet m_set;
     WordList m_level;
     StateNumber m_level_begin = 0;
-    std::vector<Worker> m_workers; // the first is the owner's
+    std::uint64_t m_transitions = 0;
+    /// The first is the owner's, the others come with the first round.
+    std::vector<Worker> m_workers = std::vector<Worker>(1);
+    /// Those of them who may have found something on this level: to ask all of many threads after each level
+    /// would take most of a run whose levels are small.
+    std::size_t m_working = 1;
 };
 
 /// Looks up the successors of the job; `each(hash)` tells what WordSet says of one. Those that it adds are found.

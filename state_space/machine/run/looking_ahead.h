@@ -10,7 +10,8 @@
 namespace Calder::StateSpace {
 
 /// Asks for the memory that the lookups of a job's steps will need, by their hashes and some steps ahead: first
-/// the bucket, then the state that it names. `States` is VisitedStates, VisitedPairs, or SharedAdditions.
+/// the bucket, then the state that it names. `States` is VisitedStates, VisitedPairs, SharedAdditions, or
+/// UnorderedAdditions.
 template <typename States> class LookingAhead {
   public:
     void begin(States& states, std::span<std::uint64_t const> hashes) {

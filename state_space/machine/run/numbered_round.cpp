@@ -10,6 +10,7 @@ NumberedRound::NumberedRound(Team& team, NumberedSearch& search, ConfigurationTa
 
 void NumberedRound::begin(RoundSize const& size) {
     m_size = size;
+    m_steps = 0;
     m_jobs.assign(size.jobs(), nullptr);
     for (Worker& worker : m_workers) {
         worker.adder = {};

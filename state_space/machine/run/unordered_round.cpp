@@ -9,6 +9,7 @@ UnorderedRound::UnorderedRound(Team& team, NumberedSearch& search,
 
 void UnorderedRound::begin(RoundSize const& size) {
     m_size = size;
+    m_steps = 0;
     for (Worker& worker : m_workers) {
         worker.rows.clear();
         worker.steps = 0;
@@ -33,7 +34,6 @@ StateNumber UnorderedRound::explore() {
     }
     m_additions.end();
     std::uint64_t transitions = 0;
-    m_steps = 0;
     for (Worker const& worker : m_workers) {
         transitions += worker.rows.transition_count();
         m_steps += worker.steps;

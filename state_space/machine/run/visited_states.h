@@ -27,7 +27,7 @@ class Team;
 /// A search has three stages, of which the first two only ask for memory ahead of time:
 /// `prefetch_bucket`, `prefetch_state`, `find_or_add`.
 ///
-/// It belongs to one thread, but for what NumberedKeys and SharedAdditions do.
+/// It belongs to one thread, but for what NumberedKeys, SharedAdditions and UnorderedAdditions do.
 class CALDER_STATE_SPACE_EXPORT VisitedStates {
   public:
     explicit VisitedStates(std::uint32_t width) : m_width(width) {}
