@@ -62,9 +62,16 @@ class CALDER_STATE_SPACE_EXPORT WordSet {
     static constexpr unsigned group_size = 8;
     static constexpr Hash is_free = 0; // in the place of a hash
 
+    /// Of a group at one look at it, bit i for each place i where the lower half is that of the hash, and where it is
+    /// that of a free place; the whole hash may still be another one.
+    struct Places {
+        unsigned same;
+        unsigned free;
+    };
+
     struct alignas(64) Group {
-        /// Bit i for each place i where the lower half is that of the hash; the whole hash may still be another one.
-        [[nodiscard]] unsigned matches(Hash hash) const noexcept;
+        /// By one load of each place: with two, another thread may add the hash between them, and it is added twice.
+        [[nodiscard]] Places places(Hash hash) const noexcept;
 
         Hash hashes[group_size];
     };
@@ -100,7 +107,7 @@ class CALDER_STATE_SPACE_EXPORT WordSet {
     std::atomic<bool> m_has_zero = false; // the hash that means a free place
 };
 
-inline unsigned WordSet::Group::matches(Hash hash) const noexcept {
+inline WordSet::Places WordSet::Group::places(Hash hash) const noexcept {
 #ifdef __SSE2__
     // The compiler's own loads would be no good while other threads write. These see each half of a hash as a whole,
     // like any loads that small.
@@ -112,17 +119,21 @@ inline unsigned WordSet::Group::matches(Hash hash) const noexcept {
         return _mm_castps_si128(
             _mm_shuffle_ps(_mm_castsi128_ps(left), _mm_castsi128_ps(right), 0x88));
     };
-    __m128i const wanted = _mm_set1_epi32(static_cast<int>(hash));
-    __m128i const first = _mm_cmpeq_epi32(lower_halves(loaded[0], loaded[1]), wanted);
-    __m128i const last = _mm_cmpeq_epi32(lower_halves(loaded[2], loaded[3]), wanted);
-    __m128i const bytes = _mm_packs_epi16(_mm_packs_epi32(first, last), _mm_setzero_si128());
-    return static_cast<unsigned>(_mm_movemask_epi8(bytes));
+    __m128i const first = lower_halves(loaded[0], loaded[1]);
+    __m128i const last = lower_halves(loaded[2], loaded[3]);
+    auto const equal = [&](__m128i wanted) {
+        __m128i const words =
+            _mm_packs_epi32(_mm_cmpeq_epi32(first, wanted), _mm_cmpeq_epi32(last, wanted));
+        return static_cast<unsigned>(
+            _mm_movemask_epi8(_mm_packs_epi16(words, _mm_setzero_si128())));
+    };
+    return {equal(_mm_set1_epi32(static_cast<int>(hash))), equal(_mm_setzero_si128())};
 #else
-    unsigned found = 0;
+    Places found{0, 0};
     for (unsigned place = 0; place < group_size; ++place) {
-        Hash const each = read(const_cast<Hash&>(hashes[place]));
-        found |= (static_cast<std::uint32_t>(each) == static_cast<std::uint32_t>(hash) ? 1U : 0U)
-                 << place;
+        auto const half = static_cast<std::uint32_t>(read(const_cast<Hash&>(hashes[place])));
+        found.same |= (half == static_cast<std::uint32_t>(hash) ? 1U : 0U) << place;
+        found.free |= (half == static_cast<std::uint32_t>(is_free) ? 1U : 0U) << place;
     }
     return found;
 #endif
@@ -145,13 +156,13 @@ template <bool is_shared> bool WordSet::take(Hash& place, Hash hash) noexcept {
 /// taken in order.
 template <bool is_shared> WordSet::Found WordSet::find_or_add(Hash hash, bool may_add) noexcept {
     Group& group = *group_of(hash);
-    unsigned const matches = group.matches(hash);
-    if (matches != 0) {
-        if (read(group.hashes[std::countr_zero(matches)]) == hash && hash != is_free) {
+    Places const places = group.places(hash);
+    if (places.same != 0) {
+        if (read(group.hashes[std::countr_zero(places.same)]) == hash && hash != is_free) {
             return Found::known;
         }
-    } else if (unsigned const free = group.matches(is_free); free != 0 && may_add) {
-        Hash& place = group.hashes[std::countr_zero(free)];
+    } else if (places.free != 0 && may_add) {
+        Hash& place = group.hashes[std::countr_zero(places.free)];
         if (read(place) == is_free && take<is_shared>(place, hash)) {
             return Found::added;
         }

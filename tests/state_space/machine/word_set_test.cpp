@@ -83,18 +83,24 @@ TEST(MachineWordSet, finds_hashes_that_stand_far_behind_their_group) {
     }
 }
 
-/// All threads add the same hashes, in an order of their own; at last so many that all of them make room.
+/// All threads add the same hashes, each some places before the next one, or all at the same place, where they
+/// are in each other's way; in the end so many that all of them make room.
 TEST(MachineWordSet, of_several_threads_one_adds_each_hash) {
     constexpr unsigned threads = 4;
     Team team(threads);
     WordSet set;
     std::set<Hash> wanted;
-    for (unsigned const count : {30U, 3'000U, 300'000U}) {
+    struct {
+        unsigned count;
+        unsigned places_apart;
+    } const rows[] = {{30, 11}, {3'000, 11}, {300'000, 11}, {900'000, 0}};
+    for (auto const& [count, places_apart] : rows) {
         std::vector<std::vector<Hash>> added(threads);
         set.make_room(count, &team);
         team.all([&](unsigned thread) {
             for (unsigned i = 0; i < count; ++i) {
-                Hash const hash = Hash{(i * 7 + thread * 11) % count} * 0x9E37'79B9'7F4A'7C15;
+                Hash const hash =
+                    Hash{(i * 7 + thread * places_apart) % count} * 0x9E37'79B9'7F4A'7C15;
                 if (set.find_or_add_shared(hash) == Found::added) {
                     added[thread].push_back(hash);
                 }
