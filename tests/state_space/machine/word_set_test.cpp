@@ -1,6 +1,7 @@
 #include "state_space/machine/run/team.h"
 #include "state_space/machine/run/word_list.h"
 #include "state_space/machine/run/word_set.h"
+#include "tests/state_space/counted_allocation.h"
 
 #include <gtest/gtest.h>
 
@@ -93,7 +94,7 @@ TEST(MachineWordSet, of_several_threads_one_adds_each_hash) {
     struct {
         unsigned count;
         unsigned places_apart;
-    } const rows[] = {{30, 11}, {3'000, 11}, {300'000, 11}, {900'000, 0}};
+    } const rows[] = {{30, 11}, {3'000, 11}, {300'000, 11}, {600'000, 0}};
     for (auto const& [count, places_apart] : rows) {
         std::vector<std::vector<Hash>> added(threads);
         set.make_room(count, &team);
@@ -117,6 +118,33 @@ TEST(MachineWordSet, of_several_threads_one_adds_each_hash) {
         set.note_additions(all);
         expect_contents(set, wanted, std::to_string(count));
     }
+}
+
+/// However its allocations fail, also those of the work that it gives to a team.
+TEST(MachineWordSet, is_as_before_where_it_cannot_grow) {
+    if (!Testing::allocations_can_fail()) {
+        GTEST_SKIP() << Testing::why_not_counted;
+    }
+    Team team(2);
+    WordSet set;
+    std::set<Hash> wanted;
+    set.make_room(100'000);
+    for (unsigned i = 1; i <= 100'000; ++i) {
+        wanted.insert(i * 0x9E37'79B9'7F4A'7C15);
+        set.find_or_add(i * 0x9E37'79B9'7F4A'7C15, no_state);
+    }
+    bool fails = true;
+    for (std::size_t number = 1; fails; ++number) {
+        std::uint64_t const before = set.memory_bytes();
+        Testing::FailingAllocation const failing(number);
+        try {
+            set.make_room(1'000'000, &team);
+        } catch (std::bad_alloc const&) {
+            EXPECT_EQ(set.memory_bytes(), before) << number;
+        }
+        fails = failing.has_failed();
+    }
+    expect_contents(set, wanted, "grown after that");
 }
 
 TEST(MachineWordList, keeps_places_when_it_takes_other_lists) {
