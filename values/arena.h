@@ -36,9 +36,12 @@ class Arena {
     static constexpr std::size_t alignment = 8;
     static constexpr std::size_t page_size = std::size_t{1} << 16;
 
+    /// Throws std::bad_alloc, and what is left is then as before.
     void add_page(std::size_t size) {
-        m_left = std::max(size, page_size);
-        m_next = m_pages.emplace_back(new std::byte[m_left]).get();
+        std::size_t const bytes = std::max(size, page_size);
+        m_pages.push_back(std::make_unique_for_overwrite<std::byte[]>(bytes));
+        m_next = m_pages.back().get();
+        m_left = bytes;
     }
 
     std::vector<std::unique_ptr<std::byte[]>> m_pages;

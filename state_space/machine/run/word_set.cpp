@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <vector>
 
 namespace Calder::StateSpace {
@@ -112,11 +113,12 @@ void WordSet::move_groups(std::size_t first, std::size_t last, Team* team) noexc
                       [this](Group& each) { move<false>(each); });
         return;
     }
-    team->each((last - first + piece - 1) / piece, [&](unsigned, std::size_t number) {
+    auto const move_piece = [&](unsigned, std::size_t number) {
         std::size_t const begin = first + number * piece;
         std::for_each(&m_groups[begin], &m_groups[std::min(begin + piece, last)],
                       [this](Group& each) { move<true>(each); });
-    });
+    };
+    team->each((last - first + piece - 1) / piece, std::cref(move_piece)); // allocates nothing
 }
 
 /// What stands in a group, which is free then, to where it belongs, where it does not stand yet.

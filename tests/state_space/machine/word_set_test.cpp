@@ -1,6 +1,7 @@
 #include "state_space/machine/run/team.h"
 #include "state_space/machine/run/word_list.h"
 #include "state_space/machine/run/word_set.h"
+#include "tests/state_space/counted_allocation.h"
 
 #include <gtest/gtest.h>
 
@@ -83,7 +84,8 @@ TEST(MachineWordSet, finds_hashes_that_stand_far_behind_their_group) {
     }
 }
 
-/// All threads add the same hashes, in an order of their own; at last so many that all of them make room.
+/// All threads add the same hashes, each some places before the next one, or all at the same place, where they
+/// are in each other's way; in the end so many that all of them make room.
 TEST(MachineWordSet, of_several_threads_one_adds_each_hash) {
     constexpr unsigned threads = 4;
     Team team(threads);
@@ -111,6 +113,33 @@ TEST(MachineWordSet, of_several_threads_one_adds_each_hash) {
         set.note_additions(all);
         expect_contents(set, wanted, std::to_string(count));
     }
+}
+
+/// However its allocations fail, also those of the work that it gives to a team.
+TEST(MachineWordSet, is_as_before_where_it_cannot_grow) {
+    if (!Testing::allocations_can_fail()) {
+        GTEST_SKIP() << Testing::why_not_counted;
+    }
+    Team team(2);
+    WordSet set;
+    std::set<Hash> wanted;
+    set.make_room(100'000);
+    for (unsigned i = 1; i <= 100'000; ++i) {
+        wanted.insert(i * 0x9E37'79B9'7F4A'7C15);
+        set.find_or_add(i * 0x9E37'79B9'7F4A'7C15, no_state);
+    }
+    bool fails = true;
+    for (std::size_t number = 1; fails; ++number) {
+        std::uint64_t const before = set.memory_bytes();
+        Testing::FailingAllocation const failing(number);
+        try {
+            set.make_room(1'000'000, &team);
+        } catch (std::bad_alloc const&) {
+            EXPECT_EQ(set.memory_bytes(), before) << number;
+        }
+        fails = failing.has_failed();
+    }
+    expect_contents(set, wanted, "grown after that");
 }
 
 TEST(MachineWordList, keeps_places_when_it_takes_other_lists) {
