@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/small_block_allocator.h"
 #include "csp/export.h"
 #include "process_compiler/operator_process.h"
 
@@ -41,26 +42,40 @@ CALDER_CSP_EXPORT bool cart_product_synchronised_events(BitSet const& synchronis
                                                         TransitionVisitor callback,
                                                         OperatorPointer const& op);
 
+/// What a visit keeps of one argument: a SyncVector from small blocks, as each visit makes some.
+using KeptVector = std::vector<SyncVector::value_type, SmallBlockAllocator<SyncVector::value_type>>;
+/// By argument.
+using KeptVectors = OwningArray<KeptVector>;
+
+/// As sort_sync_vectors.
+CALDER_CSP_EXPORT void sort_kept(KeptVectors& vectors) noexcept;
+
 /// The scratch of cart_product for one visit, all of which goes when the visit ends.
 struct CALDER_CSP_EXPORT CartProductScratch {
     /// For that many arguments, all null, and runs that are not found yet.
     explicit CartProductScratch(std::size_t arguments)
-        : joint_arguments(arguments), start(arguments), end(arguments), current(arguments) {}
+        : joint_arguments(arguments == 2 ? 0 : arguments), positions(arguments * 3),
+          start(positions.begin()), end(start + arguments), current(end + arguments) {}
+    CartProductScratch(CartProductScratch const&) = delete;
+    CartProductScratch& operator=(CartProductScratch const&) = delete;
 
     /// Sets the run of argument `index` to its entries on `event`, leaving out the last
     /// `left_out` entries of its sorted vector. False when there is none.
-    [[nodiscard]] bool find_run(SyncVectors const& vectors, std::size_t index, unsigned event,
+    [[nodiscard]] bool find_run(KeptVectors const& vectors, std::size_t index, unsigned event,
                                 std::size_t left_out = 0);
 
-    /// The successors of the combination that is being offered.
+    /// The successors of the combination that is being offered; of two arguments they are taken from
+    /// where they stand.
     OwningArray<ProcessPointer> joint_arguments;
+    /// What the following are in.
+    IndexArray positions;
     /// @{
     /// By argument: the run that is combined, from `start` up to before `end`.
-    IndexArray start;
-    IndexArray end;
+    unsigned* start;
+    unsigned* end;
     /// @}
     /// By argument: where in its run the combination is.
-    IndexArray current;
+    unsigned* current;
 };
 
 /// One visit of an operator that synchronises, while it asks its arguments one after the other: a
@@ -74,7 +89,7 @@ struct CALDER_CSP_EXPORT SynchronisedVisit {
 
     /// A transition of the argument that is asked, for later. Returns true: the argument goes on.
     bool keep(unsigned event, ProcessPointer const& successor) {
-        SyncVector& kept = vectors[moving];
+        KeptVector& kept = vectors[moving];
         if (kept.capacity() == 0) {
             kept.reserve(usual_candidates);
         }
@@ -91,8 +106,9 @@ struct CALDER_CSP_EXPORT SynchronisedVisit {
     /// Combines the runs of `scratch`; the whole performs `event`.
     [[nodiscard]] bool combine(CartProductScratch& scratch, unsigned event) const;
 
-    /// Room made at once, so that most vectors are allocated once a visit.
-    static constexpr std::size_t usual_candidates = 16;
+    /// Room made at once, so that most vectors are allocated once a visit, and that in a small block.
+    static constexpr std::size_t usual_candidates =
+        SmallBlocks::most_small_bytes / sizeof(KeptVector::value_type);
 
     /// What successors apply.
     OperatorPointer const op;
@@ -101,7 +117,7 @@ struct CALDER_CSP_EXPORT SynchronisedVisit {
     /// Who asked for the transitions.
     TransitionVisitor const& visitor;
     /// What was kept, by argument.
-    OwningArray<SyncVector> vectors;
+    KeptVectors vectors;
     /// The argument that is asked: set before it is.
     unsigned moving = 0;
 };
