@@ -63,7 +63,7 @@ bool AlphabetisedParallelOperator::visit_transitions(NamedProcessSource const& s
     }
     sort_kept(visit.vectors);
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        visit.vectors[i].emplace_back(no_event, arguments[i]); // by which it stays as it is
+        visit.vectors[i].add(no_event, arguments[i]); // by which it stays as it is
     }
     CartProductScratch scratch(arguments.size());
     for (unsigned const event : visit.offered) { // what nobody offers nobody performs

@@ -204,15 +204,32 @@ bool cart_product_synchronised_events(BitSet const& synchronised, SyncVectors co
 
 // NOLINTEND(performance-unnecessary-value-param)
 
+/// The first room is a small block.
+bool KeptVector::add_with_more_room(unsigned event, ProcessPointer const& successor) {
+    constexpr std::size_t first_room = SmallBlocks::most_small_bytes / sizeof(Entry);
+    std::size_t const room = m_begin == nullptr ? first_room : size() * 2;
+    auto* const begin = static_cast<Entry*>(SmallBlocks::allocate(room * sizeof(Entry)));
+    Entry* const end = std::uninitialized_move(m_begin, m_end, begin);
+    std::destroy(m_begin, m_end);
+    SmallBlocks::free(m_begin, room_bytes());
+    m_begin = begin;
+    m_end = end;
+    m_room_end = begin + room;
+    return add(event, successor);
+}
+
 bool CartProductScratch::find_run(KeptVectors const& vectors, std::size_t index, unsigned event,
                                   std::size_t left_out) {
-    KeptVector const& vector = vectors[index];
-    auto const [first, last] =
-        std::equal_range(vector.begin(), vector.end() - static_cast<std::ptrdiff_t>(left_out),
-                         std::pair(event, ProcessPointer()), has_lower_event);
-    start[index] = static_cast<unsigned>(first - vector.begin());
-    end[index] = static_cast<unsigned>(last - vector.begin());
+    Entry const* const all = vectors[index].data();
+    auto const [first, last] = std::equal_range(all, all + vectors[index].size() - left_out,
+                                                Entry(event, nullptr), has_lower_event);
+    start[index] = static_cast<unsigned>(first - all);
+    end[index] = static_cast<unsigned>(last - all);
     return first != last;
+}
+
+bool SynchronisedVisit::move(unsigned event, ProcessPointer const& successor) const {
+    return visitor(event, new OperatorProcess(op, arguments, moving, successor));
 }
 
 bool SynchronisedVisit::combine_on(BitSet const& synchronised) {

@@ -1,9 +1,10 @@
 #pragma once
 
-#include "core/small_block_allocator.h"
+#include "core/small_blocks.h"
 #include "csp/export.h"
 #include "process_compiler/operator_process.h"
 
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -42,8 +43,56 @@ CALDER_CSP_EXPORT bool cart_product_synchronised_events(BitSet const& synchronis
                                                         TransitionVisitor callback,
                                                         OperatorPointer const& op);
 
-/// What a visit keeps of one argument: a SyncVector from small blocks, as each visit makes some.
-using KeptVector = std::vector<SyncVector::value_type, SmallBlockAllocator<SyncVector::value_type>>;
+/// What a visit keeps of one argument: a SyncVector that only grows, and mostly is one small block.
+class CALDER_CSP_EXPORT KeptVector {
+  public:
+    /// As of a SyncVector.
+    using value_type = SyncVector::value_type;
+
+    KeptVector() noexcept = default;
+    KeptVector(KeptVector const&) = delete;
+    KeptVector& operator=(KeptVector const&) = delete;
+    inline ~KeptVector();
+
+    /// @{
+    /// As of a vector.
+    [[nodiscard]] std::size_t size() const noexcept {
+        return static_cast<std::size_t>(m_end - m_begin);
+    }
+    [[nodiscard]] bool empty() const noexcept { return m_begin == m_end; }
+    [[nodiscard]] value_type* data() noexcept { return m_begin; }
+    [[nodiscard]] value_type const* data() const noexcept { return m_begin; }
+    value_type const& operator[](std::size_t index) const noexcept { return m_begin[index]; }
+    /// @}
+
+    /// Returns true, so that a visitor ends with it. What throws leaves everything as it was.
+    inline bool add(unsigned event, ProcessPointer const& successor);
+
+  private:
+    bool add_with_more_room(unsigned event, ProcessPointer const& successor);
+    [[nodiscard]] std::size_t room_bytes() const noexcept {
+        return static_cast<std::size_t>(m_room_end - m_begin) * sizeof(value_type);
+    }
+
+    value_type* m_begin = nullptr;
+    value_type* m_end = nullptr;
+    value_type* m_room_end = nullptr;
+};
+
+inline KeptVector::~KeptVector() {
+    std::destroy(m_begin, m_end);
+    SmallBlocks::free(m_begin, room_bytes());
+}
+
+inline bool KeptVector::add(unsigned event, ProcessPointer const& successor) {
+    if (m_end == m_room_end) [[unlikely]] {
+        return add_with_more_room(event, successor);
+    }
+    ::new (static_cast<void*>(m_end)) value_type(event, successor);
+    ++m_end;
+    return true;
+}
+
 /// By argument.
 using KeptVectors = OwningArray<KeptVector>;
 
@@ -89,26 +138,15 @@ struct CALDER_CSP_EXPORT SynchronisedVisit {
 
     /// A transition of the argument that is asked, for later. Returns true: the argument goes on.
     bool keep(unsigned event, ProcessPointer const& successor) {
-        KeptVector& kept = vectors[moving];
-        if (kept.capacity() == 0) {
-            kept.reserve(usual_candidates);
-        }
-        kept.emplace_back(event, successor);
-        return true;
+        return vectors[moving].add(event, successor);
     }
     /// The argument that is asked moves alone; returns what the visitor answers.
-    bool move(unsigned event, ProcessPointer const& successor) const {
-        return visitor(event, new OperatorProcess(op, arguments, moving, successor));
-    }
+    bool move(unsigned event, ProcessPointer const& successor) const;
 
     /// Combines what was kept, on each event of `synchronised` that every argument can perform.
     [[nodiscard]] bool combine_on(BitSet const& synchronised);
     /// Combines the runs of `scratch`; the whole performs `event`.
     [[nodiscard]] bool combine(CartProductScratch& scratch, unsigned event) const;
-
-    /// Room made at once, so that most vectors are allocated once a visit, and that in a small block.
-    static constexpr std::size_t usual_candidates =
-        SmallBlocks::most_small_bytes / sizeof(KeptVector::value_type);
 
     /// What successors apply.
     OperatorPointer const op;
