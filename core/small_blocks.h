@@ -19,7 +19,7 @@ namespace Calder {
 class CALDER_CORE_EXPORT SmallBlocks {
   public:
     /// A request of just so many bytes is small, too.
-    static constexpr std::size_t most_small_bytes = 128;
+    static constexpr std::size_t most_small_bytes = 256;
 
     /// Of at least 1 byte, aligned to 16. Throws std::bad_alloc.
     [[nodiscard]] static inline void* allocate(std::size_t bytes);

@@ -13,7 +13,7 @@ namespace {
 /// Sets the runs of all arguments on `event`: of those that have it in their alphabet, their
 /// transitions; of the others, the entry at the end by which they stay as they are. False when one
 /// that must take part cannot.
-bool find_runs(FixedArray<BitSet> const& alphabets, SyncVectors const& vectors, unsigned event,
+bool find_runs(FixedArray<BitSet> const& alphabets, KeptVectors const& vectors, unsigned event,
                CartProductScratch& scratch) {
     for (std::size_t i = 0; i < vectors.size(); ++i) {
         if (!alphabets[i].member(event)) {
@@ -61,9 +61,9 @@ bool AlphabetisedParallelOperator::visit_transitions(NamedProcessSource const& s
                     })) {
         return false;
     }
-    sort_sync_vectors(visit.vectors);
+    sort_kept(visit.vectors);
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        visit.vectors[i].emplace_back(no_event, arguments[i]); // by which it stays as it is
+        visit.vectors[i].add(no_event, arguments[i]); // by which it stays as it is
     }
     CartProductScratch scratch(arguments.size());
     for (unsigned const event : visit.offered) { // what nobody offers nobody performs

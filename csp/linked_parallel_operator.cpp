@@ -52,7 +52,7 @@ bool LinkedParallelOperator::visit_transitions(NamedProcessSource const& source,
                     })) {
         return false;
     }
-    sort_sync_vectors(visit.vectors);
+    sort_kept(visit.vectors);
     CartProductScratch scratch(arguments.size());
     for (auto const& [left, right] : m_links) {
         if (scratch.find_run(visit.vectors, 0, left) && scratch.find_run(visit.vectors, 1, right) &&

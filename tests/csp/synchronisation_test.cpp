@@ -3,6 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
 namespace Calder::ProcessCompiler::CSP {
 namespace {
 
@@ -95,6 +102,90 @@ TEST(Synchronisation, an_exception_on_the_way_releases_everything) {
                      std::bad_function_call);
     }
     EXPECT_EQ(held->reference_count(), before);
+}
+
+/// Of `count` entries on three events, numbered in the order in which they came.
+std::vector<std::pair<unsigned, unsigned>> on_three_events(unsigned count, std::mt19937& random) {
+    std::vector<std::pair<unsigned, unsigned>> numbers;
+    for (unsigned number = 0; number < count; ++number) {
+        numbers.emplace_back(3 + static_cast<unsigned>(random() % 3), number);
+    }
+    return numbers;
+}
+
+TEST(Synchronisation, sorting_loses_nothing_and_keeps_few_in_order) {
+    std::mt19937 random(7);
+    for (unsigned count = 0; count < 80; ++count) {
+        auto numbers = on_three_events(count, random);
+        OwningArray<SyncVector> vectors = vectors_of({numbers});
+        sort_sync_vectors(vectors);
+        std::vector<std::pair<unsigned, unsigned>> sorted;
+        for (auto const& [event, successor] : vectors[0]) {
+            sorted.emplace_back(event, std::stoul(text(*successor)));
+        }
+        if (count > 16) {
+            EXPECT_TRUE(std::is_sorted(sorted.begin(), sorted.end(), [](auto left, auto right) {
+                return left.first < right.first;
+            }));
+            std::sort(sorted.begin(), sorted.end());
+        }
+        std::sort(numbers.begin(), numbers.end()); // numbers ascend as they came
+        EXPECT_EQ(sorted, numbers) << count;
+    }
+}
+
+/// `first, first + 1, …` of the event, `count` of them: "3 0, 3 1, ".
+ProcessPointer ways(unsigned event, unsigned count, unsigned first) {
+    Terms all(count);
+    for (unsigned i = 0; i < count; ++i) {
+        all[i] = prefix(event, source.reference(std::to_string(first + i)));
+    }
+    return external(all);
+}
+
+/// What there is room for at first, and far more; two arguments and three, which go other ways.
+TEST(Synchronisation, any_number_of_transitions_is_kept_and_let_go) {
+    struct {
+        char const* name;
+        ProcessPointer (*of)(Terms const& arguments);
+    } const operators[] = {
+        {"generalised", [](Terms const& of) { return parallel({3}, of); }},
+        {"alphabetised", [](Terms const& of) { return alphabetised(Sets(of.size(), {3}), of); }},
+        {"choice", [](Terms const& of) { return sync_choice({3}, of); }},
+    };
+    for (unsigned const count : {1U, 16U, 17U, 40U}) {
+        for (std::size_t arguments = 2; arguments < 4; ++arguments) {
+            Terms of(arguments);
+            for (std::size_t i = 0; i < arguments; ++i) {
+                of[i] = ways(3, i == 2 ? 1 : count, static_cast<unsigned>(i) * 100);
+            }
+            std::set<std::string> all;
+            for (unsigned left = 0; left < count; ++left) {
+                for (unsigned right = 0; right < count; ++right) {
+                    all.insert(std::to_string(left) + " " + std::to_string(100 + right) +
+                               (arguments == 3 ? " 200" : ""));
+                }
+            }
+            Term last = of[1]->argument(count - 1)->argument(0);
+            for (auto const& each : operators) {
+                ProcessPointer const term = each.of(of);
+                std::uintptr_t const held = last->reference_count();
+                std::set<std::string> offered;
+                unsigned offers = 0;
+                EXPECT_TRUE(term->visit_transitions(source, [&](unsigned, Term successor) {
+                    std::string of_what = text(*successor->argument(0));
+                    for (unsigned i = 1; i < arguments; ++i) {
+                        of_what += " " + text(*successor->argument(i));
+                    }
+                    offered.insert(of_what);
+                    return ++offers > 0;
+                })) << each.name;
+                EXPECT_EQ(offered, all) << each.name << ", " << count;
+                EXPECT_EQ(offers, all.size()) << each.name << ", " << count;
+                EXPECT_EQ(last->reference_count(), held) << each.name << ", " << count;
+            }
+        }
+    }
 }
 
 } // namespace
