@@ -1,9 +1,11 @@
 #include "state_space/machine/run/counting_round.h"
 
+#include "state_space/machine/run/round_job.h"
+
 namespace Calder::StateSpace {
 
 CountingRound::CountingRound(Team& team, CountingSearch& search, ConfigurationTables const& tables)
-    : m_team(team), m_search(search), m_table(tables.table(tables.configuration_of(Word{0}))) {
+    : m_team(team), m_search(search), m_tables(tables) {
     m_search.m_workers.resize(team.size());
 }
 
@@ -37,12 +39,7 @@ std::size_t CountingRound::found() const noexcept {
 /// What it throws leaves the job to the owner.
 void CountingRound::explore_job(CountingSearch::Worker& worker, std::size_t number) noexcept try {
     SearchJob& job = worker.job;
-    job.clear(CountingSearch::form, m_size.most_steps);
-    m_search.for_each(m_size.first_of(number), m_size.last_of(number), [&](Word const* kept) {
-        job.add_source(kept, m_table);
-        return true;
-    });
-    job.search();
+    find_successors(job, m_search, m_tables, m_size, number);
     auto const steps = static_cast<std::int64_t>(job.steps().size());
     if (m_room_left.fetch_sub(steps, std::memory_order_relaxed) < steps) {
         m_room_left.fetch_add(steps, std::memory_order_relaxed);

@@ -35,7 +35,7 @@ class CountingRound {
 
     Team& m_team;
     CountingSearch& m_search;
-    SuccessorTable const& m_table;
+    ConfigurationTables const& m_tables;
     RoundSize m_size{};
     std::vector<unsigned char> m_is_done;      // by job
     std::atomic<std::int64_t> m_room_left = 0; // for additions

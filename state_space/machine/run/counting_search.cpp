@@ -9,7 +9,7 @@ namespace Calder::StateSpace {
 bool CountingSearch::add_start(std::vector<Word> const& words) {
     m_set.make_room(1);
     m_level.make_room(1);
-    if (m_set.find_or_add(VisitedStates::hash(words.data(), form.width), m_max_states) !=
+    if (m_set.find_or_add(VisitedStates::hash(words.data(), form().width), m_max_states) !=
         WordSet::Found::added) {
         return false;
     }

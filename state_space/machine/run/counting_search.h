@@ -22,7 +22,7 @@ class CountingSearch {
     [[nodiscard]] StateNumber size() const noexcept { return m_set.size(); }
     [[nodiscard]] std::uint64_t transition_count() const noexcept { return m_transitions; }
     /// The words of each state.
-    [[nodiscard]] std::uint32_t width() const noexcept { return form.width; }
+    [[nodiscard]] std::uint32_t width() const noexcept { return form().width; }
 
     /// To what it is.
     void widen(std::uint32_t /*width*/) noexcept {}
@@ -36,12 +36,13 @@ class CountingSearch {
         m_level.for_each(first - m_level_begin, last - m_level_begin, told);
     }
     [[nodiscard]] Word first_word(Word const* kept) const noexcept { return *kept; }
+    [[nodiscard]] static SearchJob::Form form() noexcept { return {1, nullptr}; }
 
     /// @{
     /// One thread explores the states that come next: `begin_job` and the sources; then `take_job` looks their
     /// successors up, and returns for how many sources, before there was one state too many.
     SearchJob& begin_job(std::size_t most_steps) noexcept {
-        m_workers[0].job.clear(form, most_steps);
+        m_workers[0].job.clear(form(), most_steps);
         return m_workers[0].job;
     }
     StateNumber take_job();
@@ -62,8 +63,6 @@ class CountingSearch {
 
   private:
     friend class CountingRound;
-
-    static constexpr SearchJob::Form form{1, nullptr};
 
     [[nodiscard]] Word& at(StateNumber state) noexcept { return m_level[state - m_level_begin]; }
     void collect_transitions() noexcept;

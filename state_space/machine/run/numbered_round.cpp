@@ -1,12 +1,14 @@
 #include "state_space/machine/run/numbered_round.h"
 
+#include "state_space/machine/run/round_job.h"
+
 #include <algorithm>
 
 namespace Calder::StateSpace {
 
 NumberedRound::NumberedRound(Team& team, NumberedSearch& search, ConfigurationTables const& tables)
-    : m_team(team), m_states(*search.m_states), m_tables(tables), m_rows(search.m_rows),
-      m_workers(team.size()) {}
+    : m_team(team), m_search(search), m_states(*search.m_states), m_tables(tables),
+      m_rows(search.m_rows), m_workers(team.size()) {}
 
 void NumberedRound::begin(RoundSize const& size) {
     m_size = size;
@@ -62,13 +64,7 @@ void NumberedRound::find(Worker& worker, std::size_t number) noexcept try {
         return;
     }
     SearchJob& search = worker.search;
-    search.clear(m_states.form(), m_size.most_steps);
-    for (StateNumber source = m_size.first_of(number); source < m_size.last_of(number); ++source) {
-        Word const* const kept = m_states.kept().words(source);
-        search.add_source(kept,
-                          m_tables.table(m_tables.configuration_of(m_states.first_word_of(kept))));
-    }
-    search.search();
+    find_successors(search, m_search, m_tables, m_size, number);
     auto const steps = static_cast<std::int64_t>(search.steps().size());
     if (m_room_left.fetch_sub(steps, std::memory_order_relaxed) < steps) {
         m_is_over = true;

@@ -78,6 +78,7 @@ class NumberedRound {
     void copy_rows(Job& job) noexcept;
 
     Team& m_team;
+    NumberedSearch const& m_search;
     ReachedStates& m_states;
     ConfigurationTables const& m_tables;
     FoundRows& m_rows;

@@ -40,12 +40,13 @@ class NumberedSearch {
     [[nodiscard]] Word first_word(Word const* kept) const noexcept {
         return m_states->first_word_of(kept);
     }
+    [[nodiscard]] SearchJob::Form form() const noexcept { return m_states->form(); }
 
     /// @{
     /// One thread explores the states that come next: `begin_job` and the sources; then `take_job` looks their
     /// successors up, and returns for how many sources, before there was one state too many.
     SearchJob& begin_job(std::size_t most_steps) noexcept {
-        m_job.clear(m_states->form(), most_steps);
+        m_job.clear(form(), most_steps);
         return m_job;
     }
     StateNumber take_job();

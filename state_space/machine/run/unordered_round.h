@@ -38,6 +38,7 @@ class UnorderedRound {
     std::size_t look_up(Worker& worker, unsigned thread);
 
     Team& m_team;
+    NumberedSearch const& m_search;
     ReachedStates& m_states;
     ConfigurationTables const& m_tables;
     FoundRows& m_rows;
