@@ -1,7 +1,6 @@
 #include "state_space/machine/run/row_count.h"
 
 #include <algorithm>
-#include <compare>
 
 namespace Calder::StateSpace {
 
@@ -13,18 +12,17 @@ std::uint64_t RowCount::different(Steps const& steps, std::size_t first, std::si
             m_repeatable.push_back(step);
         }
     }
-    auto const compare = [&](std::size_t left, std::size_t right) {
-        std::strong_ordering const events = steps.event(left) <=> steps.event(right);
-        return events != 0 ? events
-                           : std::lexicographical_compare_three_way(
-                                 steps.words(left), steps.words(left) + steps.width(),
-                                 steps.words(right), steps.words(right) + steps.width());
+    auto const comes_before = [&](std::size_t left, std::size_t right) {
+        return steps.event(left) != steps.event(right)
+                   ? steps.event(left) < steps.event(right)
+                   : std::lexicographical_compare(
+                         steps.words(left), steps.words(left) + steps.width(), steps.words(right),
+                         steps.words(right) + steps.width());
     };
-    std::sort(m_repeatable.begin(), m_repeatable.end(),
-              [&](std::size_t left, std::size_t right) { return compare(left, right) < 0; });
-    auto const end =
-        std::unique(m_repeatable.begin(), m_repeatable.end(),
-                    [&](std::size_t left, std::size_t right) { return compare(left, right) == 0; });
+    std::sort(m_repeatable.begin(), m_repeatable.end(), comes_before);
+    auto const end = std::unique(
+        m_repeatable.begin(), m_repeatable.end(),
+        [&](std::size_t left, std::size_t right) { return !comes_before(left, right); });
     return static_cast<std::uint64_t>(end - m_repeatable.begin());
 }
 
