@@ -18,7 +18,8 @@ class CountingRound {
     /// Throws std::bad_alloc.
     CountingRound(Team& team, CountingSearch& search, ConfigurationTables const& tables);
 
-    /// Makes room. Throws std::bad_alloc where there is no memory for it, of which one thread needs less; nothing has changed then.
+    /// Makes room. Throws std::bad_alloc where there is no memory for it, of which one thread needs less; nothing
+    /// has changed then.
     void begin(RoundSize const& size);
     /// Comes after that. How many of the states are explored; those that come behind them are left.
     StateNumber explore();

@@ -33,7 +33,7 @@ namespace Calder::StateSpace {
 /// A round costs four meetings of the team, some microseconds each where processors are idle, and an addition
 /// 16 bytes and its words while the round lasts. Numbers are given after each round, not each level, as much of
 /// what is to be written to is still in a cache then; with the second work this takes a twentieth of a run.
-/// Where nobody will look at the numbers, CountingRound does without.
+/// Where nobody will look at the numbers, CountingRound and UnorderedRound do without.
 class NumberedRound {
   public:
     NumberedRound(Team& team, NumberedSearch& search, ConfigurationTables const& tables);
